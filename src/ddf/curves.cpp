@@ -1,0 +1,102 @@
+// Both interpolators reduce the position to x in [0, 1] and share the shapes; everything is computed in 64 bits and narrowed once.
+
+#include "ddf/curves.h"
+
+#include "diag/messages.h"
+#include "input/scanners.h"
+
+#include <cmath>
+
+namespace orlo {
+namespace {
+
+constexpr double HALF_PI = 1.5707963267948966;
+
+enum class Curve : int { line, square, root, power, sine, mirrored };
+
+struct CurveLetter {
+    char  letter;
+    Curve curve;
+};
+
+constexpr CurveLetter letters[] = {
+    {'c', Curve::mirrored}, {'e', Curve::square}, {'f', Curve::line},
+    {'l', Curve::root},     {'s', Curve::sine},   {'v', Curve::power},
+};
+
+// start + (end - start) * shape of x
+float plot(int code, double x, float start, float end, double exponent)
+{
+    double shape = 0.0;
+    switch (static_cast<Curve>(code)) {
+    case Curve::line:
+        shape = x;
+        break;
+    case Curve::square:
+        shape = std::pow(x, 2.0);
+        break;
+    case Curve::root:
+        shape = std::pow(x, 0.5);
+        break;
+    case Curve::power:
+        shape = std::pow(x, exponent);
+        break;
+    case Curve::sine:
+        shape = std::sin(x * HALF_PI);
+        break;
+    case Curve::mirrored:
+        shape = 2.0 * x - std::sin(x * HALF_PI);
+        break;
+    default:
+        return 0.0F;
+    }
+    const auto from = static_cast<double>(start);
+    return static_cast<float>(from + (static_cast<double>(end) - from) * shape);
+}
+
+} // namespace
+
+int get_curve_type(Input &in, float &curve, float &exponent, bool time_allowed)
+{
+    int code     = static_cast<int>(Curve::line);
+    exponent     = 1.0F;
+    const char c = lower(peek(in));
+    for (const CurveLetter &entry : letters) {
+        if (c != entry.letter)
+            continue;
+        ++in.pos;
+        code = static_cast<int>(entry.curve);
+        if (entry.curve == Curve::power && (get_f(exponent, in) == 0 || !(exponent > 0.0F)))
+            return BAD_CURVE;
+        break;
+    }
+    skip_blanks(in);
+    if (peek(in) == '*') {
+        if (!time_allowed)
+            return BEAT_CURVE_NOT_HERE;
+        ++in.pos;
+        code += TIME_CURVE;
+    }
+    curve = static_cast<float>(code);
+    return OK;
+}
+
+float tplot_val(int code, float t, float total, float start, float end, double exponent)
+{
+    if (t >= total)
+        return end;
+    if (t <= 0.0F)
+        return start;
+    return plot(code, static_cast<double>(t) / static_cast<double>(total), start, end, exponent);
+}
+
+float pplot_val(std::uint64_t i, std::uint64_t n, int code, float start, float end, double exponent)
+{
+    if (n == 1)
+        return start;
+    if (i > n - 1)
+        return end;
+    return plot(code, static_cast<double>(i) / static_cast<double>(n - 1), start, end, exponent);
+}
+
+} // namespace orlo

@@ -1,0 +1,151 @@
+// The screen stream is unbuffered, so every call on it costs a write to the system. A message is therefore collected in a small
+// buffer on the stack and leaves it in one piece, or in several when it is longer than the buffer. Nothing is allocated: an
+// exhausted memory can still be reported.
+
+#include "diag/report.h"
+
+#include "diag/messages.h"
+
+#include <cstring>
+
+namespace orlo {
+
+int        MKLOG   = 0;
+int        SUPRESS = 0;
+std::FILE *fllog   = nullptr;
+
+namespace {
+
+struct Text {
+    std::FILE  *first;
+    std::FILE  *second; // may be null
+    std::size_t used;
+    char        buffer[1024];
+};
+
+void flush(Text &out)
+{
+    std::fwrite(out.buffer, 1, out.used, out.first);
+    if (out.second != nullptr)
+        std::fwrite(out.buffer, 1, out.used, out.second);
+    out.used = 0;
+}
+
+void put(Text &out, char c)
+{
+    if (out.used == sizeof out.buffer)
+        flush(out);
+    out.buffer[out.used++] = c;
+}
+
+void put_text(Text &out, const char *text)
+{
+    for (; *text != '\0'; ++text)
+        put(out, *text);
+}
+
+void put_conversion(Text &out, const MprintfArg &arg)
+{
+    char number[400]; // the longest double has 309 digits before its point
+    switch (arg.kind) {
+    case MprintfArg::Kind::whole:
+        std::snprintf(number, sizeof number, "%ld", arg.whole);
+        put_text(out, number);
+        break;
+    case MprintfArg::Kind::real:
+        std::snprintf(number, sizeof number, "%7.2f", arg.real);
+        put_text(out, number);
+        break;
+    case MprintfArg::Kind::character:
+        put(out, arg.character);
+        break;
+    case MprintfArg::Kind::text:
+        put_text(out, arg.text);
+        break;
+    }
+}
+
+bool is_conversion(char c) { return c == 'd' || c == 'f' || c == 'c' || c == 's'; }
+
+// the line and its caret on the screen, and again in the log
+void show_line(const char *line, unsigned column)
+{
+    put_buff(stderr, line, column);
+    if (MKLOG != 0 && fllog != nullptr)
+        put_buff(fllog, line, column);
+}
+
+} // namespace
+
+void Mprintf_args(const char *format, const MprintfArg *args, int count)
+{
+    Text out;
+    out.first  = stderr;
+    out.second = MKLOG != 0 ? fllog : nullptr;
+    out.used   = 0;
+
+    int next = 0;
+    for (const char *c = format; *c != '\0'; ++c) {
+        if (*c != '%') {
+            put(out, *c);
+            continue;
+        }
+        ++c;
+        if (*c == '\0')
+            break;
+        if (is_conversion(*c) && next < count)
+            put_conversion(out, args[next++]);
+        else
+            put(out, *c);
+    }
+    flush(out);
+}
+
+void put_buff(std::FILE *stream, const char *line, unsigned column)
+{
+    Text out;
+    out.first  = stream;
+    out.second = nullptr;
+    out.used   = 0;
+
+    const std::size_t length = std::strlen(line);
+    for (std::size_t i = 0; i < length; ++i)
+        put(out, line[i] == '\n' ? 'L' : line[i]);
+    put(out, '\n');
+    for (std::size_t i = 0; i < length && i < column; ++i)
+        put(out, line[i] == '\t' ? '\t' : ' ');
+    if (column < length)
+        put(out, '^');
+    put(out, '\n');
+    flush(out);
+}
+
+void error_no(int number, unsigned long line_no, const char *line, unsigned column)
+{
+    if (number == FULLY_REPORTED)
+        return;
+    if (number <= 9) {
+        Mprintf("\nERROR: %s\n\n", error_text(number));
+        return;
+    }
+    if (number != TEXT_REPORTED) {
+        Mprintf("\n\nERROR: Line %d: ", line_no);
+        Mprintf("%s\n", error_text(number));
+    }
+    show_line(line, column);
+}
+
+void warning_no(int number, unsigned long line_no, const char *line, unsigned column)
+{
+    if (SUPRESS != 0)
+        return;
+    if (number <= 9) {
+        Mprintf("\nWARNING: %s", warning_text(number));
+        return;
+    }
+    Mprintf("\n\nWARNING: Line %d: ", line_no);
+    Mprintf("%s\n", warning_text(number));
+    show_line(line, column);
+}
+
+} // namespace orlo

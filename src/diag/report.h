@@ -1,0 +1,55 @@
+// Everything the user reads on the screen: messages, errors and warnings, and their copy in the log.
+// Never decides what is an error.
+#pragma once
+
+#include <concepts>
+#include <cstdio>
+
+namespace orlo {
+
+extern int        MKLOG;   // 1: a log receives a copy of the screen, 0 at start; set by the options
+extern int        SUPRESS; // 1: warnings and optional notices stay silent, 0 at start; set by the options
+extern std::FILE *fllog;   // the open log, null without one; set by the driver
+
+/// One argument of Mprintf, tagged with the kind of value that it holds.
+struct MprintfArg {
+    enum class Kind { whole, real, character, text } kind;
+    union {
+        long        whole;
+        double      real;
+        char        character;
+        const char *text;
+    };
+    template <std::integral T> MprintfArg(T v) : kind{Kind::whole}, whole{static_cast<long>(v)} {}
+    MprintfArg(char v) : kind{Kind::character}, character{v} {}
+    MprintfArg(float v) : kind{Kind::real}, real{static_cast<double>(v)} {}
+    MprintfArg(double v) : kind{Kind::real}, real{v} {}
+    MprintfArg(const char *v) : kind{Kind::text}, text{v} {}
+};
+
+/// Mprintf with its arguments in an array.
+void Mprintf_args(const char *format, const MprintfArg *args, int count);
+
+/// Prints a format to the screen and, when there is one, to the log. Conversions are "%d", "%f" (always as "%7.2f"),
+/// "%c" and "%s"; any other character after "%" stands for itself and takes no argument. Write errors are ignored.
+template <class... Args> void Mprintf(const char *format, Args... args)
+{
+    if constexpr (sizeof...(args) == 0) {
+        Mprintf_args(format, nullptr, 0);
+    } else {
+        const MprintfArg list[] = {args...};
+        Mprintf_args(format, list, static_cast<int>(sizeof...(args)));
+    }
+}
+
+/// Prints a line and, beneath it, a caret under the column. A line end inside the line is shown as "L".
+/// An empty line gives an empty second line; a column past the end gives blanks without a caret.
+void put_buff(std::FILE *stream, const char *line, unsigned column);
+
+/// Reports an error number with the line where it was found; 999 prints nothing, 1000 the line and caret alone.
+void error_no(int number, unsigned long line_no, const char *line, unsigned column);
+
+/// Reports a warning number with the line where it was found, unless warnings are suppressed.
+void warning_no(int number, unsigned long line_no, const char *line, unsigned column);
+
+} // namespace orlo

@@ -1,0 +1,140 @@
+// The file names are the last two arguments, so the first argument that is no option must be the last but one.
+
+#include "driver/options.h"
+
+#include "diag/report.h"
+#include "events/tempo_map.h"
+#include "input/line_reader.h"
+#include "output/midi_conversion.h"
+
+#include <cstring>
+
+namespace orlo {
+
+const char *in_fname  = nullptr;
+const char *out_fname = nullptr;
+const char *log_fname = nullptr;
+const char *exp_fname = nullptr;
+
+namespace {
+
+constexpr char banner[]  = "\nOrlo (%s, %s, %s)\n";
+constexpr char credits[] = "A score generator for Csound and MIDI\n";
+
+void print_version(std::FILE *stream)
+{
+    std::fprintf(stream, banner, ORLO_VERSION, __DATE__, __TIME__);
+    std::fputs(credits, stream);
+}
+
+int fail_with_usage()
+{
+    print_usage(stderr);
+    return 1;
+}
+
+// option-name -> rest of the argument | next argument
+// next is the index of the argument behind the option, moved on when it is taken
+int take_name(const char *&name, const char *rest, int argc, const char *const *argv, int &next, const char *what)
+{
+    if (*rest != '\0') {
+        name = rest;
+        return 0;
+    }
+    if (next >= argc || argv[next][0] == '-') {
+        std::printf("\nError: No %s name\n\n", what);
+        return 1;
+    }
+    name = argv[next++];
+    return 0;
+}
+
+// option -> "-" letter [ name ]
+int take_option(const char *option, int argc, const char *const *argv, int &next)
+{
+    if (option[1] == '\0')
+        return fail_with_usage();
+    const char *rest = option + 2;
+    switch (option[1]) {
+    case 'l':
+        MKLOG = 1;
+        return take_name(log_fname, rest, argc, argv, next, "logfile");
+    case 'm':
+        MKMIDI = 1;
+        return 0;
+    case 's':
+        SUPRESS = 1;
+        return 0;
+    case 't':
+        SHOW_TEMPOS = 1;
+        return 0;
+    case 'x':
+        MKEXP = 1;
+        return take_name(exp_fname, rest, argc, argv, next, "macro-expansion file");
+    default:
+        return fail_with_usage();
+    }
+}
+
+bool same(const char *a, const char *b) { return std::strcmp(a, b) == 0; }
+
+} // namespace
+
+int get_options(int argc, const char *const *argv)
+{
+    for (int next = 1; next < argc;) {
+        const char *argument = argv[next];
+        if (argument[0] != '-') {
+            if (next != argc - 2)
+                return fail_with_usage();
+            in_fname  = argument;
+            out_fname = argv[next + 1];
+            return 0;
+        }
+        ++next;
+        if (take_option(argument, argc, argv, next) != 0)
+            return 1;
+    }
+    return fail_with_usage();
+}
+
+int check_fnames()
+{
+    const bool log   = MKLOG != 0;
+    const bool trace = MKEXP != 0;
+    bool       clash = same(in_fname, out_fname);
+
+    clash = clash || (log && (same(log_fname, out_fname) || same(log_fname, in_fname)));
+    clash = clash || (trace && (same(exp_fname, out_fname) || same(exp_fname, in_fname)));
+    clash = clash || (log && trace && same(log_fname, exp_fname));
+    if (!clash)
+        return 0;
+    std::fputs("\nERROR: You can't use a filename multiple times!\n\n", stderr);
+    return 1;
+}
+
+void print_usage(std::FILE *stream)
+{
+    print_version(stream);
+    std::fputs("  Usage: orlo [options] infile outfile\n"
+               "  Options:\n"
+               "  -l <logfile>  screen ouput (text)\n"
+               "  -m            outfile is a MIDI file (format 1)\n"
+               "  -s            suppress non-error messages\n"
+               "  -t            verbose tempo information\n"
+               "  -x <expfile>  macro expansions (text)\n\n",
+               stream);
+}
+
+void print_info(std::FILE *stream)
+{
+    print_version(stream);
+    std::fprintf(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
+    std::fputs(MKMIDI != 0 ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
+    if (MKLOG != 0)
+        std::fprintf(stream, "Log \t= \"%s\"\n", log_fname);
+    if (MKEXP != 0)
+        std::fprintf(stream, "MExp\t= \"%s\"\n", exp_fname);
+}
+
+} // namespace orlo

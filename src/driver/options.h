@@ -1,0 +1,25 @@
+// The command line: options and file names, the usage text and the banner. Opens no file.
+#pragma once
+
+#include <cstdio>
+
+namespace orlo {
+
+extern const char *in_fname;  // names from the command line, null when not given; written by get_options
+extern const char *out_fname;
+extern const char *log_fname;
+extern const char *exp_fname;
+
+/// Reads "[options] infile outfile" into the settings and names.
+/// @return 0, or 1 after a message or the usage text has been printed
+[[nodiscard]] int get_options(int argc, const char *const *argv);
+
+/// 1, with a message, when two of the run's files have the same name, else 0.
+[[nodiscard]] int check_fnames();
+
+void print_usage(std::FILE *stream);
+
+/// The banner of a run: version, file names, kind of output.
+void print_info(std::FILE *stream);
+
+} // namespace orlo

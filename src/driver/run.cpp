@@ -1,0 +1,253 @@
+// The two parsers take turns until the input is used up. An i-block parser that finds nothing more is no failure: it leaves an
+// empty event list, which is told when it is the first block.
+
+#include "driver/run.h"
+
+#include "diag/messages.h"
+#include "diag/report.h"
+#include "driver/options.h"
+#include "driver/temporary_file.h"
+#include "events/event_list.h"
+#include "events/timing.h"
+#include "input/conditionals.h"
+#include "input/constants.h"
+#include "input/include_pass.h"
+#include "input/macros.h"
+#include "lang/global_block.h"
+#include "lang/iblock.h"
+#include "lang/keywords.h"
+#include "output/midi_conversion.h"
+#include "output/midi_file.h"
+#include "output/score_writer.h"
+
+#include <csignal>
+
+namespace orlo {
+
+double CUM_TIME    = 0.0;
+double LAST_IB_DUR = 0.0;
+
+namespace {
+
+constexpr int SUCCESS = 0;
+constexpr int FAILURE = 1;
+
+struct Files {
+    std::FILE *in;  // the input, later the temporary file; null while closed
+    std::FILE *out; // the score or MIDI file
+    std::FILE *tmp; // the temporary file while it is written
+};
+
+// closes a stream; false when anything written to it was lost
+bool close_written(std::FILE *&stream)
+{
+    if (stream == nullptr)
+        return true;
+    const bool lost   = std::ferror(stream) != 0;
+    const bool closed = std::fclose(stream) == 0;
+    stream            = nullptr;
+    return closed && !lost;
+}
+
+void close_read(std::FILE *&stream)
+{
+    if (stream != nullptr)
+        std::fclose(stream);
+    stream = nullptr;
+}
+
+// releases everything; false when the output could not be written in full
+bool clean_up(Files &files)
+{
+    FreeListNodes(note_list);
+    free_pfield_record();
+    free_macro_list();
+    free_variable_list();
+    close_read(files.in);
+    const bool written = close_written(files.out);
+    close_read(files.tmp);
+    close_written(fecho);
+    if (!written)
+        Mprintf("\nERROR: Can't write \"%s\".\n\n", out_fname);
+    MKLOG = 0;
+    close_written(fllog);
+    remove_temporary_file();
+    return written;
+}
+
+int fail(Files &files)
+{
+    clean_up(files);
+    return FAILURE;
+}
+
+int fail_with(int error, Files &files, const Input &in)
+{
+    error_no(error, in.line_no, in.line, in.pos);
+    return fail(files);
+}
+
+int finish(Files &files)
+{
+    if (!clean_up(files))
+        return FAILURE;
+    Mprintf("\n");
+    return SUCCESS;
+}
+
+int open_file(std::FILE *&stream, const char *name, const char *mode)
+{
+    stream = std::fopen(name, mode);
+    if (stream != nullptr)
+        return SUCCESS;
+    std::fprintf(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
+    return FAILURE;
+}
+
+int open_files(Files &files)
+{
+    if (open_file(files.in, in_fname, "r") != SUCCESS)
+        return FAILURE;
+    if (open_file(files.out, out_fname, MKMIDI != 0 ? "wb" : "w") != SUCCESS)
+        return FAILURE;
+    if (MKEXP != 0 && open_file(fecho, exp_fname, "w") != SUCCESS)
+        return FAILURE;
+    files.tmp = open_temporary_file();
+    if (files.tmp == nullptr) {
+        std::fputs("\nERROR: Can't open temporary file\n\n", stderr);
+        return FAILURE;
+    }
+    return MKLOG != 0 ? open_file(fllog, log_fname, "w") : SUCCESS;
+}
+
+// copies the input with its include files into the temporary file, which becomes the input
+int combine_input(Files &files, const Input &in)
+{
+    std::uint32_t includes = 0;
+    if (parse_includes(files.in, files.tmp, includes) > 0)
+        return fail(files);
+    if (std::ferror(files.in) != 0) { // a folder can be opened but not read
+        Mprintf("\nERROR: Can't read \"%s\".\n\n", in_fname);
+        return fail(files);
+    }
+    close_read(files.in);
+    if (!close_written(files.tmp)) {
+        Mprintf("\nERROR: Can't write temporary file\n\n");
+        return fail(files);
+    }
+    files.in = reopen_temporary_file();
+    return files.in != nullptr ? SUCCESS : fail_with(NO_TEMPORARY_FILE, files, in);
+}
+
+int nothing_written(std::uint32_t block)
+{
+    if (block == 1)
+        Mprintf("\n\n\t(N.B. No I-Block Data Written)");
+    return OK;
+}
+
+int write_score(std::FILE *out, std::uint32_t block)
+{
+    std::fprintf(out, "\n;I-block #%u (i%d):", block, I_NO);
+    if (print_csound(note_list, out, MAX_PFIELDS) == 0)
+        return 0;
+    free_pfield_record();
+    return 1;
+}
+
+// 1, 0 when there is nothing to write, -1 for exhausted memory
+int write_midi(std::FILE *out)
+{
+    std::uint64_t length = 0;
+    const int     result = List2MIDI(note_list, MAX_PFIELDS, length);
+    if (result <= 0)
+        return result;
+    PutMidiHeader(out, 2);
+    PutTrack1(out, note_list->start + note_list->dur + 1.0F);
+    WriteTrack(out, note_list, length);
+    return 1;
+}
+
+void report_statistics(std::uint32_t block)
+{
+    ListStats stats{};
+    GetListStats(note_list, stats);
+    if (stats.end > CUM_TIME)
+        CUM_TIME = stats.end;
+    LAST_IB_DUR = stats.duration;
+    Mprintf("\n\n%d events generated in block #%d (i%d).\n", stats.count, block, I_NO);
+    Mprintf("Total i-block duration: %f (secs), %f (beats)\n", stats.duration, stats.beats);
+    Mprintf("Cumulative i-block duration: %f (secs)\n", stats.end);
+}
+
+bool input_used_up(const Input &in) { return std::feof(in.stream) != 0 && peek(in) == '\0'; }
+
+// run -> { global-block i-block }
+// ended tells whether a MIDI run is over, which it is after its first i-block
+int do_blocks(Input &in, std::FILE *out, bool &ended)
+{
+    std::uint32_t block = 1;
+    for (ended = false; !ended;) {
+        if (const int result = parse_gblock(in, out); result > 0)
+            return result;
+        if (const int result = do_iblock(in, out, block); result > 0)
+            return result;
+        if (input_used_up(in))
+            return ifdef_match() != 0 ? OK : MISSING_ENDIF;
+        ended = MKMIDI != 0;
+        if (!ended && std::feof(in.stream) != 0)
+            return OK;
+    }
+    return OK;
+}
+
+int run_input(Files &files, Input &in)
+{
+    in.stream     = files.in;
+    bool      ended  = false;
+    const int result = do_blocks(in, files.out, ended);
+    if (result != OK)
+        return fail_with(result, files, in);
+    if (ended)
+        return finish(files);
+    if (MKMIDI == 0)
+        std::fputs("\ne\n", files.out);
+    Mprintf("\n\nGlobal cumulative duration of all i-blocks = %f (secs)\n", CUM_TIME);
+    return finish(files);
+}
+
+} // namespace
+
+int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
+{
+    if (const int result = parse_iblock(in, note_list); result > 0)
+        return result;
+    const bool score   = MKMIDI == 0 && note_list != nullptr;
+    const int  written = score ? write_score(out, block) : write_midi(out);
+    if (written < 0)
+        return OUT_OF_MEMORY;
+    if (written == 0)
+        return nothing_written(block);
+    report_statistics(block++);
+    FreeListNodes(note_list);
+    return OK;
+}
+
+int run(int argc, const char *const *argv)
+{
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as an output that can't be written
+    if (get_options(argc, argv) != 0 || check_fnames() != 0)
+        return FAILURE;
+    Files files{};
+    if (open_files(files) != SUCCESS)
+        return FAILURE;
+    print_info(stderr);
+    if (MKLOG != 0)
+        print_info(fllog);
+    Input in{};
+    if (combine_input(files, in) != SUCCESS)
+        return FAILURE;
+    return run_input(files, in);
+}
+
+} // namespace orlo

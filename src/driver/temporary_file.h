@@ -1,0 +1,18 @@
+// The temporary file that holds the combined input: its name, its exclusive creation, and its removal however the run ends.
+#pragma once
+
+#include <cstdio>
+
+namespace orlo {
+
+/// Creates a new file under a name of its own and opens it for writing. From here on the file is removed when the process is ended
+/// by SIGINT, SIGTERM or SIGHUP. @return the stream, or null
+[[nodiscard]] std::FILE *open_temporary_file();
+
+/// Opens the finished file for reading. @return the stream, or null
+[[nodiscard]] std::FILE *reopen_temporary_file();
+
+/// Removes the file, if there is one.
+void remove_temporary_file();
+
+} // namespace orlo

@@ -1,0 +1,309 @@
+// A ring held by its tail reaches both ends in one step: appending needs the tail, every section starts at the head. The cursor of
+// a section is the event before the one to be filled, so that "before the head" is simply the tail.
+
+#include "events/event_list.h"
+
+#include "events/timing.h"
+#include "output/numerics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace orlo {
+
+Event       *note_list   = nullptr;
+std::int32_t MAX_PFIELDS = 0;
+std::int32_t IS_FUSED    = 0;
+Event       *LUT         = nullptr;
+std::int32_t WROTE_DATA  = 0;
+float        PFACTOR     = 1.0F;
+
+namespace {
+
+float last_dur = 0.0F; // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
+
+// links an event after another one
+void link_after(Event *event, Event *before)
+{
+    event->next  = before->next;
+    before->next = event;
+}
+
+// makes an event behind the cursor the cursor, and the tail when the cursor was the tail
+void step_onto(Event *event, Event *&cursor, Event *&list)
+{
+    if (cursor == list)
+        list = event;
+    cursor = event;
+}
+
+// the values of an event for n p-fields
+void copy_values(Event *event, const Event *source, std::int32_t n)
+{
+    if (n > 3)
+        std::copy_n(source->pf, n - 3, event->pf);
+}
+
+// magnitude of a time in whole seconds
+std::uint64_t whole_seconds(float time)
+{
+    const std::int64_t whole = to_int64(static_cast<double>(time));
+    return whole < 0 ? 0 - static_cast<std::uint64_t>(whole) : static_cast<std::uint64_t>(whole);
+}
+
+// the event that DoListChord appends when the cursor is at the tail
+Event *grow_by_whole_seconds(const Event *list, const Event *lut, std::int32_t pfield, std::int32_t n)
+{
+    Event *event = GetListNode(n);
+    if (event == nullptr)
+        return nullptr;
+    const std::uint64_t dur = whole_seconds(lut->dur);
+    copy_values(event, list, n);
+    event->code           = lut->code;
+    event->dur            = static_cast<float>(dur);
+    event->start          = static_cast<float>(dur + whole_seconds(list->start));
+    event->beat           = lut->beat;
+    event->pf[pfield - 4] = lut->pf[pfield - 4];
+    return event;
+}
+
+void free_ring(Event *list)
+{
+    Event *event = list->next;
+    list->next   = nullptr;
+    while (event != nullptr) {
+        Event *next = event->next;
+        FreeEvent(event);
+        event = next;
+    }
+}
+
+} // namespace
+
+Event *GetListNode(std::int32_t n)
+{
+    auto *event = static_cast<Event *>(std::malloc(sizeof(Event)));
+    if (event == nullptr)
+        return nullptr;
+    auto *values = static_cast<float *>(std::calloc(static_cast<std::size_t>(n), sizeof(float)));
+    if (values == nullptr) {
+        std::free(event);
+        return nullptr;
+    }
+    *event = {0, 0.0F, 0.0F, 0.0F, values, nullptr};
+    return event;
+}
+
+void FreeEvent(Event *event)
+{
+    std::free(event->pf);
+    std::free(event);
+}
+
+int InsertBegTime(Event *&list, std::int32_t n, std::int32_t &fused, float dur, float start, float beat)
+{
+    Event *event = GetListNode(n);
+    if (event == nullptr)
+        return 0;
+    const float magnitude = std::fabs(dur);
+
+    event->dur = dur;
+    if (list == nullptr) {
+        event->start = start;
+        event->beat  = beat;
+        event->next  = event;
+        last_dur     = magnitude;
+    } else if (fused != 0) {
+        event->code  = 1;
+        event->start = list->start;
+        event->beat  = list->beat;
+        link_after(event, list);
+        if (magnitude > last_dur)
+            last_dur = magnitude;
+        fused = 0;
+    } else {
+        event->start = list->start + last_dur;
+        event->beat  = beat;
+        link_after(event, list);
+        last_dur = magnitude;
+    }
+    list       = event;
+    WROTE_DATA = 1;
+    return 1;
+}
+
+int StorePfield(Event *&cursor, Event *&list, std::int32_t pfield, std::int32_t n, std::int32_t &fused, Event *&lut, float value)
+{
+    if (fused != 0) {
+        Event *copy = CopyEvent(cursor, n);
+        if (copy == nullptr)
+            return 0;
+        copy->code = 1;
+        link_after(copy, cursor);
+        step_onto(copy, cursor, list);
+        fused = 0;
+    } else {
+        cursor       = cursor->next;
+        cursor->code = 0;
+        lut          = cursor;
+    }
+    cursor->pf[pfield - 4] = value * PFACTOR;
+    WROTE_DATA             = 1;
+    return 1;
+}
+
+Event *CopyEvent(const Event *source, std::int32_t n)
+{
+    Event *copy = GetListNode(n);
+    if (copy == nullptr)
+        return nullptr;
+    copy->code  = source->code;
+    copy->start = source->start;
+    copy->dur   = source->dur;
+    copy->beat  = source->beat;
+    copy_values(copy, source, n);
+    return copy;
+}
+
+int DoListChord(Event *&list, Event *&cursor, const Event *lut, std::int32_t pfield, std::int32_t n, std::uint64_t &members)
+{
+    const std::int32_t value = pfield - 4;
+
+    members = 0;
+    if (cursor != list) {
+        cursor            = cursor->next;
+        cursor->code      = lut->code;
+        cursor->pf[value] = lut->pf[value];
+    } else {
+        Event *event = grow_by_whole_seconds(list, lut, pfield, n);
+        if (event == nullptr)
+            return 0;
+        link_after(event, list);
+        step_onto(event, cursor, list);
+    }
+    for (const Event *member = lut->next; member->code != 0; member = member->next) {
+        Event *copy = CopyEvent(cursor, n);
+        if (copy == nullptr)
+            return 0;
+        copy->code      = member->code;
+        copy->pf[value] = member->pf[value];
+        link_after(copy, cursor);
+        step_onto(copy, cursor, list);
+        ++members;
+    }
+    return 1;
+}
+
+Event *InsertEvent(Event *event, Event *&cursor, Event *&list)
+{
+    link_after(event, cursor);
+    step_onto(event, cursor, list);
+    return event;
+}
+
+std::uint64_t ListSize(float &first, float &last, const Event *cursor, const Event *list, float window)
+{
+    if (list == nullptr)
+        return 0;
+    const Event *event = cursor->next;
+    const Event *head  = list->next;
+    first              = event->beat;
+    last               = first;
+
+    const float   limit = first + window;
+    std::uint64_t count = 0;
+    do {
+        if (event->beat > limit)
+            break;
+        ++count;
+        last  = event->beat;
+        event = event->next;
+    } while (event != head);
+    return count;
+}
+
+void GetListStats(const Event *list, ListStats &stats)
+{
+    stats.count = 0;
+    if (list == nullptr)
+        return;
+    const Event *head  = list->next;
+    const Event *event = head;
+    double       end   = static_cast<double>(head->start) + static_cast<double>(head->dur);
+    do {
+        end = std::max(end, static_cast<double>(event->start) + static_cast<double>(event->dur));
+        ++stats.count;
+        event = event->next;
+    } while (event != head);
+    stats.end      = end;
+    stats.duration = end - static_cast<double>(head->start);
+    stats.beats    = static_cast<double>(list->beat - head->beat);
+}
+
+void ClearLFusedCode(Event *list)
+{
+    if (list == nullptr)
+        return;
+    Event *event = list;
+    do {
+        event->code = 0;
+        event       = event->next;
+    } while (event != list);
+}
+
+int RemoveRests(Event *&list)
+{
+    Event *event = list->next;
+    Event *first = nullptr; // first and last event that stay
+    Event *last  = nullptr;
+    list->next   = nullptr;
+    while (event != nullptr) {
+        Event *next = event->next;
+        if (event->dur <= 0.0F) {
+            FreeEvent(event);
+            --EVENTS;
+            --EVENT_NO;
+        } else {
+            if (last == nullptr)
+                first = event;
+            else
+                last->next = event;
+            last = event;
+        }
+        event = next;
+    }
+    list = last;
+    if (last == nullptr) {
+        EVENTS   = 0;
+        EVENT_NO = 0;
+        return 0;
+    }
+    last->next = first;
+    return 1;
+}
+
+void FreeListNodes(Event *&list)
+{
+    if (list != nullptr)
+        free_ring(list);
+    list = nullptr;
+}
+
+void TraverseList(const Event *list, std::FILE *stream, std::int32_t n)
+{
+    if (list == nullptr)
+        return;
+    const Event *event = list->next;
+    do {
+        std::fprintf(stream, "\nST %7.3f\t", static_cast<double>(event->start));
+        std::fprintf(stream, "D %7.3f\t", static_cast<double>(event->dur));
+        std::fprintf(stream, "BT%7.3f\t", static_cast<double>(event->beat));
+        std::fprintf(stream, "CODE %d\t", event->code);
+        for (std::int32_t i = 0; i < n - 3; ++i)
+            std::printf("%9.4f\t", static_cast<double>(event->pf[i]));
+        event = event->next;
+    } while (event != list->next);
+}
+
+} // namespace orlo

@@ -1,0 +1,17 @@
+// What the readers of one p-field section share: literal data, commands and generators all write through it.
+#pragma once
+
+#include "events/event_list.h"
+#include "events/value_queue.h"
+
+namespace orlo {
+
+struct Section {
+    Event    *&list;        // the block's events
+    Event     *cursor;      // the event that got the last value, the tail at the start; the next one is filled next
+    QueueNode *queue;       // values of the loop, null at the start; freed at the section's end
+    bool       first_value; // no literal value has been read yet; true at the start
+    bool       done;        // the block is full: what follows in the section is passed over; false at the start
+};
+
+} // namespace orlo

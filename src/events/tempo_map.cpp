@@ -1,0 +1,94 @@
+// A lookup walks the segments from the first: there are at most 50 of them, and they need not be in order.
+
+#include "events/tempo_map.h"
+
+#include "ddf/curves.h"
+#include "diag/report.h"
+#include "events/timing.h"
+#include "output/numerics.h"
+
+namespace orlo {
+
+TempoSegment TEMPO_LIST[MAX_TEMPOS] = {{0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F}};
+std::int32_t TOT_TEMPOS             = 1;
+float        TEMPO                  = 60.0F;
+int          SHOW_TEMPOS            = 0;
+
+namespace {
+
+constexpr char         type_letters[]   = "FELUSX"; // shown for the curve codes 0 to 5
+constexpr std::int32_t USER_CURVE       = 3;
+constexpr float        MIN_TEMPO        = 1.0F;
+constexpr float        MAX_TEMPO        = 4000.0F;
+constexpr float        MAX_TEMPO_CHANGE = 10000.0F; // beats
+
+} // namespace
+
+int add_tempo(const TempoSegment &segment)
+{
+    if (segment.stime == 0.0F) {
+        TEMPO_LIST[0] = segment;
+        return 1;
+    }
+    if (TOT_TEMPOS == MAX_TEMPOS)
+        return 0;
+    TEMPO_LIST[TOT_TEMPOS++] = segment;
+    return 1;
+}
+
+void check_tempos()
+{
+    float previous_end = 0.0F;
+    for (std::int32_t i = 0; i < TOT_TEMPOS; ++i) {
+        if (previous_end > TEMPO_LIST[i].stime)
+            Mprintf("\nWARNING: Tempo #%d conflicts with previous tempo's end time!", i + 1);
+        previous_end = TEMPO_LIST[i].etime;
+    }
+}
+
+std::int32_t curtempo(float beat)
+{
+    std::int32_t i = 0;
+    while (beat >= TEMPO_LIST[i].stime && i + 1 < TOT_TEMPOS && TEMPO_LIST[i + 1].stime <= beat)
+        ++i;
+    return i;
+}
+
+double find_tempo(float beat)
+{
+    const TempoSegment &s    = TEMPO_LIST[curtempo(beat)];
+    const int           code = to_int32(static_cast<double>(s.type));
+    return static_cast<double>(
+        tplot_val(code, beat - s.stime, s.etime - s.stime, s.stempo, s.etempo, static_cast<double>(s.vcurve)));
+}
+
+float to_tempo(float beats)
+{
+    const double tempo = find_tempo(CBEATS);
+    TEMPO              = static_cast<float>(tempo);
+
+    const auto seconds = static_cast<float>(60.0 / tempo * static_cast<double>(beats));
+    if (SHOW_TEMPOS != 0)
+        Mprintf("\n  > Beat %f Tempo = %f Val = %f (bts) %f (secs)", CBEATS, tempo, beats, seconds);
+    return seconds;
+}
+
+void print_tempos()
+{
+    Mprintf("\n  Stored Tempos (There are %d defs):", TOT_TEMPOS);
+    for (std::int32_t i = 0; i < TOT_TEMPOS; ++i) {
+        const TempoSegment &s    = TEMPO_LIST[i];
+        const std::int32_t  type = to_int32(static_cast<double>(s.type));
+        Mprintf("\n\t%d: Stime %f, Etime %f, Stempo %f, Etempo %f, Type %c", i + 1, s.stime, s.etime, s.stempo, s.etempo,
+                type_letters[type]);
+        if (type == USER_CURVE)
+            Mprintf(", Vcurve = %f", s.vcurve);
+    }
+    Mprintf("\n");
+}
+
+int good_tempo(float tempo) { return tempo >= MIN_TEMPO && tempo <= MAX_TEMPO ? 1 : 0; }
+
+int good_time(float beats) { return beats >= 0.0F && beats <= MAX_TEMPO_CHANGE ? 1 : 0; }
+
+} // namespace orlo

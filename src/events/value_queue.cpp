@@ -1,0 +1,87 @@
+// The last node is the handle, since everything happens at the end: appending, and repeating the last event, whose base value is
+// found by walking backward over the chord members.
+
+#include "events/value_queue.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace orlo {
+
+int StoreInQ(QueueNode *&queue, std::int32_t code, float value)
+{
+    if (code == 1 && queue == nullptr)
+        return 0;
+    auto *node = static_cast<QueueNode *>(std::malloc(sizeof(QueueNode)));
+    if (node == nullptr)
+        return 0;
+    node->value = value;
+    node->code  = code;
+    if (queue == nullptr) {
+        node->prev = node;
+        node->next = node;
+    } else {
+        node->prev        = queue;
+        node->next        = queue->next;
+        queue->next->prev = node;
+        queue->next       = node;
+    }
+    queue = node;
+    return 1;
+}
+
+int DoQEvent(QueueNode *&queue)
+{
+    if (queue == nullptr)
+        return 0;
+    const QueueNode *last = queue;
+    const QueueNode *node = last;
+    while (node->code != 0)
+        node = node->prev;
+    if (StoreInQ(queue, 0, node->value) == 0)
+        return 0;
+    while (node != last) {
+        node = node->next;
+        if (StoreInQ(queue, node->code, node->value) == 0)
+            return 0;
+    }
+    return 1;
+}
+
+void FreeQNodes(QueueNode *&queue)
+{
+    if (queue == nullptr)
+        return;
+    QueueNode *node = queue->next;
+    queue->next     = nullptr;
+    while (node != nullptr) {
+        QueueNode *next = node->next;
+        std::free(node);
+        node = next;
+    }
+    queue = nullptr;
+}
+
+void TraverseQ(const QueueNode *queue, int direction)
+{
+    if (queue == nullptr) {
+        std::printf("empty");
+        return;
+    }
+    const QueueNode *start = direction != 0 ? queue : queue->next;
+    const QueueNode *node  = start;
+    do {
+        std::printf("\n%f %d", static_cast<double>(node->value), node->code);
+        node = direction != 0 ? node->prev : node->next;
+    } while (node != start);
+}
+
+unsigned VLSize(std::uint64_t value)
+{
+    unsigned bytes = 1;
+    while ((value >>= 7) != 0)
+        ++bytes;
+    return bytes;
+}
+
+} // namespace orlo

@@ -1,0 +1,17 @@
+// The first pass: copies the input into the combined input that everything else reads, with every included file in its place.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+namespace orlo {
+
+inline constexpr std::uint32_t MAX_INCLUDE_CALLS = 12;  // files copied in a run, the main input among them
+inline constexpr std::size_t   MAX_INCLUDE_NAME  = 255; // characters of a file name
+
+/// Copies a file, replacing each "#include |name|" outside comments and score lines by the contents of the named file.
+/// @param calls files copied so far in the run, grown by each call
+/// @return OK, or a positive number after the failure has been printed
+[[nodiscard]] int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls);
+
+} // namespace orlo

@@ -1,0 +1,176 @@
+// The conditional directives are looked at before anything is expanded, since lines of a false block must stay as they are;
+// macros come before constants, because a macro's body may refer to constants.
+
+#include "input/line_reader.h"
+
+#include "diag/messages.h"
+#include "input/conditionals.h"
+#include "input/constants.h"
+#include "input/macros.h"
+
+#include <cctype>
+#include <cstring>
+
+namespace orlo {
+
+int        MKEXP = 0;
+std::FILE *fecho = nullptr;
+
+namespace {
+
+// line ends and the byte 0xFF (a stray end-of-file mark) read as blanks
+void blank_line_ends(char *line)
+{
+    for (char *c = line; *c != '\0'; ++c)
+        if (*c == '\r' || *c == '\n' || *c == '\xFF')
+            *c = ' ';
+}
+
+void trace_line(const char *line)
+{
+    std::fputs(line, fecho);
+    std::fputc('\n', fecho);
+}
+
+// line -> "#" "if(" ... | "#" "endif" ...
+// handled tells whether the line was a directive
+int follow_directive(Input &in, bool &handled)
+{
+    const std::uint32_t mark = in.pos;
+
+    handled = true;
+    ++in.pos;
+    int result = OK;
+    if (is_if(in.line, in.pos) != 0) {
+        result = do_if_interface(in);
+    } else if (is_endif(in.line, in.pos) != 0) {
+        result = do_endif(in);
+    } else {
+        in.pos  = mark;
+        handled = false;
+    }
+    return result < 0 ? OK : result;
+}
+
+} // namespace
+
+int get_buff(Input &in)
+{
+    if (std::fgets(in.line, LINE_SIZE, in.stream) == nullptr)
+        return END_OF_INPUT;
+    ++in.line_no;
+    blank_line_ends(in.line);
+    in.pos = 0;
+    if (in_if0() != 0)
+        return OK;
+
+    skip_blanks(in);
+    if (peek(in) == '#') {
+        bool      handled = false;
+        const int result  = follow_directive(in, handled);
+        if (handled)
+            return result;
+    }
+    DefinitionMarks marks;
+    if (const int result = parse_macros(in, marks); result > 0)
+        return result;
+    if (const int result = parse_variables(in, marks); result > 0)
+        return result;
+    if (MKEXP != 0)
+        trace_line(in.line);
+    return OK;
+}
+
+char get_c(Input &in) { return in.line[in.pos++]; }
+
+bool is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
+
+char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
+
+int is_comment(const char *line, std::uint32_t pos, Comment &kind)
+{
+    if (line[pos] == ';') {
+        kind = Comment::line;
+        return 1;
+    }
+    if (line[pos] == '/' && line[pos + 1] == '*') {
+        kind = Comment::block;
+        return 1;
+    }
+    return 0;
+}
+
+int skip_comment(Input &in, Comment kind)
+{
+    if (kind == Comment::line) {
+        in.pos += static_cast<std::uint32_t>(std::strlen(in.line + in.pos));
+        return OK;
+    }
+    in.pos += 2;
+    for (int depth = 1; depth > 0;) {
+        const char *c = in.line + in.pos;
+        if (c[0] == '\0') {
+            if (const int result = get_buff(in); result != OK)
+                return result;
+        } else if (c[0] == '/' && c[1] == '*') {
+            ++depth;
+            in.pos += 2;
+        } else if (c[0] == '*' && c[1] == '/') {
+            --depth;
+            in.pos += 2;
+        } else {
+            ++in.pos;
+        }
+    }
+    return OK;
+}
+
+void skip_blanks(Input &in)
+{
+    while (is_blank(peek(in)))
+        ++in.pos;
+}
+
+int skip_lines(Input &in)
+{
+    for (;;) {
+        skip_blanks(in);
+        if (peek(in) != '\0')
+            return OK;
+        if (std::feof(in.stream) != 0)
+            return END_OF_INPUT;
+        if (const int result = get_buff(in); result != OK)
+            return result;
+    }
+}
+
+int skip_wc(Input &in)
+{
+    if (const int result = skip_lines(in); result > 0)
+        return result;
+    if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0)
+        if (const int result = skip_comment(in, kind); result > 0)
+            return result;
+    const int result = skip_lines(in);
+    return result < 0 ? OK : result;
+}
+
+int skip_stuff(Input &in)
+{
+    if (const int result = skip_lines(in); result > 0)
+        return result;
+    // directly behind a comment a "/" is a separator even when a "*" follows it
+    if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0)
+        if (const int result = skip_comment(in, kind); result > 0)
+            return result;
+    if (peek(in) == '/' || peek(in) == ',')
+        ++in.pos;
+    const int result = skip_lines(in);
+    return result < 0 ? OK : result;
+}
+
+} // namespace orlo

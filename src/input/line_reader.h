@@ -1,0 +1,61 @@
+// The one place where input lines come from: reading, comments and what may be skipped between items.
+// Knows nothing of i-blocks.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+namespace orlo {
+
+inline constexpr std::size_t LINE_SIZE = 2048; // bytes of a line with its NUL; longer lines arrive in pieces
+
+/// What all parsers read from: one line at a time and a position in it. Owned by the driver, handed on by address.
+struct Input {
+    std::FILE    *stream;              // the combined input
+    std::uint64_t line_no;             // lines read so far, 0 at start; written by get_buff
+    std::uint32_t pos;                 // next character of the line, 0 at start; left after what was consumed
+    char          line[LINE_SIZE + 1]; // NUL-terminated; one byte more, for a position just past the NUL
+};
+
+extern int        MKEXP; // 1: every line is traced after its expansion, 0 at start; set by the options
+extern std::FILE *fecho; // the open trace, null without one; set by the driver
+
+enum class Comment : int { line, block };
+
+/// Reads the next line, follows conditional directives, expands macros and constants, and traces the result.
+/// @return 0 with the position at the first character to scan, END_OF_INPUT with everything as it was, or an error
+[[nodiscard]] int get_buff(Input &in);
+
+/// The character at the position.
+[[nodiscard]] inline char peek(const Input &in) { return in.line[in.pos]; }
+
+/// The character at the position, which moves on by one, past the NUL too.
+char get_c(Input &in);
+
+/// Character classes of the default locale, for any byte.
+[[nodiscard]] bool is_blank(char c);
+[[nodiscard]] bool is_digit(char c);
+[[nodiscard]] bool is_letter(char c);
+[[nodiscard]] char lower(char c);
+
+/// 1 when a comment starts at the position of the line; kind says which.
+[[nodiscard]] int is_comment(const char *line, std::uint32_t pos, Comment &kind);
+
+/// Moves over a comment of the kind that starts at the position; block comments nest and may span lines.
+/// @return 0, or what get_buff said (END_OF_INPUT included) inside a block comment
+[[nodiscard]] int skip_comment(Input &in, Comment kind);
+
+/// Moves over blanks within the line.
+void skip_blanks(Input &in);
+
+/// Moves over blanks and line ends. @return 0 on a character that is not blank, END_OF_INPUT, or an error
+[[nodiscard]] int skip_lines(Input &in);
+
+/// Moves over blanks, line ends and one comment. @return 0 or an error; the end of the input is no error
+[[nodiscard]] int skip_wc(Input &in);
+
+/// Moves over blanks, line ends, one comment and one separator ("," or "/"). @return 0 or an error
+[[nodiscard]] int skip_stuff(Input &in);
+
+} // namespace orlo

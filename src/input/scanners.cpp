@@ -1,0 +1,154 @@
+// Digits are gathered in unsigned integers, whose overflow is defined, and whole numbers with a range stop growing above it, so that
+// no length of a digit string can bring them back into the range.
+
+#include "input/scanners.h"
+
+#include "output/conversions.h"
+#include "output/midi_conversion.h"
+#include "output/numerics.h"
+
+namespace orlo {
+namespace {
+
+// sign -> [ "-" | "+" ]
+// takes a sign that is in the accepted ones
+bool take_sign(Input &in, bool minus_allowed, bool &negative)
+{
+    skip_blanks(in);
+    const char c = peek(in);
+    negative     = c == '-' && minus_allowed;
+    if (negative || c == '+')
+        ++in.pos;
+    return is_digit(peek(in));
+}
+
+// a digit string as a value that stays above limit once it is above it
+std::uint64_t take_digits_up_to(Input &in, std::uint64_t limit)
+{
+    std::uint64_t value = 0;
+    for (; is_digit(peek(in)); ++in.pos)
+        if (value <= limit)
+            value = value * 10 + static_cast<std::uint64_t>(peek(in) - '0');
+    return value;
+}
+
+// a digit string modulo 2^64, and the blanks after it
+std::uint64_t take_wrapping_digits(Input &in)
+{
+    std::uint64_t value = 0;
+    for (; is_digit(peek(in)); ++in.pos)
+        value = value * 10 + static_cast<std::uint64_t>(peek(in) - '0');
+    skip_blanks(in);
+    return value;
+}
+
+// real -> sign digits [ "." digits ] | sign "." digits
+template <typename Real> int get_real(Real &value, Input &in)
+{
+    bool negative = false;
+    if (!take_sign(in, true, negative) && peek(in) != '.')
+        return 0;
+
+    Real          sum     = 0;
+    std::uint32_t divisor = 1; // 32 bits with wrap-around
+    for (; is_digit(peek(in)); ++in.pos)
+        sum = sum * 10 + static_cast<Real>(peek(in) - '0');
+    if (peek(in) == '.') {
+        ++in.pos;
+        for (; is_digit(peek(in)); ++in.pos) {
+            sum = sum * 10 + static_cast<Real>(peek(in) - '0');
+            divisor *= 10;
+        }
+    }
+    if (sum != 0)
+        sum /= static_cast<Real>(static_cast<std::int32_t>(divisor));
+    value = negative ? -sum : sum;
+    return 1;
+}
+
+} // namespace
+
+int get_f(float &value, Input &in) { return get_real(value, in); }
+
+int get_df(double &value, Input &in) { return get_real(value, in); }
+
+int get_i(std::int32_t &value, Input &in)
+{
+    bool negative = false;
+    if (!take_sign(in, true, negative))
+        return 0;
+    const std::uint32_t first_digit = in.pos;
+    const std::uint64_t limit       = negative ? 32768 : 32767;
+    const std::uint64_t magnitude   = take_digits_up_to(in, limit);
+    if (magnitude > limit) {
+        in.pos = first_digit;
+        return 0;
+    }
+    value = static_cast<std::int32_t>(magnitude);
+    if (negative)
+        value = -value;
+    return 1;
+}
+
+int get_ui(std::uint32_t &value, Input &in)
+{
+    bool negative = false;
+    if (!take_sign(in, false, negative))
+        return 0;
+    const std::uint32_t     first_digit = in.pos;
+    constexpr std::uint64_t limit       = 65535;
+    const std::uint64_t     magnitude   = take_digits_up_to(in, limit);
+    if (magnitude > limit) {
+        in.pos = first_digit;
+        return 0;
+    }
+    value = static_cast<std::uint32_t>(magnitude);
+    return 1;
+}
+
+int get_uli(std::uint64_t &value, Input &in)
+{
+    bool negative = false;
+    if (!take_sign(in, false, negative))
+        return 0;
+    value = take_wrapping_digits(in);
+    return 1;
+}
+
+int get_li(std::int64_t &value, Input &in)
+{
+    bool negative = false;
+    if (!take_sign(in, true, negative))
+        return 0;
+    const std::uint64_t magnitude = take_wrapping_digits(in);
+    value                         = static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);
+    return 1;
+}
+
+int get_db(float &value, Input &in)
+{
+    float decibels = 0.0F;
+    if (get_f(decibels, in) == 0 || !(decibels >= 0.0F && decibels <= 96.0F))
+        return 0;
+    value = static_cast<float>(db_to_amp(to_int32(static_cast<double>(decibels))));
+    return 1;
+}
+
+int get_oct_pc(float &value, Input &in)
+{
+    std::int32_t octave   = 0;
+    float        fraction = 0.0F;
+    if (get_i(octave, in) == 0 || peek(in) != '.' || get_f(fraction, in) == 0)
+        return 0;
+    const std::int32_t magnitude = octave < 0 ? -octave : octave;
+    const float        pitch     = static_cast<float>(magnitude * 12 - 48) + 100.0F * fraction;
+    if (MKMIDI != 0)
+        value = pitch + 12.0F;
+    else
+        value = octave < 0 ? -pitch : pitch;
+    return 1;
+}
+
+int is_last_variable(const Input &in) { return lower(peek(in)) == 'z' ? 1 : 0; }
+
+} // namespace orlo

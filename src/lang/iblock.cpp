@@ -1,0 +1,258 @@
+// The block's sections may stand in any order behind p2, which makes the events that the others fill; DID_P remembers which are done.
+
+#include "lang/iblock.h"
+
+#include "diag/messages.h"
+#include "diag/report.h"
+#include "events/timing.h"
+#include "input/scanners.h"
+#include "lang/keywords.h"
+#include "lang/pfield.h"
+#include "lang/settings.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace orlo {
+
+bool DID_P[MOST_PFIELDS + 1] = {};
+
+namespace {
+
+constexpr std::int32_t LEAST_PFIELDS = 3;
+constexpr std::int32_t MANY_PFIELDS  = 50;
+constexpr float        LATE_START    = 240.0F;
+constexpr float        LONG_DURATION = 600.0F;
+constexpr int          SEPARATORS    = 4; // between two items of the header
+
+void warn(const Input &in, Warning number) { warning_no(number, in.line_no, in.line, in.pos); }
+
+int skip_separators(Input &in)
+{
+    for (int i = 0; i < SEPARATORS; ++i)
+        if (const int result = skip_stuff(in); result > 0)
+            return result;
+    return OK;
+}
+
+// skipped-block -> anything up to "}" outside comments
+int skip_block(Input &in)
+{
+    while (peek(in) != '}') {
+        Comment kind{};
+        if (peek(in) == '\0') {
+            const int result = get_buff(in);
+            if (result > 0)
+                return result;
+            if (result < 0) { // nothing is left: the position moves past the line, where it reads as its end
+                in.line[++in.pos] = '\0';
+                return END_OF_INPUT;
+            }
+        } else if (is_comment(in.line, in.pos, kind) != 0) {
+            if (skip_comment(in, kind) > 0)
+                return EOF_IN_COMMENT;
+        } else {
+            ++in.pos;
+        }
+    }
+    ++in.pos;
+    return END_OF_INPUT;
+}
+
+// number -> "i" [ "-" ] digits
+int get_i_number(Input &in)
+{
+    ++in.pos;
+    if (const int result = skip_lines(in); result > 0)
+        return result;
+    if (!is_digit(peek(in)) && peek(in) != '-')
+        return BAD_I_NUMBER;
+    return get_i(I_NO, in) != 0 ? OK : BAD_I_NUMBER;
+}
+
+// pfields -> "=" digits
+int get_pfield_count(Input &in)
+{
+    if (const int result = skip_lines(in); result > 0)
+        return result;
+    if (peek(in) != '=')
+        return MISSING_EQUALS;
+    ++in.pos;
+    if (const int result = skip_lines(in); result > 0)
+        return result;
+    if (get_i(MAX_PFIELDS, in) == 0)
+        return BAD_P_COUNT;
+    if (MAX_PFIELDS < LEAST_PFIELDS || MAX_PFIELDS > MOST_PFIELDS) {
+        Mprintf("\n\nERROR: Bad number of p-fields (3 - %d)\n", MOST_PFIELDS);
+        return TEXT_REPORTED;
+    }
+    if (MAX_PFIELDS > MANY_PFIELDS)
+        warn(in, W_MANY_PFIELDS);
+    return make_pfield_record(MAX_PFIELDS) != 0 ? OK : OUT_OF_MEMORY;
+}
+
+int get_start(Input &in)
+{
+    if (const int result = skip_separators(in); result > 0)
+        return result;
+    if (get_f(STIME, in) == 0 || STIME < 0.0F)
+        return BAD_START_TIME;
+    if (STIME > LATE_START)
+        warn(in, W_LATE_START);
+    SBEAT = STIME;
+    return OK;
+}
+
+// amount -> "-" digits | real
+int get_amount(Input &in)
+{
+    EVENTS = 0;
+    BEATS  = 0.0F;
+    if (peek(in) == '-') {
+        ++in.pos;
+        if (get_uli(EVENTS, in) == 0)
+            return BAD_EVENTS;
+        ETIME = -static_cast<float>(EVENTS);
+        return OK;
+    }
+    if (!is_digit(peek(in)) && peek(in) != '+' && peek(in) != '.')
+        return peek(in) == '{' ? SKIPPED_DURATION : BAD_DURATION;
+    if (get_f(BEATS, in) == 0 || BEATS < 0.0F)
+        return BAD_BEATS;
+    ETIME = BEATS;
+    return OK;
+}
+
+int get_length(Input &in)
+{
+    if (const int result = skip_separators(in); result > 0)
+        return result;
+    if (const int result = get_amount(in); result != OK)
+        return result;
+    if (BEATS > MOST_BEATS) {
+        Mprintf("\n\nERROR: Line %d: Maximum number of beats = %f\n", in.line_no, MOST_BEATS);
+        return TEXT_REPORTED;
+    }
+    if (BEATS > LONG_DURATION)
+        warn(in, W_LONG_DURATION);
+    return OK;
+}
+
+// header -> number pfields start length "{"
+int do_p1(Input &in)
+{
+    if (const int result = get_i_number(in); result != OK)
+        return result;
+    if (I_NO < 0)
+        return skip_block(in);
+    if (const int result = get_pfield_count(in); result != OK)
+        return result;
+    if (const int result = get_start(in); result != OK)
+        return result;
+    if (const int result = get_length(in); result != OK)
+        return result;
+    if (const int result = skip_separators(in); result > 0)
+        return result;
+    if (peek(in) != '{')
+        return MISSING_OPEN_BRACE;
+    ++in.pos;
+    return OK;
+}
+
+// whether the section of P_NO may stand here
+int check_pfield_number()
+{
+    if (P_NO > MAX_PFIELDS)
+        return P_OUT_OF_BOUNDS;
+    if (OUTS == nullptr) // behind a block that has been written
+        return INVALID_IBLOCK;
+    if (P_NO != 2 && !DID_P[2])
+        return P2_MUST_BE_FIRST;
+    if (P_NO < 2)
+        return BAD_P_NUMBER;
+    return DID_P[P_NO] ? DUPLICATE_PFIELD : OK;
+}
+
+// section -> "p" digits body
+int do_section(Input &in, Event *&list)
+{
+    if (IN_LOOP != 0)
+        warn(in, W_LOOP_TERMINATED);
+    ++in.pos;
+    if (get_i(P_NO, in) == 0)
+        return BAD_P_NUMBER;
+    if (const int result = check_pfield_number(); result != OK)
+        return result;
+    reset_pfield(list);
+    if (const int result = do_pN(in, list); result != OK)
+        return result;
+    DID_P[P_NO] = true;
+    if (P_NO == 2)
+        EVENTS = EVENT_NO;
+    return OK;
+}
+
+// block-commands -> { comment | "rs" value | "rd" value }, up to a section
+int do_block_commands(Input &in)
+{
+    for (;;) {
+        if (const int result = skip_lines(in); result != OK)
+            return result;
+        if (is_pfield(in) != 0)
+            return OK;
+        if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0) {
+            if (skip_comment(in, kind) > 0)
+                return EOF_IN_COMMENT;
+            continue;
+        }
+        if (is_command(in) == 0)
+            return INVALID_IBLOCK;
+        std::int32_t code = 0;
+        if (get_command(code, in) == 0)
+            return INVALID_COMMAND;
+        if (code != CMD_RS && code != CMD_RD)
+            return BAD_VALUE;
+        const int result = code == CMD_RS ? set_rand_seed(in) : set_rand_dev(in);
+        if (result != OK)
+            return result;
+    }
+}
+
+// end -> "}"
+int end_block(Input &in)
+{
+    for (std::int32_t p = 2; p <= MAX_PFIELDS; ++p)
+        if (!DID_P[p])
+            return SKIPPED_PFIELDS;
+    ++in.pos;
+    return OK;
+}
+
+} // namespace
+
+// block -> { header | section | block-commands } end
+int parse_iblock(Input &in, Event *&list)
+{
+    std::fill(std::begin(DID_P), std::end(DID_P), false);
+    for (;;) {
+        skip_blanks(in);
+        int result = OK;
+        if (peek(in) == '\0') {
+            result = get_buff(in);
+        } else if (peek(in) == 'i') {
+            result = do_p1(in);
+            if (result < 0)
+                warning_no(W_BLOCK_SKIPPED, in.line_no, in.line, in.pos);
+        } else if (is_pfield(in) != 0) {
+            result = do_section(in, list);
+        } else if (peek(in) == '}') {
+            return end_block(in);
+        } else {
+            result = do_block_commands(in);
+        }
+        if (result != OK)
+            return result;
+    }
+}
+
+} // namespace orlo
