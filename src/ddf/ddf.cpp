@@ -1,5 +1,226 @@
+// One frame serves every generator: it is written once over the type of the generator's data, and the compiler finds get_set and
+// make_value by that type. Data sets live in vectors, which are given back on every path; exhausted memory in one of them becomes
+// an error number here.
+// Outside p2 the loop ends with the block, which has a number of events by then; in p2 with its span, unless steps use up nothing.
+
 #include "ddf/ddf.h"
+
+#include "ddf/distributions.h"
+#include "ddf/expression.h"
+#include "ddf/generator.h"
+#include "ddf/held_value.h"
+#include "ddf/mask.h"
+#include "ddf/motion.h"
+#include "ddf/random_range.h"
+#include "ddf/random_walk.h"
+#include "ddf/selection.h"
 #include "diag/messages.h"
+#include "diag/report.h"
+#include "events/tempo_map.h"
+#include "events/timing.h"
+#include "output/numerics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <type_traits>
+
 namespace orlo {
-int do_DDF(Generator, Section &, Input &) { return OK; }
+namespace {
+
+constexpr int   BLOCK_FULL = -1;
+constexpr float SLACK      = 5.0F; // beats that a span may reach past the last event without a warning
+
+// generators that ask nothing of their p-field before they are read
+template <typename Data> int check_pfield(const Data &, const Input &) { return OK; }
+
+// generator -> name "(" span set { set } ")"
+template <typename Data> int get_sets(Data &data, Frame &frame, Input &in)
+{
+    constexpr bool single = std::is_same_v<Data, HeldValue>;
+    if (const int result = get_dynfunc_dur(frame.span, in); result != OK)
+        return result;
+    do {
+        if (frame.weights.size() == MAX_SETS)
+            return OUT_OF_BOUNDS;
+        if (const int result = get_set(data, frame, in); result != OK)
+            return result;
+        if (const int result = skip_items(in); result != OK)
+            return result;
+        if (single && peek(in) != ')')
+            return HO_MISSING_PAREN;
+    } while (peek(in) != ')');
+    ++in.pos;
+    if (!single && hundred_percent(frame.weights.data(), static_cast<int>(frame.weights.size())) == 0)
+        return BAD_WEIGHTS;
+    return OK;
 }
+
+template <typename Data> int next_value(Data &data, const Frame &frame, const Place &place, float &value)
+{
+    const int sets   = std::max(1, static_cast<int>(frame.weights.size()));
+    const int chosen = std::min(prob_result(frame.weights.data(), sets), sets - 1);
+    return make_value(data, static_cast<std::size_t>(chosen), place, value);
+}
+
+// one event of p2: 0, BLOCK_FULL or an error
+template <typename Data> int insert_DDFp2(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
+{
+    if (out_of_time() != 0) {
+        truncate(section, in);
+        return BLOCK_FULL;
+    }
+    float value = 0.0F;
+    if (const int result = next_value(data, frame, place, value); result != OK)
+        return result;
+    LAST_VAL            = value;
+    const float seconds = to_tempo(value);
+    if (store_start(section.list, value, seconds) == 0)
+        return OUT_OF_MEMORY;
+    if (IN_LOOP != 0 && StoreInQ(section.queue, IS_FUSED, value) == 0)
+        return OUT_OF_MEMORY;
+    ++place.index;
+    ++EVENT_NO;
+    place.elapsed += std::fabs(seconds);
+    return OK;
+}
+
+template <typename Data> int fill_p2_beats(Data &data, const Frame &frame, Section &section, const Input &in)
+{
+    Place place{};
+    place.span = frame.span;
+    for (int stalled = 0; place.elapsed < frame.span;) {
+        const float elapsed = place.elapsed;
+        const float beats   = CBEATS;
+        const int   result  = insert_DDFp2(data, frame, place, section, in);
+        if (result != OK)
+            return result == BLOCK_FULL ? OK : result;
+        const bool moved = place.elapsed > elapsed || CBEATS > beats;
+        stalled          = moved ? 0 : stalled + 1;
+        if (stalled == MOST_STALLED_STEPS)
+            return ZERO_P2_IN_DDF;
+    }
+    return OK;
+}
+
+// a full block is reported at every step that is left
+template <typename Data> int fill_p2_events(Data &data, const Frame &frame, Section &section, const Input &in)
+{
+    Place place{};
+    place.span   = frame.span;
+    place.count  = count_of(frame.span);
+    int warnings = 0;
+    for (std::uint64_t step = 0; step < place.count && warnings < MOST_FULL_WARNINGS; ++step) {
+        const int result = insert_DDFp2(data, frame, place, section, in);
+        if (result > 0)
+            return result;
+        if (result == BLOCK_FULL)
+            ++warnings;
+    }
+    return OK;
+}
+
+// one event from p3 up
+template <typename Data> int fill_event(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
+{
+    place.event = section.cursor->next;
+    float value = 0.0F;
+    if (const int result = next_value(data, frame, place, value); result != OK)
+        return result;
+    if (IN_TYPE == TYPE_IN)
+        value = RoundF(value);
+    LAST_VAL = value;
+    if (P_NO == 3)
+        store_p3(section.cursor, in, value);
+    else if (store_value(section.list, section.cursor, value) == 0)
+        return OUT_OF_MEMORY;
+    if (IN_LOOP != 0 && StoreInQ(section.queue, IS_FUSED, value) == 0)
+        return OUT_OF_MEMORY;
+    return OK;
+}
+
+template <typename Data> int fill_events(Data &data, const Frame &frame, Section &section, const Input &in)
+{
+    Place place{};
+    place.span  = frame.span;
+    place.count = covered_events(frame.span, section, in, place.first, place.last);
+    while (place.index < place.count) {
+        if (EVENT_NO >= EVENTS) {
+            truncate(section, in);
+            return OK;
+        }
+        if (const int result = fill_event(data, frame, place, section, in); result != OK)
+            return result;
+        ++place.index;
+        ++EVENT_NO;
+    }
+    return OK;
+}
+
+template <typename Data> int generate(Section &section, Input &in)
+{
+    Data  data{};
+    Frame frame{};
+    if (const int result = check_pfield(data, in); result != OK)
+        return result;
+    if (const int result = get_sets(data, frame, in); result != OK)
+        return result;
+    if (P_NO != 2)
+        return fill_events(data, frame, section, in);
+    return frame.span < 0.0F ? fill_p2_events(data, frame, section, in) : fill_p2_beats(data, frame, section, in);
+}
+
+int generate_by_code(Code code, Section &section, Input &in)
+{
+    switch (code) {
+    case CMD_RA:
+        return generate<RandomRange>(section, in);
+    case CMD_RW:
+        return generate<RandomWalk>(section, in);
+    case CMD_MO:
+        return generate<Motion>(section, in);
+    case CMD_SE:
+        return generate<Selection>(section, in);
+    case CMD_EX:
+        return generate<Expression>(section, in);
+    case CMD_MS:
+        return generate<Mask>(section, in);
+    case CMD_HO:
+        return generate<HeldValue>(section, in);
+    default:
+        return OK;
+    }
+}
+
+} // namespace
+
+int do_DDF(Code code, Section &section, Input &in)
+{
+    try {
+        return generate_by_code(code, section, in);
+    } catch (const std::bad_alloc &) {
+        return OUT_OF_MEMORY;
+    }
+}
+
+std::uint64_t covered_events(float span, const Section &section, const Input &in, float &first, float &last)
+{
+    first = 0.0F;
+    last  = 0.0F;
+    if (span < 0.0F)
+        return count_of(span);
+    const std::uint64_t count = ListSize(first, last, section.cursor, section.list, span);
+    if (span - SLACK > last && SUPRESS == 0) {
+        warning_no(W_DURATION_ALTERED, in.line_no, in.line, in.pos);
+        Mprintf("Old duration = %f, New duration = %f\n", span, last);
+    }
+    return count;
+}
+
+void truncate(Section &section, const Input &in)
+{
+    warning_no(W_DDF_TRUNCATED, in.line_no, in.line, in.pos);
+    section.done = true;
+}
+
+} // namespace orlo

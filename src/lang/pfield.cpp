@@ -163,20 +163,6 @@ int do_pN(Input &in, Event *&list)
 int do_commands(std::int32_t code, Section &section, Input &in)
 {
     switch (code) {
-    case CMD_RA:
-        return do_DDF(Generator::RA, section, in);
-    case CMD_RW:
-        return do_DDF(Generator::RW, section, in);
-    case CMD_MO:
-        return do_DDF(Generator::MO, section, in);
-    case CMD_SE:
-        return do_DDF(Generator::SE, section, in);
-    case CMD_EX:
-        return do_DDF(Generator::EX, section, in);
-    case CMD_MS:
-        return do_DDF(Generator::MS, section, in);
-    case CMD_HO:
-        return do_DDF(Generator::HO, section, in);
     case CMD_S2:
         return do_S2(section, in);
     case CMD_DV:
@@ -190,7 +176,7 @@ int do_commands(std::int32_t code, Section &section, Input &in)
     case CMD_SR:
         return set_samp_rate(in);
     default:
-        return OK;
+        return do_DDF(static_cast<Code>(code), section, in);
     }
 }
 

@@ -1,0 +1,183 @@
+// An equation is a first term and a list of operations, each with its term; there is no precedence to take care of.
+// It must stand on one line, so within the brackets blanks alone are skipped.
+
+#include "ddf/expression.h"
+
+#include "diag/messages.h"
+#include "diag/report.h"
+#include "events/timing.h"
+#include "input/scanners.h"
+#include "lang/iblock.h"
+#include "output/numerics.h"
+
+#include <cstring>
+#include <utility>
+
+namespace orlo {
+namespace {
+
+bool is_operation(char c) { return c != '\0' && std::strchr("+-*/%", c) != nullptr; }
+
+bool is_reference(const Input &in) { return lower(peek(in)) == 'p'; }
+
+// reference -> "p" digits
+int get_reference(Term &term, Input &in)
+{
+    ++in.pos;
+    if (get_i(term.pfield, in) == 0)
+        return BAD_P_NUMBER;
+    const bool usable = term.pfield >= 2 && term.pfield <= MAX_PFIELDS && term.pfield != P_NO && DID_P[term.pfield];
+    return usable ? OK : BAD_EX_PFIELD;
+}
+
+// term -> reference | number
+int get_term(Term &term, Input &in)
+{
+    skip_blanks(in);
+    if (peek(in) == '\0')
+        return BAD_OPERATION;
+    if (is_reference(in))
+        return get_reference(term, in);
+    return get_f(term.constant, in) != 0 ? OK : BAD_VALUE;
+}
+
+// operation -> ( "+" | "-" | "*" | "/" | "%" ) term
+int get_operation(Equation &equation, Input &in)
+{
+    skip_blanks(in);
+    if (!is_operation(peek(in)))
+        return BAD_OPERATION;
+    if (equation.operations.size() == MAX_OPERATIONS)
+        return OUT_OF_BOUNDS;
+    Operation operation{peek(in), {}};
+    ++in.pos;
+    if (const int result = get_term(operation.term, in); result != OK)
+        return result;
+    if (operation.op == '/') {
+        if (operation.term.pfield != 0)
+            warning_no(W_MAY_DIVIDE_BY_ZERO, in.line_no, in.line, in.pos);
+        else if (operation.term.constant == 0.0F)
+            return DIVISION_BY_ZERO;
+    }
+    equation.operations.push_back(operation);
+    skip_blanks(in);
+    return OK;
+}
+
+bool refers_to_pfield(const Equation &equation)
+{
+    if (equation.first.pfield != 0)
+        return true;
+    for (const Operation &operation : equation.operations)
+        if (operation.term.pfield != 0)
+            return true;
+    return false;
+}
+
+// bracketed -> "[" term operation { operation } "]"
+int get_bracketed(Equation &equation, Input &in)
+{
+    ++in.pos;
+    if (const int result = get_term(equation.first, in); result != OK)
+        return result;
+    do {
+        if (const int result = get_operation(equation, in); result != OK)
+            return result;
+    } while (peek(in) != ']');
+    ++in.pos;
+    return refers_to_pfield(equation) ? OK : NO_PFIELD_IN_EX;
+}
+
+// mode -> [ "i" | "f" ]
+int get_mode(Equation &equation, Input &in)
+{
+    const char c = lower(peek(in));
+    if (c != 'i' && c != 'f')
+        return OK;
+    equation.rounded = c == 'i';
+    ++in.pos;
+    return skip_items(in);
+}
+
+float term_value(const Term &term, const Event *event)
+{
+    switch (term.pfield) {
+    case 0:
+        return term.constant;
+    case 2:
+        return event->start;
+    case 3:
+        return event->dur;
+    default:
+        return event->pf[term.pfield - 4];
+    }
+}
+
+int apply(const Operation &operation, const Event *event, float &value)
+{
+    const float term = term_value(operation.term, event);
+    switch (operation.op) {
+    case '+':
+        value += term;
+        break;
+    case '-':
+        value -= term;
+        break;
+    case '*':
+        value *= term;
+        break;
+    case '/':
+        if (term == 0.0F)
+            return PFIELD_DIVISION;
+        value /= term;
+        break;
+    default:
+        value = mod(value, term);
+        break;
+    }
+    return OK;
+}
+
+} // namespace
+
+int check_pfield(const Expression &, const Input &in)
+{
+    if (P_NO < 3)
+        return BAD_EX_PFIELD;
+    if (P_NO == 3)
+        warning_no(W_P3_CODES_IN_EX, in.line_no, in.line, in.pos);
+    return OK;
+}
+
+// set -> weight mode ( reference | bracketed )
+int get_set(Expression &data, Frame &frame, Input &in)
+{
+    if (const int result = get_weight(frame, in, BAD_EX_DATA); result != OK)
+        return result;
+    Equation equation{};
+    if (const int result = get_mode(equation, in); result != OK)
+        return result;
+    int result = BAD_EX_PFIELD;
+    if (is_reference(in))
+        result = get_reference(equation.first, in);
+    else if (peek(in) == '[')
+        result = get_bracketed(equation, in);
+    if (result != OK)
+        return result;
+    data.sets.push_back(std::move(equation));
+    return OK;
+}
+
+int make_value(Expression &data, std::size_t set, const Place &place, float &value)
+{
+    const Equation &equation = data.sets[set];
+    value                    = term_value(equation.first, place.event);
+    for (const Operation &operation : equation.operations)
+        if (const int result = apply(operation, place.event, value); result != OK)
+            return result;
+    if (equation.rounded)
+        value = RoundF(value);
+    return OK;
+}
+
+} // namespace orlo

@@ -1,0 +1,19 @@
+// The one generator without weights: it holds a single set, and that set is a bare value.
+
+#include "ddf/held_value.h"
+
+#include "diag/messages.h"
+#include "lang/values.h"
+
+namespace orlo {
+
+// set -> value
+int get_set(HeldValue &data, Frame &, Input &in) { return get_input_type(data.value, in) != 0 ? OK : BAD_WALK_RANGE; }
+
+int make_value(HeldValue &data, std::size_t, const Place &, float &value)
+{
+    value = data.value;
+    return OK;
+}
+
+} // namespace orlo

@@ -1,0 +1,72 @@
+// The value is the position before the step, so a walk begins exactly at its starting value.
+
+#include "ddf/random_walk.h"
+
+#include "ddf/distributions.h"
+#include "diag/messages.h"
+#include "events/timing.h"
+#include "input/scanners.h"
+#include "lang/values.h"
+
+namespace orlo {
+namespace {
+
+// moves over a bracket that may be left out
+int take_optional(char bracket, Input &in)
+{
+    if (peek(in) != bracket)
+        return OK;
+    ++in.pos;
+    return skip_items(in);
+}
+
+int get_bound(float &bound, Input &in)
+{
+    return get_input_type(bound, in) != 0 ? skip_items(in) : static_cast<int>(BAD_WALK_RANGE);
+}
+
+// bounds -> [ "[" ] value value [ "]" ]
+int get_bounds(WalkSet &set, Input &in)
+{
+    if (const int result = take_optional('[', in); result != OK)
+        return result;
+    if (const int result = get_bound(set.low, in); result != OK)
+        return result;
+    if (const int result = get_bound(set.high, in); result != OK)
+        return result;
+    if (set.low > set.high)
+        swapf(set.low, set.high);
+    return take_optional(']', in);
+}
+
+} // namespace
+
+// set -> weight bounds window start
+int get_set(RandomWalk &data, Frame &frame, Input &in)
+{
+    if (const int result = get_weight(frame, in, MISSING_WEIGHT); result != OK)
+        return result;
+    WalkSet set{};
+    if (const int result = get_bounds(set, in); result != OK)
+        return result;
+    if (get_f(set.window, in) == 0 || set.window < 0.0F || set.window > 1.0F)
+        return BAD_WINDOW;
+    if (const int result = skip_items(in); result != OK)
+        return result;
+    float start = 0.0F;
+    if (get_input_type(start, in) == 0 || start < set.low || start > set.high)
+        return BAD_WALK_START;
+    if (set.low != set.high)
+        set.position = (start - set.low) / (set.high - set.low);
+    data.sets.push_back(set);
+    return OK;
+}
+
+int make_value(RandomWalk &data, std::size_t set, const Place &, float &value)
+{
+    WalkSet &walk = data.sets[set];
+    value         = rand_window(walk.position, walk.low, walk.high, walk.window);
+    return OK;
+}
+
+} // namespace orlo
