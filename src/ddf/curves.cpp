@@ -20,8 +20,7 @@ struct CurveLetter {
 };
 
 constexpr CurveLetter letters[] = {
-    {'c', Curve::mirrored}, {'e', Curve::square}, {'f', Curve::line},
-    {'l', Curve::root},     {'s', Curve::sine},   {'v', Curve::power},
+    {'c', Curve::mirrored}, {'e', Curve::square}, {'f', Curve::line}, {'l', Curve::root}, {'s', Curve::sine}, {'v', Curve::power},
 };
 
 // start + (end - start) * shape of x

@@ -131,10 +131,7 @@ float rwindow(float &position, float width)
     return before;
 }
 
-float rand_window(float &position, float low, float high, float width)
-{
-    return rwindow(position, width) * (high - low) + low;
-}
+float rand_window(float &position, float low, float high, float width) { return rwindow(position, width) * (high - low) + low; }
 
 int prob_result(const float *weights, int n)
 {

@@ -22,11 +22,14 @@ namespace {
 // distributions of the letters "b" to "x"
 constexpr char  FIRST_LETTER = 'b';
 constexpr Range letters[]    = {
-    /* b */ Range::beta,    /* c */ Range::uniform, /* d */ Range::uniform,    /* e */ Range::uniform, /* f */ Range::uniform,
-    /* g */ Range::gaussian, /* h */ Range::high,   /* i */ Range::uniform,    /* j */ Range::uniform, /* k */ Range::uniform,
-    /* l */ Range::low,     /* m */ Range::uniform, /* n */ Range::uniform,    /* o */ Range::uniform, /* p */ Range::uniform,
-    /* q */ Range::uniform, /* r */ Range::uniform, /* s */ Range::uniform,    /* t */ Range::triangular,
-    /* u */ Range::uniform, /* v */ Range::uniform, /* w */ Range::uniform,    /* x */ Range::bilateral,
+       /* b */ Range::beta,     /* c */ Range::uniform, /* d */ Range::uniform, /* e */ Range::uniform,
+    /* f */ Range::uniform,
+    /* g */ Range::gaussian, /* h */ Range::high,    /* i */ Range::uniform, /* j */ Range::uniform,
+    /* k */ Range::uniform,
+    /* l */ Range::low,      /* m */ Range::uniform, /* n */ Range::uniform, /* o */ Range::uniform,
+    /* p */ Range::uniform,
+    /* q */ Range::uniform,  /* r */ Range::uniform, /* s */ Range::uniform, /* t */ Range::triangular,
+    /* u */ Range::uniform,  /* v */ Range::uniform, /* w */ Range::uniform, /* x */ Range::bilateral,
 };
 static_assert(std::size(letters) == 'x' - FIRST_LETTER + 1);
 
@@ -198,10 +201,7 @@ int get_choice(Choice &mode, Input &in)
     return skip_items(in);
 }
 
-ChoiceState init_did(Choice mode, std::size_t n)
-{
-    return {n == 1 ? Choice::any : mode, -1, 0, std::vector<bool>(n, false)};
-}
+ChoiceState init_did(Choice mode, std::size_t n) { return {n == 1 ? Choice::any : mode, -1, 0, std::vector<bool>(n, false)}; }
 
 std::size_t get_set_element(ChoiceState &state, std::size_t n)
 {

@@ -1,4 +1,5 @@
-// The program's source of random numbers. Every draw of the program comes from here, so that a seed gives the same score everywhere.
+// The program's source of random numbers. Every draw of the program comes from here, so that a seed gives the same score
+// everywhere.
 #pragma once
 
 #include <cstdint>

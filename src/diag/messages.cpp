@@ -163,8 +163,7 @@ constexpr bool by_number(const Message &a, const Message &b) { return a.number <
 static_assert(std::is_sorted(std::begin(errors), std::end(errors), by_number));
 static_assert(std::is_sorted(std::begin(warnings), std::end(warnings), by_number));
 
-template <std::size_t N>
-const char *find_text(const Message (&table)[N], int number, const char *otherwise)
+template <std::size_t N> const char *find_text(const Message (&table)[N], int number, const char *otherwise)
 {
     const auto *found = std::lower_bound(std::begin(table), std::end(table), Message{number, ""}, by_number);
     return found != std::end(table) && found->number == number ? found->text : otherwise;

@@ -203,7 +203,7 @@ int do_blocks(Input &in, std::FILE *out, bool &ended)
 
 int run_input(Files &files, Input &in)
 {
-    in.stream     = files.in;
+    in.stream        = files.in;
     bool      ended  = false;
     const int result = do_blocks(in, files.out, ended);
     if (result != OK)

@@ -13,8 +13,8 @@ namespace {
 constexpr int ATTEMPTS         = 100; // names tried before giving up
 constexpr int ending_signals[] = {SIGINT, SIGTERM, SIGHUP};
 
-char                           tmp_fname[L_tmpnam];  // written once, before file_exists is set
-volatile std::sig_atomic_t     file_exists = 0;      // 1 from the file's creation to its removal
+char                       tmp_fname[L_tmpnam]; // written once, before file_exists is set
+volatile std::sig_atomic_t file_exists = 0;     // 1 from the file's creation to its removal
 
 extern "C" void remove_and_end(int signal_number)
 {

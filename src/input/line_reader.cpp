@@ -6,7 +6,7 @@
 #include "diag/messages.h"
 #include "input/conditionals.h"
 #include "input/constants.h"
-#include "input/macros.h"
+#include "input/macro_expansion.h"
 
 #include <cctype>
 #include <cstring>

@@ -1,9 +1,258 @@
+// A definition is read piece by piece, and each piece may lie on a further line: everything that moves on does so through the line
+// reader, which leaves the lines of a definition unexpanded.
+
 #include "input/macros.h"
+
 #include "diag/messages.h"
+#include "diag/report.h"
+#include "input/comment_flags.h"
+#include "input/conditionals.h"
+
+#include <cstring>
+#include <functional>
+#include <new>
+#include <unordered_map>
+#include <utility>
+
 namespace orlo {
-int IN_COMMENT=0; int IN_MACRO_DEF=0;
-int parse_macros(Input &in, DefinitionMarks &) { in.pos = 0; return OK; }
-int parse_macro(Input &) { return OK; }
-int expand_macro(Input &) { return OK; }
-void free_macro_list() {}
+namespace {
+
+struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
+};
+
+std::unordered_map<std::string, Macro, NameHash, std::equal_to<>> macro_list;
+
+int too_long(const char *what, std::size_t limit, const Input &in)
+{
+    Mprintf("\n\nERROR: Line %d: The macro %s has exceeded the", in.line_no, what);
+    Mprintf(" maximum number\nof characters allowed (%d).\n", limit);
+    return TEXT_REPORTED;
 }
+
+// keyword -> "define" blank
+int get_define(Input &in)
+{
+    move_within_line(in, 6); // any six characters that begin with "d"
+    if (!is_blank(peek(in)))
+        return BAD_DIRECTIVE;
+    skip_blanks(in);
+    return OK;
+}
+
+// name -> letter { letter | digit | "_" }
+int get_name(std::string &name, Input &in)
+{
+    if (const int result = skip_wc(in); result > 0)
+        return result;
+    if (!is_letter(peek(in)))
+        return BAD_MACRO_NAME;
+    for (; is_name_char(peek(in)); ++in.pos) {
+        name.push_back(peek(in));
+        if (name.size() == MAX_MACRO_NAME)
+            return too_long("name", MAX_MACRO_NAME, in);
+    }
+    return OK;
+}
+
+// param -> name, which a line that was too long may continue on the next
+int get_param(std::string &name, Input &in)
+{
+    if (const int result = skip_wc(in); result > 0)
+        return result;
+    if (!is_letter(peek(in)))
+        return BAD_MACRO_NAME;
+    for (;;) {
+        for (; is_name_char(peek(in)); ++in.pos)
+            name.push_back(peek(in));
+        if (peek(in) != '\0')
+            return OK;
+        const int result = get_buff(in);
+        if (result != OK)
+            return result > 0 ? result : OK;
+    }
+}
+
+// params -> [ "(" param { [ "," | "'" | "#" ] param } ")" ]
+int get_args(Macro &macro, Input &in)
+{
+    if (peek(in) != '(')
+        return OK;
+    ++in.pos;
+    do {
+        if (macro.params.size() == MAX_MACRO_PARAMS) {
+            const int result = skip_wc(in);
+            return result > 0 ? result : BAD_MACRO_SYNTAX;
+        }
+        std::string name;
+        if (const int result = get_param(name, in); result != OK)
+            return result;
+        macro.params.push_back(std::move(name));
+        if (const int result = skip_wc(in); result > 0)
+            return result;
+        if (peek(in) == '#' || peek(in) == '\'' || peek(in) == ',')
+            ++in.pos;
+        skip_blanks(in);
+    } while (peek(in) != ')');
+    ++in.pos;
+    skip_blanks(in);
+    return OK;
+}
+
+// body -> "#" characters "#"
+// comments are copied too, and hide a "#"
+int get_body(std::string &body, Input &in)
+{
+    if (const int result = skip_wc(in); result > 0)
+        return result;
+    if (peek(in) != '#')
+        return MACRO_BODY_NEEDS_MARK;
+    ++in.pos;
+    CommentFlags flags{false, false};
+    for (;;) {
+        const char c = peek(in);
+        if (c == '#' && !flags.comment) {
+            ++in.pos;
+            return OK;
+        }
+        body.push_back(c == '\0' ? '\n' : c);
+        follow_comment(flags, c, c == '\0' ? '\0' : in.line[in.pos + 1]);
+        if (c != '\0')
+            ++in.pos;
+        if (body.size() == MAX_MACRO_BODY)
+            return too_long("body", MAX_MACRO_BODY, in);
+        if (c == '\0') {
+            end_line(flags);
+            if (const int result = get_buff(in); result != OK)
+                return result > 0 ? result : EOF_IN_MACRO_BODY;
+        }
+    }
+}
+
+// define -> keyword name params body
+int get_macro(Macro &macro, Input &in)
+{
+    if (const int result = get_define(in); result != OK)
+        return result;
+    if (const int result = get_name(macro.name, in); result != OK)
+        return result;
+    if (const int result = get_args(macro, in); result != OK)
+        return result;
+    return get_body(macro.body, in);
+}
+
+int store_macro(Macro &macro)
+{
+    const std::string name = macro.name;
+    return macro_list.try_emplace(name, std::move(macro)).second ? OK : DUPLICATE_MACRO;
+}
+
+int do_define(Input &in)
+{
+    Macro macro;
+    if (const int result = get_macro(macro, in); result != OK)
+        return result;
+    return store_macro(macro);
+}
+
+// undefine -> "undef" blank name
+int do_undefine(Input &in)
+{
+    if (!resembles(in, "undef"))
+        return BAD_DIRECTIVE;
+    move_within_line(in, 5);
+    if (!is_blank(peek(in)))
+        return BAD_DIRECTIVE;
+    skip_blanks(in);
+    const std::uint32_t start = in.pos;
+    while (peek(in) != '\0' && !is_blank(peek(in)))
+        ++in.pos;
+    if (macro_list.empty())
+        return NO_MACROS;
+    const std::string_view name{in.line + start, in.pos - start};
+    const auto             found = macro_list.find(name);
+    if (found == macro_list.end())
+        return no_such_macro(name, in);
+    macro_list.erase(found);
+    return OK;
+}
+
+int run_directive(Input &in)
+{
+    switch (peek(in)) {
+    case 'd':
+        return do_define(in);
+    case 'i': {
+        float dropped = 0.0F;
+        return get_if(in, dropped);
+    }
+    case 'e':
+        if (is_endif(in.line, in.pos) != 0)
+            in.pos += 5;
+        return OK;
+    default:
+        return do_undefine(in);
+    }
+}
+
+} // namespace
+
+int parse_macro(Input &in)
+{
+    try {
+        return run_directive(in);
+    } catch (const std::bad_alloc &) {
+        return OUT_OF_MEMORY;
+    }
+}
+
+const Macro *find_macro(std::string_view name)
+{
+    const auto found = macro_list.find(name);
+    return found != macro_list.end() ? &found->second : nullptr;
+}
+
+int no_such_macro(std::string_view name, const Input &in)
+{
+    const std::string text{name};
+    Mprintf("\n\nERROR: Line %d: There is no macro \"%s\" in your input file!\n", in.line_no, text.c_str());
+    return TEXT_REPORTED;
+}
+
+void free_macro_list() { macro_list.clear(); }
+
+void print_macro(const Macro &macro)
+{
+    Mprintf("\n\tMACRO %s: ", macro.name.c_str());
+    for (std::size_t i = 0; i < macro.params.size(); ++i)
+        Mprintf("\n\t\tARG %d: %s", i, macro.params[i].c_str());
+    Mprintf("\n\tBODY: %s ", macro.body.c_str());
+}
+
+bool is_name_char(char c) { return is_letter(c) || is_digit(c) || c == '_'; }
+
+std::string_view take_name(const char *text, std::size_t &pos)
+{
+    const std::size_t start = pos;
+    if (is_letter(text[pos]))
+        while (is_name_char(text[pos]))
+            ++pos;
+    return {text + start, pos - start};
+}
+
+void move_within_line(Input &in, unsigned characters)
+{
+    for (; characters > 0 && peek(in) != '\0'; --characters)
+        ++in.pos;
+}
+
+bool resembles(const Input &in, std::string_view keyword)
+{
+    for (std::size_t i = 0; i < keyword.size() && in.line[in.pos + i] != '\0'; ++i)
+        if (in.line[in.pos + i] == keyword[i])
+            return true;
+    return false;
+}
+
+} // namespace orlo

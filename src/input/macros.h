@@ -1,29 +1,50 @@
-// Text macros: "#define" and "#undef", and the expansion of "$" calls in every line. Owns the macro list.
+// Macro definitions: "#define" and "#undef". Owns the macro list.
 #pragma once
 
 #include "input/line_reader.h"
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace orlo {
 
-/// The columns of the current line that belong to a macro definition, in which constants stay as they are.
-struct DefinitionMarks {
-    bool any = false;            // whether any column is marked; the columns hold nothing before the first mark
-    bool columns[LINE_SIZE + 1];
+inline constexpr std::size_t MAX_MACRO_NAME   = 2048; // a name or body of so many characters is refused
+inline constexpr std::size_t MAX_MACRO_BODY   = 2048;
+inline constexpr std::size_t MAX_MACRO_PARAMS = 128;
+
+struct Macro {
+    std::string              name;
+    std::vector<std::string> params; // names, in order; none for a macro without a list
+    std::string              body;   // without the enclosing "#"; keeps its line ends
 };
 
-extern int IN_COMMENT;   // not 0 while the passes are inside a comment, 0 at start; carried from line to line
-extern int IN_MACRO_DEF; // 0 outside a definition, else 1 plus the number of its "#" so far; 0 at start
-
-/// Expands every call of the line in place and marks the columns of definitions. Leaves the position at 0. @return 0 or an error
-[[nodiscard]] int parse_macros(Input &in, DefinitionMarks &marks);
-
-/// Runs the directive behind a "#": a definition, an undefinition, or a condition that stands inside a line. @return 0 or an error
+/// Runs the directive behind a "#": a definition, an undefinition, or a condition that stands inside a line.
+/// @return 0, 8, 32, 80, 81, 84, 86, 88, 91, 1000, or an error of the condition
 [[nodiscard]] int parse_macro(Input &in);
 
-/// Expands the call whose name starts at the position, just behind the "$". @return 0 or an error
-[[nodiscard]] int expand_macro(Input &in);
+/// The macro of a name, null when there is none.
+[[nodiscard]] const Macro *find_macro(std::string_view name);
+
+/// Reports a name that belongs to no macro. @return 1000
+[[nodiscard]] int no_such_macro(std::string_view name, const Input &in);
 
 /// Frees all macros.
 void free_macro_list();
+
+/// Debugging aid: prints a macro.
+void print_macro(const Macro &macro);
+
+/// True for a character of a name: a letter, a digit or "_". Names begin with a letter.
+[[nodiscard]] bool is_name_char(char c);
+
+/// Takes the name at the position; empty when no letter stands there.
+[[nodiscard]] std::string_view take_name(const char *text, std::size_t &pos);
+
+/// Moves on by so many characters, at most to the end of the line.
+void move_within_line(Input &in, unsigned characters);
+
+/// True when any of the characters at the position is the letter of the keyword in the same place.
+[[nodiscard]] bool resembles(const Input &in, std::string_view keyword);
 
 } // namespace orlo

@@ -1,5 +1,5 @@
-// Digits are gathered in unsigned integers, whose overflow is defined, and whole numbers with a range stop growing above it, so that
-// no length of a digit string can bring them back into the range.
+// Digits are gathered in unsigned integers, whose overflow is defined, and whole numbers with a range stop growing above it, so
+// that no length of a digit string can bring them back into the range.
 
 #include "input/scanners.h"
 

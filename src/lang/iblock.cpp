@@ -1,4 +1,5 @@
-// The block's sections may stand in any order behind p2, which makes the events that the others fill; DID_P remembers which are done.
+// The block's sections may stand in any order behind p2, which makes the events that the others fill; DID_P remembers which are
+// done.
 
 #include "lang/iblock.h"
 

@@ -12,11 +12,11 @@
 namespace orlo {
 namespace {
 
-constexpr float FAST_TEMPO     = 300.0F;
-constexpr float SLOW_TEMPO     = 30.0F;
-constexpr float LATE_BEAT      = 600.0F;
-constexpr float SIMPLE_END     = 1000.0F; // end of the segment of the short form, in beats
-constexpr float SQUARE_CURVE   = 1.0F;    // code of the curve when none is given
+constexpr float FAST_TEMPO   = 300.0F;
+constexpr float SLOW_TEMPO   = 30.0F;
+constexpr float LATE_BEAT    = 600.0F;
+constexpr float SIMPLE_END   = 1000.0F; // end of the segment of the short form, in beats
+constexpr float SQUARE_CURVE = 1.0F;    // code of the curve when none is given
 
 void warn(const Input &in, Warning number) { warning_no(number, in.line_no, in.line, in.pos); }
 

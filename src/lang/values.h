@@ -8,7 +8,8 @@ namespace orlo {
 /// Reads one value in the section's input type; "z" is the last value. @return 1, or 0 where no such value stands
 [[nodiscard]] int get_input_type(float &value, Input &in);
 
-/// Note name: letter, modifiers, optional octave, which is remembered. In semitones above 4.00, an octave higher for MIDI; -1 for "r".
+/// Note name: letter, modifiers, optional octave, which is remembered. In semitones above 4.00, an octave higher for MIDI; -1 for
+/// "r".
 [[nodiscard]] int get_pitch(float &value, Input &in);
 
 /// Rhythm in beats: 4 / n, points, ties; negative for a negative n.

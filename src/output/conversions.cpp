@@ -19,7 +19,11 @@ constexpr double SEMITONE_RATIO = 1.059463094359; // 2^(1/12)
 constexpr double LN10_BY_20     = 0.11512925;     // ln(10) / 20
 constexpr int    LARGEST_FFT    = 6;              // 256 << 6 = 16384 points
 
-float octave(float pitch) { return static_cast<float>(to_int32(static_cast<double>(pitch)) / 12); }
+float octave(float pitch)
+{
+    const std::int32_t octaves = to_int32(static_cast<double>(pitch)) / 12;
+    return static_cast<float>(octaves);
+}
 
 float pitch_class(float pitch) { return mod(pitch, 12.0F); }
 

@@ -31,8 +31,8 @@ std::uint64_t to_uint64(double value)
 
 std::int32_t Round(float x)
 {
-    const std::int32_t up   = to_int32(std::ceil(x));
-    const std::int32_t down = to_int32(std::floor(x));
+    const std::int32_t up   = to_int32(static_cast<double>(std::ceil(x)));
+    const std::int32_t down = to_int32(static_cast<double>(std::floor(x)));
     return static_cast<float>(up) - x <= x - static_cast<float>(down) ? up : down;
 }
 

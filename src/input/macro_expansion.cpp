@@ -1,0 +1,299 @@
+// Inserted text is scanned again from its start, so that calls in it are expanded in turn. That ends because the expansions of one
+// line are counted, and the depth of bodies inside bodies is limited.
+// While a body is expanded the error of a call inside it is shown behind the outermost call, the only one that stands in the line.
+
+#include "input/macro_expansion.h"
+
+#include "diag/messages.h"
+#include "diag/report.h"
+#include "input/comment_flags.h"
+#include "input/macros.h"
+
+#include <cstring>
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orlo {
+
+bool IN_COMMENT   = false;
+int  IN_MACRO_DEF = 0;
+
+namespace {
+
+constexpr int           BODY_TOO_LONG = -2; // of an expansion whose text can't fit into any line
+constexpr std::uint32_t ODD_COLUMN    = 85; // a ">" here does not keep definitions out of the rest of its line
+
+struct Argument {
+    std::string_view name; // of the parameter
+    std::string      text;
+};
+
+struct Count {
+    std::uint64_t line_no; // the line that is counted
+    unsigned      done;    // expansions in it
+};
+
+Count expansions{0, 0};
+
+// what a name stands for inside a body: a parameter first, then a macro
+struct Meaning {
+    const Macro    *macro;
+    const Argument *argument;
+};
+
+Meaning find_meaning(std::string_view name, const std::vector<Argument> &arguments)
+{
+    for (const Argument &argument : arguments)
+        if (argument.name == name)
+            return {nullptr, &argument};
+    return {find_macro(name), nullptr};
+}
+
+int expands_without_end(std::string_view name, const Input &in)
+{
+    const std::string text{name};
+    Mprintf("\n\nERROR: Line %d: Macro \"%s\" expands without end!\n", in.line_no, text.c_str());
+    return TEXT_REPORTED;
+}
+
+int line_too_long(const Input &in)
+{
+    Mprintf("\n\nERROR: Line %d: The expanded line has exceeded the", in.line_no);
+    Mprintf(" maximum number\nof characters allowed (%d).\n", LINE_SIZE - 1);
+    return TEXT_REPORTED;
+}
+
+// argument -> characters ( "'" | "#" ), the last one -> characters ")"
+int take_argument(std::string &argument, bool last, const std::string &text, std::size_t &pos)
+{
+    for (;; ++pos) {
+        if (pos == text.size())
+            return BAD_MACRO_SYNTAX;
+        const char c = text[pos];
+        if (last && c == '\'')
+            return STRAY_APOSTROPHE;
+        if (last ? c == ')' : c == '\'' || c == '#')
+            break;
+        argument.push_back(c);
+    }
+    ++pos;
+    return OK;
+}
+
+// arguments -> "(" argument { argument } ")"
+int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const std::string &text, std::size_t &pos)
+{
+    while (pos < text.size() && is_blank(text[pos]))
+        ++pos;
+    if (pos == text.size() || text[pos] != '(')
+        return CALL_NEEDS_PAREN;
+    ++pos;
+    for (std::size_t i = 0; i < macro.params.size(); ++i) {
+        Argument argument{macro.params[i], {}};
+        if (const int result = take_argument(argument.text, i + 1 == macro.params.size(), text, pos); result != OK)
+            return result;
+        for (const Argument &earlier : arguments)
+            if (earlier.name == argument.name)
+                return DUPLICATE_MACRO;
+        arguments.push_back(std::move(argument));
+    }
+    return OK;
+}
+
+void skip_name(const std::string &text, std::size_t &pos)
+{
+    while (pos < text.size() && is_name_char(text[pos]))
+        ++pos;
+}
+
+// a parenthesised group, balanced or up to the end
+void skip_args(const std::string &text, std::size_t &pos)
+{
+    if (pos == text.size() || text[pos] != '(')
+        return;
+    int depth = 0;
+    do {
+        if (text[pos] == '(')
+            ++depth;
+        else if (text[pos] == ')')
+            --depth;
+        ++pos;
+    } while (depth > 0 && pos < text.size());
+}
+
+void announce(std::string_view name, const Input &in)
+{
+    if (SUPRESS != 0)
+        return;
+    const std::string text{name};
+    Mprintf("\n\tExpanding macro \"%s\" into line %d...", text.c_str(), in.line_no);
+}
+
+// A call in a text: where it starts (the "$") and ends, and what replaces it.
+struct Call {
+    std::size_t start;
+    std::size_t end;
+    std::string body;
+};
+
+int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
+           const Input &in);
+
+// expands the references in a body
+int expand_body(std::string &body, const std::vector<Argument> &arguments, unsigned depth, const Input &in)
+{
+    for (std::size_t pos = body.find('$'); pos != std::string::npos; pos = body.find('$', pos)) {
+        ++pos;
+        Call call{};
+        if (const int result = expand(call, body, pos, arguments, depth, in); result != OK)
+            return result;
+        body.replace(call.start, call.end - call.start, call.body);
+        if (body.size() > MAX_BODY_TEXT)
+            return BODY_TOO_LONG;
+        pos = call.start;
+        if (pos < body.size() && body[pos] == '$') { // left for the scan of the line
+            ++pos;
+            skip_name(body, pos);
+        }
+    }
+    return OK;
+}
+
+// call -> "$" name [ arguments ]
+// with the position behind the "$"; left behind what was read
+int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
+           const Input &in)
+{
+    call.start                  = pos - 1;
+    const std::string_view name = take_name(text.c_str(), pos);
+    const Meaning          what = find_meaning(name, locals);
+    if (what.macro == nullptr && what.argument == nullptr)
+        return no_such_macro(name, in);
+    if (++expansions.done > MAX_EXPANSIONS || depth > MAX_NESTING)
+        return expands_without_end(name, in);
+
+    call.end = pos;
+    skip_args(text, call.end);
+    call.body = what.macro != nullptr ? what.macro->body : what.argument->text;
+    std::vector<Argument> arguments;
+    if (what.macro != nullptr && !what.macro->params.empty())
+        if (const int result = take_arguments(arguments, *what.macro, text, pos); result != OK)
+            return result;
+    if (const int result = expand_body(call.body, arguments, depth + 1, in); result != OK)
+        return result;
+    announce(name, in);
+    return OK;
+}
+
+int expand_in_line(Input &in)
+{
+    if (expansions.line_no != in.line_no)
+        expansions = {in.line_no, 0};
+    const std::string text{in.line};
+    std::size_t       pos = in.pos;
+    Call              call{};
+    const int         result = expand(call, text, pos, {}, 1, in);
+    in.pos                   = static_cast<std::uint32_t>(result == BODY_TOO_LONG ? call.start : pos);
+    if (result == BODY_TOO_LONG)
+        return line_too_long(in);
+    if (result != OK)
+        return result;
+    return replace_in_line(in, call.start, call.end, call.body.c_str(), call.body.size());
+}
+
+// directives whose line is not scanned for calls: "#undef", "#const", "#if", "#endif"
+bool is_unscanned_directive(char c) { return c == 'u' || c == 'c' || c == 'i' || c == 'e'; }
+
+void mark(DefinitionMarks &marks, std::uint32_t column)
+{
+    if (!marks.any)
+        std::memset(marks.columns, 0, sizeof marks.columns);
+    marks.any             = true;
+    marks.columns[column] = true;
+}
+
+// one character of an open definition, which its third "#" closes
+void scan_definition(Input &in, CommentFlags &flags, DefinitionMarks &marks)
+{
+    const char c = peek(in);
+    mark(marks, in.pos);
+    if (c == '#' && !flags.comment && ++IN_MACRO_DEF == 3)
+        IN_MACRO_DEF = 0;
+    follow_comment(flags, c, in.line[in.pos + 1]);
+}
+
+struct LineScan {
+    CommentFlags flags;
+    bool         definitions; // may start on this line
+    bool         stopped;     // the rest of the line is not scanned
+};
+
+// one character outside definitions; expanded tells whether the position is on text that was inserted
+int scan_plain(Input &in, LineScan &scan, DefinitionMarks &marks, bool &expanded)
+{
+    const char c    = peek(in);
+    const char next = in.line[in.pos + 1];
+    expanded        = false;
+    if (c == '#' && !scan.flags.comment && scan.definitions) {
+        scan.stopped = is_unscanned_directive(next);
+        IN_MACRO_DEF = scan.stopped ? 0 : 1;
+        if (!scan.stopped)
+            mark(marks, in.pos);
+        return OK;
+    }
+    if (c == '$' && !scan.flags.comment) {
+        ++in.pos;
+        expanded = true;
+        return expand_macro(in);
+    }
+    if (c == '\n' && !scan.flags.block)
+        scan.flags.comment = false;
+    if (c == '>' && in.pos != ODD_COLUMN)
+        scan.definitions = false;
+    follow_comment(scan.flags, c, next);
+    return OK;
+}
+
+} // namespace
+
+int parse_macros(Input &in, DefinitionMarks &marks)
+{
+    LineScan scan{{IN_COMMENT, IN_COMMENT}, true, false};
+    while (peek(in) != '\0' && !scan.stopped) {
+        bool expanded = false;
+        if (IN_MACRO_DEF != 0)
+            scan_definition(in, scan.flags, marks);
+        else if (const int result = scan_plain(in, scan, marks, expanded); result != OK)
+            return result;
+        if (!expanded)
+            ++in.pos;
+    }
+    IN_COMMENT = scan.flags.block;
+    in.pos     = 0;
+    return OK;
+}
+
+int expand_macro(Input &in)
+{
+    try {
+        return expand_in_line(in);
+    } catch (const std::bad_alloc &) {
+        return OUT_OF_MEMORY;
+    }
+}
+
+int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *text, std::size_t length)
+{
+    const std::size_t rest = std::strlen(in.line + end);
+    in.pos                 = static_cast<std::uint32_t>(start);
+    if (start + length + rest >= LINE_SIZE)
+        return line_too_long(in);
+    std::memmove(in.line + start + length, in.line + end, rest + 1);
+    std::memcpy(in.line + start, text, length);
+    return OK;
+}
+
+} // namespace orlo

@@ -1,0 +1,33 @@
+// Macro calls: "$name" and "$name(argument'argument)" are replaced by the macro's body in every line, before any parser sees it.
+#pragma once
+
+#include "input/line_reader.h"
+
+namespace orlo {
+
+inline constexpr unsigned    MAX_EXPANSIONS = 10000; // of one line, those inside bodies among them
+inline constexpr unsigned    MAX_NESTING    = 128;   // bodies inside bodies
+inline constexpr std::size_t MAX_BODY_TEXT  = 65536; // characters of a body while it is expanded
+
+/// The columns of the current line that belong to a macro definition, in which constants stay as they are.
+struct DefinitionMarks {
+    bool any = false;            // whether a column is marked; the columns hold nothing before the first mark
+    bool columns[LINE_SIZE + 1]; // by position in the line
+};
+
+extern bool IN_COMMENT;   // the expansion passes are inside a comment, false at start; carried from line to line
+extern int  IN_MACRO_DEF; // 0 outside a definition, else 1 plus the number of its later "#" so far; 0 at start
+
+/// Expands every call of the line in place and marks the columns of definitions. Leaves the position at 0.
+/// @return 0, 32, 82, 84, 85, 86 or 1000
+[[nodiscard]] int parse_macros(Input &in, DefinitionMarks &marks);
+
+/// Expands the call whose name starts at the position, just behind the "$". The position is left on the inserted text.
+/// @return as parse_macros
+[[nodiscard]] int expand_macro(Input &in);
+
+/// Replaces a part of the line from start to end. The position is left on the inserted text.
+/// @return 0, or 1000 when the line would become too long; the line stays as it is then
+[[nodiscard]] int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *text, std::size_t length);
+
+} // namespace orlo
