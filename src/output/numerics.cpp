@@ -1,5 +1,6 @@
-// The loops of mod remove what the rounded product leaves over. They end: each step shrinks the remainder, and a remainder so large
-// that a step no longer changes it goes to the library's exact remainder.
+// What the rounded product of mod leaves over is taken off by subtracting the divisor again and again, in 32 bits. Between two powers
+// of two the subtraction rounds alike each time, so that once two steps were equal all further ones down to the lower power
+// are taken at once. A remainder so large that a step no longer changes it goes to the library's exact remainder.
 
 #include "output/numerics.h"
 
@@ -7,6 +8,30 @@
 #include <limits>
 
 namespace orlo {
+namespace {
+
+// r less m as often as it takes to get down to m; stays above m when a step changes nothing
+float subtract_down(float r, float m)
+{
+    double last_step = 0.0;
+    while (r > m) {
+        const float next = r - m;
+        if (next == r)
+            break;
+        const double step = static_cast<double>(r) - static_cast<double>(next);
+        r                 = next;
+        if (step == last_step) {
+            const double lowest = std::fmax(std::ldexp(1.0, std::ilogb(r)), static_cast<double>(m));
+            const double steps  = std::floor((static_cast<double>(r) - lowest) / step) - 1.0;
+            if (steps > 0.0)
+                r = static_cast<float>(static_cast<double>(r) - steps * step);
+        }
+        last_step = step;
+    }
+    return r;
+}
+
+} // namespace
 
 std::int32_t to_int32(double value)
 {
@@ -55,15 +80,11 @@ float mod(float x, float m)
     const std::int64_t quotient = to_int64(static_cast<double>(x / m));
 
     float r = x - m * static_cast<float>(quotient);
-    while (r > m) {
-        if (r - m == r)
+    if (r > m || -r > m) {
+        const float magnitude = subtract_down(std::fabs(r), m);
+        if (magnitude > m)
             return std::fmod(x, m);
-        r -= m;
-    }
-    while (-r > m) {
-        if (r + m == r)
-            return std::fmod(x, m);
-        r += m;
+        r = std::copysign(magnitude, r);
     }
     return r;
 }
