@@ -22,51 +22,58 @@ bool stands_at(const char *line, std::uint32_t pos, const char *word)
     return std::strncmp(line + pos, word, std::strlen(word)) == 0;
 }
 
-// moves over a comment within a line that is skipped; in_block tells whether a block comment is open
-// true when there was one
-bool pass_comment(Input &in, bool &in_block)
+// Comments in lines that are skipped: two flags that do not look at each other. A line comment ends with its line.
+struct SkipFlags {
+    bool line;
+    bool block;
+};
+
+// follows the comments at a character that is no line end
+void follow(SkipFlags &flags, const char *c)
 {
-    if (in_block) {
-        in_block = !stands_at(in.line, in.pos, "*/");
-        in.pos += in_block ? 1 : 2;
-        return true;
+    if (c[0] == ';')
+        flags.line = true;
+    else if (c[0] == '/' && c[1] == '*')
+        flags.block = true;
+    else if (c[0] == '*' && c[1] == '/')
+        flags.block = false;
+}
+
+// a "#" in a line that is skipped: blocks inside are counted; closed tells whether the block that is skipped ends here
+int skip_directive(Input &in, bool &closed)
+{
+    closed = false;
+    ++in.pos;
+    if (is_if(in.line, in.pos) != 0) {
+        ++IF_MATCH;
+    } else if (is_endif(in.line, in.pos) != 0) {
+        if (const int result = do_endif(in); result != OK)
+            return result;
+        closed = IF_MATCH == start_level;
     }
-    if (stands_at(in.line, in.pos, "/*")) {
-        in_block = true;
-        in.pos += 2;
-        return true;
-    }
-    if (peek(in) == ';') {
-        in.pos += static_cast<std::uint32_t>(std::strlen(in.line + in.pos));
-        return true;
-    }
-    return false;
+    return OK;
 }
 
 // skipped-block -> characters "#" "endif", with blocks inside it
 int skip_false_block(Input &in)
 {
-    for (bool in_block = false;;) {
+    SkipFlags flags{false, false};
+    for (bool closed = false; !closed;) {
+        int result = OK;
         if (peek(in) == '\0') {
-            const int result = get_buff(in);
-            if (result != OK)
-                return result > 0 ? result : EOF_IN_IF;
-        } else if (pass_comment(in, in_block)) {
-            continue;
-        } else if (peek(in) != '#') {
-            ++in.pos;
+            result     = get_buff(in);
+            result     = result < 0 ? static_cast<int>(EOF_IN_IF) : result;
+            flags.line = false;
+        } else if (peek(in) == '#' && !flags.line && !flags.block) {
+            result = skip_directive(in, closed);
         } else {
+            follow(flags, in.line + in.pos);
             ++in.pos;
-            if (is_if(in.line, in.pos) != 0)
-                ++IF_MATCH;
-            else if (is_endif(in.line, in.pos) != 0) {
-                if (const int result = do_endif(in); result != OK)
-                    return result;
-                if (IF_MATCH == start_level)
-                    return OK;
-            }
         }
+        if (result != OK)
+            return result;
     }
+    return OK;
 }
 
 // if -> "if(" value ")" lines "#endif"

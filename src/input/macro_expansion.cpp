@@ -178,12 +178,13 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
     call.end = pos;
     skip_args(text, call.end);
     call.body = what.macro != nullptr ? what.macro->body : what.argument->text;
-    std::vector<Argument> arguments;
-    if (what.macro != nullptr && !what.macro->params.empty())
+    if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan behind the call
+        std::vector<Argument> arguments;
         if (const int result = take_arguments(arguments, *what.macro, text, pos); result != OK)
             return result;
-    if (const int result = expand_body(call.body, arguments, depth + 1, in); result != OK)
-        return result;
+        if (const int result = expand_body(call.body, arguments, depth + 1, in); result != OK)
+            return result;
+    }
     announce(name, in);
     return OK;
 }

@@ -129,7 +129,10 @@ int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
             track.tail = join(track, next, heap);
             return -1;
         }
-        push(heap, off, number);
+        if (std::isnan(off->start)) // comes after nothing
+            append(track, off);
+        else
+            push(heap, off, number);
         note = next;
     }
     while (heap.count > 0)
@@ -142,7 +145,7 @@ int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
 std::uint64_t ticks(float seconds)
 {
     const float count = seconds * TICKS_PER_SECOND;
-    return count > 0.0F ? to_uint64(static_cast<double>(count)) : 0;
+    return count < 0.0F ? 0 : to_uint64(static_cast<double>(count));
 }
 
 int List2MIDI(Event *&list, std::int32_t n, std::uint64_t &length)

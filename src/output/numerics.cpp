@@ -1,5 +1,5 @@
-// What the rounded product of mod leaves over is taken off by subtracting the divisor again and again, in 32 bits. Between two powers
-// of two the subtraction rounds alike each time, so that once two steps were equal all further ones down to the lower power
+// What the rounded product of mod leaves over is taken off by subtracting the divisor again and again, in 32 bits. Between two
+// powers of two the subtraction rounds alike each time, so that once two steps were equal all further ones down to the lower power
 // are taken at once. A remainder so large that a step no longer changes it goes to the library's exact remainder.
 
 #include "output/numerics.h"

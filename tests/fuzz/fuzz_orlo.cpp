@@ -1,0 +1,375 @@
+// The whole program as a fuzz target: one input is one run, from the command line to the files that are written.
+//
+//   cmake --preset clang && cmake --build --preset clang --target fuzz
+//   cd build/clang/fuzz && nice ./fuzz_orlo -dict=orlo.dict -max_len=4096 -timeout=10 -max_total_time=600 found corpus seeds
+//
+// New inputs gather in build/clang/fuzz/found, failing ones are written as crash-*, leak-*, timeout-* or oom-*; give such a file
+// to ./fuzz_orlo as its only argument to see it fail again, and with -minimize_crash=1 to make it small. README.md tells how the
+// kept inputs in corpus/ are renewed.
+//
+// The first line of an input is its command line, the rest is the piece. Of the first line the letters m, s, t, x and l count,
+// which switch the options on, and the first number: so many allocations succeed, all later ones fail. Without a number there
+// are MOST_ALLOCATIONS, so that "a billion events" ends in exhausted memory and not in a time-out.
+//
+// All runs share one process, so every variable of the program is set back before a run; what is private to a file is set back
+// through the functions that use it. The replay proves this: it runs all inputs forward and backward and wants the same results.
+// A run stays inside a folder of its own: what a piece includes is looked for there alone.
+
+#include "fuzz_orlo.h"
+
+#include "ddf/random.h"
+#include "diag/messages.h"
+#include "diag/report.h"
+#include "driver/options.h"
+#include "driver/run.h"
+#include "events/event_list.h"
+#include "events/tempo_map.h"
+#include "events/timing.h"
+#include "input/conditionals.h"
+#include "input/line_reader.h"
+#include "input/macro_expansion.h"
+#include "lang/iblock.h"
+#include "lang/keywords.h"
+#include "lang/values.h"
+#include "output/conversions.h"
+#include "output/midi_conversion.h"
+
+#include <algorithm>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iterator>
+#include <new>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::uint64_t MOST_ALLOCATIONS = 20000;  // of a run that asks for no other number
+constexpr std::uint64_t TOP_ALLOCATIONS  = 250000; // of any run
+
+bool          counting    = false; // a run is on its way
+std::uint64_t allocations = 0;     // that may still succeed in it
+
+bool may_allocate()
+{
+    if (!counting)
+        return true;
+    if (allocations == 0)
+        return false;
+    --allocations;
+    return true;
+}
+
+} // namespace
+
+// what the program calls in place of malloc, calloc, operator new, fopen and remove: redirected.syms
+extern "C" {
+void      *fuzz_malloc(std::size_t size);
+void      *fuzz_calloc(std::size_t count, std::size_t size);
+void      *fuzz_new(std::size_t size);
+std::FILE *fuzz_fopen(const char *name, const char *mode);
+int        fuzz_remove(const char *name);
+}
+
+void *fuzz_malloc(std::size_t size) { return may_allocate() ? std::malloc(size) : nullptr; }
+
+void *fuzz_calloc(std::size_t count, std::size_t size) { return may_allocate() ? std::calloc(count, size) : nullptr; }
+
+void *fuzz_new(std::size_t size)
+{
+    if (!may_allocate())
+        throw std::bad_alloc{};
+    return ::operator new(size);
+}
+
+namespace {
+
+using namespace orlo;
+
+// the files of a run; the first two can be included
+constexpr char PIECE[]     = "piece";
+constexpr char PART[]      = "part";
+constexpr char SCORE[]     = "results/score";
+constexpr char TRACE[]     = "results/trace";
+constexpr char LOG[]       = "results/log";
+constexpr char TEMPORARY[] = "results/temporary";
+
+constexpr char part_text[] = "#const half .5\n#define down(a'b)#$b $a#\n; a comment\nte(90)\n";
+
+char root[PATH_MAX]           = ""; // folder of the files of a run
+char temporary_name[PATH_MAX] = ""; // that the program has chosen for its temporary file
+
+void remove_root()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(root, ignored);
+}
+
+[[noreturn]] void give_up(const char *what)
+{
+    std::perror(what);
+    std::abort();
+}
+
+std::FILE *open_in_root(const char *name, const char *mode)
+{
+    char path[2 * PATH_MAX];
+    std::snprintf(path, sizeof path, "%s/%s", root, name);
+    return std::fopen(path, mode);
+}
+
+void write_file(const char *name, std::string_view text)
+{
+    std::FILE *file = open_in_root(name, "wb");
+    if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size() || std::fclose(file) != 0)
+        give_up(name);
+}
+
+// The streams themselves are replaced, and buffered, since messages are most of what a run writes. Sanitizers and the fuzzer keep
+// writing to the file descriptor.
+void silence_screen()
+{
+    std::FILE *nobody = std::fopen("/dev/null", "w");
+    if (nobody == nullptr)
+        give_up("/dev/null");
+#ifdef __GLIBC__
+    stdout = nobody;
+    stderr = nobody;
+#endif
+}
+
+bool prepare()
+{
+    const bool in_memory = std::filesystem::is_directory("/dev/shm"); // several times faster
+    const auto parent    = in_memory ? std::filesystem::path{"/dev/shm"} : std::filesystem::temp_directory_path();
+    std::snprintf(root, sizeof root, "%s/orlo-fuzz-XXXXXX", parent.c_str());
+    if (mkdtemp(root) == nullptr)
+        give_up("a temporary folder");
+    std::atexit(remove_root);
+    std::filesystem::create_directory(std::filesystem::path{root} / "results");
+    write_file(PART, part_text);
+    silence_screen();
+    return true;
+}
+
+void set_input(Input &in, const char *line, std::FILE *stream)
+{
+    in        = Input{};
+    in.stream = stream;
+    std::strcpy(in.line, line);
+}
+
+// sets back what is private to a file of the program
+void reset_private_state()
+{
+    static std::FILE *empty = std::fopen("/dev/null", "r");
+    static Input      in;
+    float             ignored = 0.0F;
+
+    set_input(in, "c4", empty); // the remembered octave
+    static_cast<void>(get_pitch(ignored, in));
+    set_input(in, "if(0)", empty); // the remembered condition
+    static_cast<void>(do_if_interface(in));
+    do // the open blocks
+        set_input(in, "endif", empty);
+    while (do_endif(in) == OK);
+    set_input(in, "", empty); // the line whose expansions are counted
+    static_cast<void>(expand_macro(in));
+    seed_draws(1);
+}
+
+void reset_options()
+{
+    MKLOG       = 0;
+    MKMIDI      = 0;
+    SUPRESS     = 0;
+    SHOW_TEMPOS = 0;
+    MKEXP       = 0;
+    in_fname    = nullptr;
+    out_fname   = nullptr;
+    log_fname   = nullptr;
+    exp_fname   = nullptr;
+    fllog       = nullptr;
+    fecho       = nullptr;
+}
+
+void reset_block()
+{
+    I_NO        = 0;
+    STIME       = 0.0F;
+    SBEAT       = 0.0F;
+    BEATS       = 0.0F;
+    ETIME       = 0.0F;
+    EVENTS      = 0;
+    EVENT_NO    = 0;
+    CBEATS      = 0.0F;
+    LAST_VAL    = 0.0F;
+    P_NO        = 0;
+    IN_TYPE     = TYPE_RE;
+    OUT_TYPE    = TYPE_RE;
+    IN_LOOP     = 0;
+    NX          = 0;
+    MAX_DEV     = 0.0F;
+    MAX_DEV2    = 0.0F;
+    MAX_PFIELDS = 0;
+    IS_FUSED    = 0;
+    LUT         = nullptr;
+    WROTE_DATA  = 0;
+    PFACTOR     = 1.0F;
+    std::fill(std::begin(DID_P), std::end(DID_P), false);
+}
+
+// sets every variable of the program to its value at the start; what a run has allocated it has given back itself
+void reset()
+{
+    reset_private_state();
+    reset_options();
+    reset_block();
+    CUM_TIME     = 0.0;
+    LAST_IB_DUR  = 0.0;
+    SRATE        = 44100;
+    TEMPO        = 60.0F;
+    TOT_TEMPOS   = 1;
+    IN_COMMENT   = false;
+    IN_MACRO_DEF = 0;
+    std::fill(std::begin(TEMPO_LIST), std::end(TEMPO_LIST), TempoSegment{});
+    TEMPO_LIST[0] = {0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F};
+}
+
+// The command line that the first line stands for.
+struct CommandLine {
+    const char *arguments[12];
+    int         count;
+    bool        trace;
+    bool        log;
+};
+
+void add(CommandLine &line, const char *argument) { line.arguments[line.count++] = argument; }
+
+CommandLine read_command_line(std::string_view flags)
+{
+    CommandLine line{};
+    const auto  has = [flags](char letter) { return flags.find(letter) != std::string_view::npos; };
+    line.trace      = has('x');
+    line.log        = has('l');
+    add(line, "orlo");
+    if (has('m'))
+        add(line, "-m");
+    if (has('s'))
+        add(line, "-s");
+    if (has('t'))
+        add(line, "-t");
+    if (line.trace) {
+        add(line, "-x");
+        add(line, TRACE);
+    }
+    if (line.log) {
+        add(line, "-l");
+        add(line, LOG);
+    }
+    add(line, PIECE);
+    add(line, SCORE);
+    return line;
+}
+
+std::uint64_t read_allocations(std::string_view flags)
+{
+    const std::size_t start = flags.find_first_of("0123456789");
+    if (start == std::string_view::npos)
+        return MOST_ALLOCATIONS;
+    std::uint64_t number = 0;
+    for (std::size_t i = start; i < flags.size() && flags[i] >= '0' && flags[i] <= '9'; ++i)
+        number = std::min(number * 10 + static_cast<std::uint64_t>(flags[i] - '0'), TOP_ALLOCATIONS);
+    return number;
+}
+
+bool traced = false; // files that the last run has written
+bool logged = false;
+
+// the program takes these signals over, and whoever had them wants them back
+constexpr int taken_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
+int run_once(const CommandLine &line)
+{
+    struct sigaction before[std::size(taken_signals)];
+    for (std::size_t i = 0; i < std::size(taken_signals); ++i)
+        sigaction(taken_signals[i], nullptr, &before[i]);
+    counting         = true;
+    const int status = run(line.count, line.arguments);
+    counting         = false;
+    for (std::size_t i = 0; i < std::size(taken_signals); ++i)
+        sigaction(taken_signals[i], &before[i], nullptr);
+    return status;
+}
+
+// nothing may be left over from a run
+void check(int status)
+{
+    const bool status_known = status == 0 || status == 1;
+    const bool all_released = note_list == nullptr && OUTS == nullptr && RE_FW == nullptr && FFT_SZ == nullptr;
+    if (!status_known || !all_released || fecho != nullptr || fllog != nullptr)
+        std::abort();
+}
+
+void append_file(std::string &results, const char *name)
+{
+    std::FILE *file = open_in_root(name, "rb");
+    if (file == nullptr)
+        return;
+    char buffer[4096];
+    for (std::size_t read = 1; read > 0;) {
+        read = std::fread(buffer, 1, sizeof buffer, file);
+        results.append(buffer, read);
+    }
+    std::fclose(file);
+}
+
+} // namespace
+
+// All files of a run lie in its folder. What a piece includes is looked for there alone: no name leads out.
+std::FILE *fuzz_fopen(const char *name, const char *mode)
+{
+    if (std::strcmp(mode, "wx") == 0) {
+        std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
+        return open_in_root(TEMPORARY, "w");
+    }
+    if (std::strcmp(name, temporary_name) == 0)
+        return open_in_root(TEMPORARY, mode);
+    return mode[0] == 'r' && std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+}
+
+// the temporary file, which the next run overwrites
+int fuzz_remove(const char *) { return 0; }
+
+std::string last_results()
+{
+    std::string results;
+    append_file(results, SCORE);
+    if (traced)
+        append_file(results, TRACE);
+    if (logged)
+        append_file(results, LOG);
+    return results;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static const bool prepared = prepare();
+    static_cast<void>(prepared);
+
+    const std::string_view input{reinterpret_cast<const char *>(data), size};
+    const std::string_view flags = input.substr(0, input.find('\n'));
+    const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
+    write_file(PIECE, piece);
+    reset();
+    const CommandLine line = read_command_line(flags);
+    allocations            = read_allocations(flags);
+    traced                 = line.trace;
+    logged                 = line.log;
+    check(run_once(line));
+    return 0;
+}
