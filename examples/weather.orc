@@ -37,7 +37,7 @@ instr 3
   outs asum * sqrt(1 - p6), asum * sqrt(p6)
 endin
 
-; bird: p5 octave.pitch-class, p7 index (p6 is a helper that never leaves the score generator), p8 place
+; bird: p5 octave.pitch-class, p6 brightness, p7 place (p7 and p8 of the piece, whose p6 is not written to the score)
 instr 4
   kenv linseg 0, 0.02, 1, p3 - 0.05, 0.6, 0.03, 0
   kslide linseg 0.97, 0.04, 1, p3, 1

@@ -1,4 +1,4 @@
-// A line is put together in a buffer that holds the longest line there can be, and written in one piece.
+// Lines are gathered in a buffer that always has room for the longest line there can be, and written many at a time.
 
 #include "output/score_writer.h"
 
@@ -7,70 +7,89 @@
 #include "lang/iblock.h"
 #include "lang/keywords.h"
 #include "output/conversions.h"
+#include "output/number_text.h"
 #include "output/numerics.h"
 
 namespace orlo {
 namespace {
 
-constexpr std::size_t LONGEST_COLUMN = 64; // a 32-bit float has at most 39 digits before its point and 7 behind it
+constexpr std::size_t LONGEST_COLUMN = LONGEST_NUMBER + 2;
 constexpr std::size_t LONGEST_LINE   = (MOST_PFIELDS + 1) * LONGEST_COLUMN;
+constexpr std::size_t BUFFER_SIZE    = 65536;
 
-struct Line {
-    char  text[LONGEST_LINE];
-    char *end;
+static_assert(LONGEST_LINE < BUFFER_SIZE);
+
+// Lines on their way to the score.
+struct Lines {
+    std::FILE *out;
+    char      *end;
+    char       text[BUFFER_SIZE];
 };
 
-template <typename... Args> void put(Line &line, const char *format, Args... args)
+void flush(Lines &lines)
 {
-    line.end += std::snprintf(line.end, LONGEST_COLUMN, format, args...);
+    std::fwrite(lines.text, 1, static_cast<std::size_t>(lines.end - lines.text), lines.out);
+    lines.end = lines.text;
 }
 
-// a real number right-aligned in a width, and a blank
-void put_real(Line &line, float value, std::int32_t width, std::int32_t decimals)
+// a number right-aligned in a width, and a blank
+void put_column(char *&end, float value, int width, int decimals)
 {
-    put(line, "%*.*f ", width, decimals, static_cast<double>(value));
+    end    = put_real(end, value, width, decimals);
+    *end++ = ' ';
 }
 
-void put_pfield(Line &line, float value, std::size_t slot)
+void put_column(char *&end, std::int32_t value, int width)
+{
+    end    = put_whole(end, value, width);
+    *end++ = ' ';
+}
+
+void put_pfield(char *&end, float value, std::size_t slot)
 {
     switch (OUTS[slot]) {
     case TYPE_RE:
-        put_real(line, value, RE_FW[slot] + 6, RE_FW[slot]);
+        put_column(end, value, RE_FW[slot] + 6, RE_FW[slot]);
         break;
     case TYPE_IN:
-        put(line, "%5d ", Round(value));
+        put_column(end, Round(value), 5);
         break;
     case TYPE_DB:
-        put(line, "%4.1f ", static_cast<double>(amp_to_db(Round(value))));
+        put_column(end, amp_to_db(Round(value)), 4, 1);
         break;
     case TYPE_HZ:
-        put(line, "%11.5f ", static_cast<double>(cpc_to_hz(value)));
+        put_column(end, cpc_to_hz(value), 11, 5);
         break;
     case TYPE_OP:
-        put(line, "%6.3f ", static_cast<double>(cpc_to_pch(value)));
+        put_column(end, cpc_to_pch(value), 6, 3);
         break;
     case TYPE_OD:
-        put(line, "%4.2f ", static_cast<double>(cpc_to_oct(value)));
+        put_column(end, cpc_to_oct(value), 4, 2);
         break;
     case TYPE_TR:
-        put(line, "%8.6f ", static_cast<double>(st_to_tr(value)));
+        put_column(end, st_to_tr(value), 8, 6);
         break;
     case TYPE_BN:
-        put(line, "%5d ", cpc_to_bin(FFT_SZ[slot], value));
+        put_column(end, cpc_to_bin(FFT_SZ[slot], value), 5);
         break;
     default: // "xx" leaves its column out
         break;
     }
 }
 
-void put_event(Line &line, const Event *event, std::int32_t n)
+void put_event(Lines &lines, const Event *event, std::int32_t n)
 {
-    line.end = line.text;
-    put(line, "\ni%d ", I_NO);
-    put_real(line, event->start, RE_FW[0] + 5, RE_FW[0]);
-    put_real(line, event->dur, RE_FW[1] + 3, RE_FW[1]);
+    char *end = lines.end;
+    *end++    = '\n';
+    *end++    = 'i';
+    put_column(end, I_NO, 0);
+    put_column(end, event->start, RE_FW[0] + 5, RE_FW[0]);
+    put_column(end, event->dur, RE_FW[1] + 3, RE_FW[1]);
     for (std::int32_t p = 4; p <= n; ++p)
-        put_pfield(line, event->pf[p - 4], static_cast<std::size_t>(p - 2));
+        put_pfield(end, event->pf[p - 4], static_cast<std::size_t>(p - 2));
+    lines.end = end;
+    if (static_cast<std::size_t>(end - lines.text) > BUFFER_SIZE - LONGEST_LINE)
+        flush(lines);
 }
 
 } // namespace
@@ -83,13 +102,16 @@ int print_csound(Event *&list, std::FILE *out, std::int32_t n)
         Mprintf("\n\nOops i-block %d is all rests (check p2=0 and p3 != 400+n OR 1000+n?)! ", I_NO);
         return 0;
     }
-    Line         line;
+    Lines lines;
+    lines.out = out;
+    lines.end = lines.text;
+
     const Event *event = list;
     do {
         event = event->next;
-        put_event(line, event, n);
-        std::fwrite(line.text, 1, static_cast<std::size_t>(line.end - line.text), out);
+        put_event(lines, event, n);
     } while (event != list);
+    flush(lines);
     std::fputc('\n', out);
     return 1;
 }

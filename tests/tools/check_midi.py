@@ -176,7 +176,8 @@ def expected_notes(score, octave_up):
 
 def run_orlo(orlo, folder, arguments, out):
     """Runs the program in the piece's own folder, where its include files are."""
-    run = subprocess.run([orlo, *arguments, out], cwd=folder, stderr=subprocess.PIPE, check=False, timeout=60)
+    run = subprocess.run([orlo, *arguments, out], cwd=folder, check=False, timeout=60,
+                         stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
     if run.returncode != 0:
         sys.exit(f"orlo ended with {run.returncode}:\n{run.stderr.decode(errors='replace')}")
     with open(out, "rb") as file:

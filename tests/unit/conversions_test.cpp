@@ -106,9 +106,9 @@ TEST_F(Conversions, SemitonesToTranspositionRatio)
 TEST_F(Conversions, DecibelsToAmplitudeAreTruncated)
 {
     EXPECT_EQ(1, db_to_amp(0));
-    EXPECT_EQ(1, db_to_amp(1));     // 1.122
-    EXPECT_EQ(1, db_to_amp(6));     // 1.995
-    EXPECT_EQ(2, db_to_amp(7));     // 2.239
+    EXPECT_EQ(1, db_to_amp(1));    // 1.122
+    EXPECT_EQ(1, db_to_amp(6));    // 1.995
+    EXPECT_EQ(2, db_to_amp(7));    // 2.239
     EXPECT_EQ(999, db_to_amp(60)); // 999.9997: the constant is a little below ln(10) / 20
     EXPECT_EQ(31622, db_to_amp(90));
     EXPECT_EQ(63095, db_to_amp(96));

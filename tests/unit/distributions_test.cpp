@@ -63,23 +63,18 @@ struct Expected {
 };
 
 constexpr Expected expected[] = {
-    {Range::uniform, 0.5, 0.1, 0.1},
-    {Range::uniform, 0.5, 0.75, 0.75},
-    {Range::low, 0.144621, 0.1, 0.498819},     // 1 - exp(-0.69078)
-    {Range::low, 0.144621, 0.5, 0.968378},     // 1 - exp(-3.4539)
-    {Range::high, 0.855379, 0.5, 0.031622},    // exp(-3.4539)
-    {Range::high, 0.855379, 0.9, 0.501181},    // exp(-0.69078)
-    {Range::triangular, 0.5, 0.25, 0.125},     // 2 * 0.25^2
-    {Range::triangular, 0.5, 0.75, 0.875},
-    {Range::gaussian, 0.5, 0.2, 0.026078},     // twelve uniform variables
-    {Range::gaussian, 0.5, 0.4, 0.261696},
-    {Range::gaussian, 0.5, 0.6, 0.738304},
-    {Range::bilateral, 0.5, 0.45, 0.248293},   // exp(-0.7) / 2
-    {Range::bilateral, 0.5, 0.5, 0.5},
-    {Range::bilateral, 0.5, 0.6, 0.876702},    // 1 - exp(-1.4) / 2
-    {Range::beta, 0.5, 0.01, 0.209778},        // incomplete beta function, both parameters 0.2
-    {Range::beta, 0.5, 0.3, 0.433204},
-    {Range::beta, 0.5, 0.5, 0.5},
+    {Range::uniform, 0.5, 0.1, 0.1},         {Range::uniform, 0.5, 0.75, 0.75},
+    {Range::low, 0.144621, 0.1, 0.498819},                                          // 1 - exp(-0.69078)
+    {Range::low, 0.144621, 0.5, 0.968378},                                          // 1 - exp(-3.4539)
+    {Range::high, 0.855379, 0.5, 0.031622},                                         // exp(-3.4539)
+    {Range::high, 0.855379, 0.9, 0.501181},                                         // exp(-0.69078)
+    {Range::triangular, 0.5, 0.25, 0.125},                                          // 2 * 0.25^2
+    {Range::triangular, 0.5, 0.75, 0.875},   {Range::gaussian, 0.5, 0.2, 0.026078}, // twelve uniform variables
+    {Range::gaussian, 0.5, 0.4, 0.261696},   {Range::gaussian, 0.5, 0.6, 0.738304},
+    {Range::bilateral, 0.5, 0.45, 0.248293},                                         // exp(-0.7) / 2
+    {Range::bilateral, 0.5, 0.5, 0.5},       {Range::bilateral, 0.5, 0.6, 0.876702}, // 1 - exp(-1.4) / 2
+    {Range::beta, 0.5, 0.01, 0.209778}, // incomplete beta function, both parameters 0.2
+    {Range::beta, 0.5, 0.3, 0.433204},       {Range::beta, 0.5, 0.5, 0.5},
 };
 
 TEST(Distributions, HaveTheirMeansAndQuantiles)
@@ -419,9 +414,9 @@ TEST(Window, TakesADrawForEachAttempt)
     int most = 0;
     for (std::uint32_t seed = 1; seed <= 50; ++seed) {
         const std::vector<float> draws = draws_ahead({seed}, 500);
-        const auto hit = std::find_if(draws.begin(), draws.end(), [](float u) { return 0.25F <= u && u <= 0.75F; });
-        const int  attempts = static_cast<int>(hit - draws.begin()) + 1;
-        float      position = 0.5F;
+        const auto               hit   = std::find_if(draws.begin(), draws.end(), [](float u) { return 0.25F <= u && u <= 0.75F; });
+        const int                attempts = static_cast<int>(hit - draws.begin()) + 1;
+        float                    position = 0.5F;
         EXPECT_EQ(attempts, draws_of({seed}, [&] {
                       position = 0.5F;
                       static_cast<void>(rwindow(position, 0.5F));
@@ -467,8 +462,9 @@ TEST(Window, ScalesThePositionBeforeTheMove)
     seed_draws(1);
     float position = 0.25F;
     EXPECT_EQ(12.5F, rand_window(position, 10.0F, 20.0F, 1.0F));
-    EXPECT_EQ(1804289383.0F * 4.656613e-10F, position);
-    EXPECT_EQ(position * 10.0F + 10.0F, rand_window(position, 10.0F, 20.0F, 1.0F));
+    const float moved = position;
+    EXPECT_EQ(1804289383.0F * 4.656613e-10F, moved);
+    EXPECT_EQ(moved * 10.0F + 10.0F, rand_window(position, 10.0F, 20.0F, 1.0F));
 }
 
 TEST(WeightedChoice, TakesOneDrawWhateverTheWeights)
@@ -487,9 +483,9 @@ TEST(WeightedChoice, OfOneIsTheFirst)
 
 TEST(WeightedChoice, ADrawOnARunningSumChoosesIt)
 {
-    const float u       = draws_ahead({1}, 1)[0];
-    const float below   = std::nextafter(u, 0.0F);
-    const float exact[] = {u, 1.0F - u};
+    const float u             = draws_ahead({1}, 1)[0];
+    const float below         = std::nextafter(u, 0.0F);
+    const float exact[]       = {u, 1.0F - u};
     const float short_of_it[] = {below, 1.0F - below};
     seed_draws(1);
     EXPECT_EQ(0, prob_result(exact, 2));

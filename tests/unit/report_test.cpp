@@ -65,9 +65,7 @@ TEST_F(Report, TheLongestRealIsPrintedWhole)
 
 TEST_F(Report, WholeNumbersOfAnySizePrintPlainly)
 {
-    EXPECT_EQ("0 -12 9223372036854775807", screen_of([] {
-                  Mprintf("%d %d %d", 0, -12, std::numeric_limits<long>::max());
-              }));
+    EXPECT_EQ("0 -12 9223372036854775807", screen_of([] { Mprintf("%d %d %d", 0, -12, std::numeric_limits<long>::max()); }));
     EXPECT_EQ("4294967295", screen_of([] { Mprintf("%d", 4294967295U); }));
 }
 
@@ -76,7 +74,10 @@ TEST_F(Report, CharactersAndStringsAreCopied)
     EXPECT_EQ("<x> <two words> <>", screen_of([] { Mprintf("<%c> <%s> <%s>", 'x', "two words", ""); }));
 }
 
-TEST_F(Report, AStringIsNoFormat) { EXPECT_EQ("%d%%", screen_of([] { Mprintf("%s", "%d%%"); })); }
+TEST_F(Report, AStringIsNoFormat)
+{
+    EXPECT_EQ("%d%%", screen_of([] { Mprintf("%s", "%d%%"); }));
+}
 
 TEST_F(Report, AWidthIsPlainText)
 {
@@ -90,7 +91,10 @@ TEST_F(Report, AnUnknownConversionStandsForItselfAndTakesNoArgument)
     EXPECT_EQ("u x ld 7", screen_of([] { Mprintf("%u %x %ld %d", 7); }));
 }
 
-TEST_F(Report, APercentSignAtTheEndPrintsNothing) { EXPECT_EQ("end", screen_of([] { Mprintf("end%"); })); }
+TEST_F(Report, APercentSignAtTheEndPrintsNothing)
+{
+    EXPECT_EQ("end", screen_of([] { Mprintf("end%"); }));
+}
 
 TEST_F(Report, TextOfAnyLengthArrivesWhole)
 {
@@ -167,8 +171,7 @@ TEST_F(Report, ALongLineArrivesWhole)
 
 TEST_F(Report, AnErrorShowsItsLineAndTheCaret)
 {
-    EXPECT_EQ("\n\nERROR: Line 12: Yikes, out of memory!\np4 xy\n    ^\n",
-              screen_of([] { error_no(32, 12, "p4 xy", 4); }));
+    EXPECT_EQ("\n\nERROR: Line 12: Yikes, out of memory!\np4 xy\n    ^\n", screen_of([] { error_no(32, 12, "p4 xy", 4); }));
 }
 
 TEST_F(Report, TheErrorOfAConstantWithoutMemoryShowsItsLine)
@@ -199,8 +202,7 @@ TEST_F(Report, ErrorsUpToNineWithoutATextAreShort)
 TEST_F(Report, ErrorsAboveNineWithoutATextShowTheirLine)
 {
     for (const int number : {66, 104, 998, 1001, 2000, 2147483647})
-        EXPECT_EQ("\n\nERROR: Line 7: Unspecified error...\np4\n ^\n", screen_of([&] { error_no(number, 7, "p4", 1); }))
-            << number;
+        EXPECT_EQ("\n\nERROR: Line 7: Unspecified error...\np4\n ^\n", screen_of([&] { error_no(number, 7, "p4", 1); })) << number;
 }
 
 TEST_F(Report, AFullyReportedErrorPrintsNothing)

@@ -131,9 +131,9 @@ TEST(GetDf, NineFractionDigitsAreRight) { reads(get_df, "1.000000001", 1.0000000
 
 TEST(GetDf, TheDivisorWrapsAroundIn32Bits)
 {
-    reads(get_df, "0.1234567890", 1234567890.0 / 1410065408.0, 12);      // 10^10
-    reads(get_df, "0.12345678901", 12345678901.0 / 1215752192.0, 13);    // 10^11
-    reads(get_df, "0.123456789012", 123456789012.0 / -727379968.0, 14);  // 10^12
+    reads(get_df, "0.1234567890", 1234567890.0 / 1410065408.0, 12);     // 10^10
+    reads(get_df, "0.12345678901", 12345678901.0 / 1215752192.0, 13);   // 10^11
+    reads(get_df, "0.123456789012", 123456789012.0 / -727379968.0, 14); // 10^12
     reads(get_df, "-0.123456789012", 123456789012.0 / 727379968.0, 15);
 }
 
@@ -150,7 +150,7 @@ TEST(GetF, ADivisorOfZeroGivesZeroOrTheQuotient)
     reads(get_df, "0." + zeros, 0.0, 34);
     reads(get_df, "1." + zeros, std::numeric_limits<double>::infinity(), 34);
     reads(get_df, "-1." + zeros, -std::numeric_limits<double>::infinity(), 35);
-    reads(get_df, "1." + std::string(31, '0'), 1e31 / -2147483648.0, 33); // 10^31 leaves the top bit
+    reads(get_df, "0." + std::string(30, '0') + "1", 1.0 / -2147483648.0, 33); // 10^31 leaves the top bit
 }
 
 TEST(GetF, ThousandsOfDigitsGiveInfinity)

@@ -2,7 +2,6 @@
 
 #include "support.h"
 
-
 namespace orlo {
 namespace {
 
@@ -17,7 +16,7 @@ class ValueQueue : public testing::Test {
     // "value/code" of each node, forward; the links backward must agree
     std::string text() const
     {
-        std::string            forward;
+        std::string forward;
         if (queue == nullptr)
             return forward;
         const QueueNode *node = queue->next;
