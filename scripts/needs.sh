@@ -18,6 +18,8 @@ needs_for_more=(
     "csound=csound"
     "sox=sox"
     "midicsv=midicsv"
+    "timidity=timidity"
+    "timgm6mb-soundfont=/usr/share/sounds/sf2/TimGM6mb.sf2"
     "python3-mido=/usr/lib/python3/dist-packages/mido/__init__.py"
 )
 

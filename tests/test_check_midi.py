@@ -114,8 +114,9 @@ class Score(unittest.TestCase):
     def test_differences(self):
         good = check_midi.read_midi(file())
         self.assertEqual(check_midi.compare("x", good, good), [])
-        for wrong in (file("00903C7E 8360803C40" + END), file("00903C7F 8361803C40" + END), file("00903D7F 8360803D40" + END),
-                      file("00903C7F 8360803C40 00903C7F 00803C40" + END), file(tempo=TEMPO + "8B21FF2F00")):
+        for wrong in (file("00903C7E 8360803C40" + END), file("00903C7F 8361803C40" + END),
+                      file("00903D7F 8360803D40" + END), file("00903C7F 8360803C40 00903C7F 00803C40" + END),
+                      file(tempo=TEMPO + "8B21FF2F00")):
             self.assertNotEqual(check_midi.compare("x", check_midi.read_midi(wrong), good), [])
 
 

@@ -25,7 +25,7 @@ std::string text_of(double value)
     return text;
 }
 
-TEST(NumberText, HasThreeDecimals)
+TEST(FtoA, HasThreeDecimals)
 {
     EXPECT_EQ("0.000", text_of(0.0));
     EXPECT_EQ("5.000", text_of(5.0));
@@ -34,7 +34,7 @@ TEST(NumberText, HasThreeDecimals)
     EXPECT_EQ("1234567.125", text_of(1234567.125));
 }
 
-TEST(NumberText, NegativeNumbersHaveASign)
+TEST(FtoA, NegativeNumbersHaveASign)
 {
     EXPECT_EQ("-1.250", text_of(-1.25));
     EXPECT_EQ("-0.500", text_of(-0.5));
@@ -42,7 +42,7 @@ TEST(NumberText, NegativeNumbersHaveASign)
     EXPECT_EQ("0.000", text_of(-0.0)); // not below 0
 }
 
-TEST(NumberText, TheFractionIsRoundedWithTiesUp)
+TEST(FtoA, TheFractionIsRoundedWithTiesUp)
 {
     EXPECT_EQ("0.000", text_of(0.0004));
     EXPECT_EQ("0.001", text_of(0.0005));
@@ -52,30 +52,30 @@ TEST(NumberText, TheFractionIsRoundedWithTiesUp)
     EXPECT_EQ("-1.063", text_of(-1.0625));
 }
 
-TEST(NumberText, TheFractionHasLeadingZeros)
+TEST(FtoA, TheFractionHasLeadingZeros)
 {
     EXPECT_EQ("7.001", text_of(7.001));
     EXPECT_EQ("7.010", text_of(7.01));
     EXPECT_EQ("7.100", text_of(7.1));
 }
 
-TEST(NumberText, AFractionRoundedToOneIsNotCarried)
+TEST(FtoA, AFractionRoundedToOneIsNotCarried)
 {
     EXPECT_EQ("2.1000", text_of(2.9996));
     EXPECT_EQ("-0.1000", text_of(-0.9999));
     EXPECT_EQ("2.999", text_of(2.9994));
 }
 
-TEST(NumberText, TheWholePartIsTakenOffIn32Bits)
+TEST(FtoA, TheWholePartIsTakenOffIn32Bits)
 {
     EXPECT_EQ("16777216.000", text_of(16777216.0));
     EXPECT_EQ("16777217.1000", text_of(16777217.0)); // 16777216 in 32 bits
     EXPECT_EQ("1000000000000000.13008896000", text_of(1e15));
 }
 
-TEST(NumberText, ANegativeFractionHasNoDigits) { EXPECT_EQ("33554431.000", text_of(33554431.0)); }
+TEST(FtoA, ANegativeFractionHasNoDigits) { EXPECT_EQ("33554431.000", text_of(33554431.0)); }
 
-TEST(NumberText, WhatHasNoIntegerHasNoDigits)
+TEST(FtoA, WhatHasNoIntegerHasNoDigits)
 {
     EXPECT_EQ(".000", text_of(INFINITE));
     EXPECT_EQ("-.000", text_of(-INFINITE));
@@ -84,7 +84,7 @@ TEST(NumberText, WhatHasNoIntegerHasNoDigits)
     EXPECT_EQ("-.000", text_of(-9223372036854775808.0));
 }
 
-TEST(NumberText, StaysShortForEveryMagnitude)
+TEST(FtoA, StaysShortForEveryMagnitude)
 {
     for (double value = 1e-320; value < INFINITE; value *= 7.0) {
         EXPECT_GE(text_of(value).size(), 4U) << value;

@@ -22,10 +22,9 @@ constexpr int MANY        = 100000;
 // the draws that lie ahead in a sequence
 std::vector<float> draws_ahead(Start start, int count)
 {
+    std::vector<float> draws(static_cast<std::size_t>(count));
     go_to(start);
-    std::vector<float> draws;
-    for (int i = 0; i < count; ++i)
-        draws.push_back(draw_uniform());
+    std::generate(draws.begin(), draws.end(), draw_uniform);
     go_to(start);
     return draws;
 }

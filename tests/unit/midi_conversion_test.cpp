@@ -237,6 +237,7 @@ TEST_F(MidiConversion, InOrderWithEqualTimes)
         std::vector<Item> events;
         float             start = 0;
         const int         count = below(60);
+        events.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; i++) {
             events.push_back(event(start, quarters(12) + 0.25F));
             start += quarters(3);
@@ -253,6 +254,7 @@ TEST_F(MidiConversion, RestsAmongNotes)
     for (int round = 0; round < 300; round++) {
         std::vector<Item> events;
         const int         count = below(40);
+        events.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; i++) {
             events.push_back(event(static_cast<float>(i) * 0.25F, quarters(8) - 1));
         }
@@ -268,7 +270,8 @@ TEST_F(MidiConversion, OutOfOrder)
     for (int round = 0; round < 400; round++) {
         std::vector<Item> events;
         const int         count = below(60);
-        const int         range = 1 + below(40);
+        events.reserve(static_cast<std::size_t>(count));
+        const int range = 1 + below(40);
         for (int i = 0; i < count; i++) {
             events.push_back(event(quarters(range), quarters(12) + 0.25F));
         }
@@ -285,6 +288,7 @@ TEST_F(MidiConversion, HereAndThereOutOfOrder)
         std::vector<Item> events;
         float             start = 0;
         const int         count = below(80);
+        events.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; i++) {
             start = below(10) == 0 ? std::fmax(0.0F, start - quarters(20)) : start + quarters(3);
             events.push_back(event(start, below(8) == 0 ? 50.0F : quarters(6) + 0.25F));
@@ -299,6 +303,7 @@ TEST_F(MidiConversion, HereAndThereOutOfOrder)
 TEST_F(MidiConversion, Backwards)
 {
     std::vector<Item> events;
+    events.reserve(500);
     for (int i = 100; i > 0; i--) {
         events.push_back(event(static_cast<float>(i) * 0.25F, quarters(20) + 0.25F));
     }
@@ -308,6 +313,7 @@ TEST_F(MidiConversion, Backwards)
 TEST_F(MidiConversion, AllLastToTheEnd)
 {
     std::vector<Item> events;
+    events.reserve(500);
     for (int i = 0; i < 500; i++) {
         events.push_back(event(static_cast<float>(i) * 0.25F, 125.0F - static_cast<float>(i) * 0.25F));
     }
@@ -317,6 +323,7 @@ TEST_F(MidiConversion, AllLastToTheEnd)
 TEST_F(MidiConversion, AllAtOnce)
 {
     std::vector<Item> events;
+    events.reserve(500);
     for (int i = 0; i < 500; i++) {
         events.push_back(event(1, quarters(4) + 0.25F));
     }
@@ -329,6 +336,7 @@ TEST_F(MidiConversion, OddTimesAndLateOnes)
         std::vector<Item> events;
         float             start = between(0, 100000); // so late that short notes end where they start
         const int         count = below(60);
+        events.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; i++) {
             events.push_back(event(start, below(3) == 0 ? between(0, 0.001F) : between(0, 3)));
             start += between(0, 0.5F);

@@ -112,7 +112,7 @@ TEST_F(ValueQueue, AnEmptyOneIsListedAsEmpty)
     EXPECT_EQ("empty", output_of([&] { TraverseQ(queue, 1); }));
 }
 
-TEST(VariableLength, HasSevenBitsAByte)
+TEST(VLSize, HasSevenBitsAByte)
 {
     EXPECT_EQ(1U, VLSize(0));
     EXPECT_EQ(1U, VLSize(127));
