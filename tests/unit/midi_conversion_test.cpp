@@ -150,7 +150,7 @@ std::vector<std::uint8_t> expected_track(const std::vector<Item> &list, std::uin
         append_number(bytes, delta_ticks(previous, item.start));
         bytes.push_back(item.code == 1 ? 0x90 : 0x80);
         bytes.push_back(static_cast<std::uint8_t>(static_cast<int>(item.p5)));
-        bytes.push_back(item.code == 1 ? static_cast<std::uint8_t>(static_cast<int>(item.p4)) : 64);
+        bytes.push_back(item.code == 1 ? static_cast<std::uint8_t>(static_cast<int>(item.p4)) : std::uint8_t{64});
         previous = item.start;
     }
     for (const int byte : {0x00, 0xFF, 0x2F, 0x00}) {
