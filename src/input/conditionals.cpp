@@ -3,6 +3,7 @@
 #include "input/conditionals.h"
 
 #include "diag/messages.h"
+#include "input/comment_flags.h"
 #include "input/constants.h"
 #include "input/macro_expansion.h"
 #include "input/scanners.h"
@@ -20,23 +21,6 @@ float        value       = 0.0F;  // the condition that was read last
 bool stands_at(const char *line, std::uint32_t pos, const char *word)
 {
     return std::strncmp(line + pos, word, std::strlen(word)) == 0;
-}
-
-// Comments in lines that are skipped: two flags that do not look at each other. A line comment ends with its line.
-struct SkipFlags {
-    bool line;
-    bool block;
-};
-
-// follows the comments at a character that is no line end
-void follow(SkipFlags &flags, const char *c)
-{
-    if (c[0] == ';')
-        flags.line = true;
-    else if (c[0] == '/' && c[1] == '*')
-        flags.block = true;
-    else if (c[0] == '*' && c[1] == '/')
-        flags.block = false;
 }
 
 // a "#" in a line that is skipped: blocks inside are counted; closed tells whether the block that is skipped ends here
@@ -57,7 +41,7 @@ int skip_directive(Input &in, bool &closed)
 // skipped-block -> characters "#" "endif", with blocks inside it
 int skip_false_block(Input &in)
 {
-    SkipFlags flags{false, false};
+    SeparateFlags flags{false, false};
     for (bool closed = false; !closed;) {
         int result = OK;
         if (peek(in) == '\0') {
@@ -67,7 +51,7 @@ int skip_false_block(Input &in)
         } else if (peek(in) == '#' && !flags.line && !flags.block) {
             result = skip_directive(in, closed);
         } else {
-            follow(flags, in.line + in.pos);
+            follow_comment(flags, peek(in), in.line[in.pos + 1]);
             ++in.pos;
         }
         if (result != OK)

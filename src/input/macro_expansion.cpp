@@ -154,7 +154,7 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
         if (body.size() > MAX_BODY_TEXT)
             return BODY_TOO_LONG;
         pos = call.start;
-        if (pos < body.size() && body[pos] == '$') { // left for the scan of the line
+        if (call.body.starts_with('$')) { // left for the scan of the line
             ++pos;
             skip_name(body, pos);
         }

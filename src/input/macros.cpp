@@ -109,21 +109,22 @@ int get_body(std::string &body, Input &in)
     if (peek(in) != '#')
         return MACRO_BODY_NEEDS_MARK;
     ++in.pos;
-    CommentFlags flags{false, false};
+    SeparateFlags flags{false, false};
     for (;;) {
         const char c = peek(in);
-        if (c == '#' && !flags.comment) {
+        if (c == '#' && !flags.line && !flags.block) {
             ++in.pos;
             return OK;
         }
         body.push_back(c == '\0' ? '\n' : c);
-        follow_comment(flags, c, c == '\0' ? '\0' : in.line[in.pos + 1]);
-        if (c != '\0')
+        if (c != '\0') {
+            follow_comment(flags, c, in.line[in.pos + 1]);
             ++in.pos;
+        }
         if (body.size() == MAX_MACRO_BODY)
             return too_long("body", MAX_MACRO_BODY, in);
         if (c == '\0') {
-            end_line(flags);
+            flags.line = false;
             if (const int result = get_buff(in); result != OK)
                 return result > 0 ? result : EOF_IN_MACRO_BODY;
         }

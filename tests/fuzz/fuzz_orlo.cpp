@@ -44,7 +44,6 @@
 #include <iterator>
 #include <new>
 #include <string_view>
-#include <unistd.h>
 
 namespace {
 

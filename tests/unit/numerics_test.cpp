@@ -1,5 +1,7 @@
 #include "output/numerics.h"
 
+#include "ddf/random.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -134,6 +136,35 @@ TEST(Mod, HugeDividendsEndWithTheExactRemainder)
     EXPECT_EQ(std::fmod(-1e30F, 12.0F), mod(-1e30F, 12.0F));
     EXPECT_EQ(std::fmod(1e38F, 7.0F), mod(1e38F, 7.0F));
     EXPECT_EQ(std::fmod(3.0F, 1e-30F), mod(3.0F, 1e-30F));
+}
+
+// what the rounded product leaves over, taken off step by step
+float mod_by_steps(float x, float m)
+{
+    float r = x - m * static_cast<float>(static_cast<std::int64_t>(x / m));
+    while (r > m && r - m != r)
+        r -= m;
+    while (-r > m && r + m != r)
+        r += m;
+    return std::fabs(r) > m ? std::fmod(x, m) : r;
+}
+
+TEST(Mod, TakesOffWhatTheRoundedProductLeavesOver)
+{
+    int above = 0;
+    int below = 0;
+    seed_draws(3);
+    for (int i = 0; i < 300; ++i) {
+        const float m    = draw_uniform() * 20.0F + 0.1F;
+        const float x    = (draw_uniform() - 0.5F) * std::ldexp(1.0F, 24 + i % 22);
+        const float left = x - m * static_cast<float>(static_cast<std::int64_t>(x / m));
+        above += left > m ? 1 : 0;
+        below += left < -m ? 1 : 0;
+        EXPECT_EQ(mod_by_steps(x, m), mod(x, m)) << x << " " << m;
+        EXPECT_EQ(mod_by_steps(x, m), mod(x, -m)) << x << " " << -m;
+    }
+    EXPECT_GT(above, 20);
+    EXPECT_GT(below, 20);
 }
 
 TEST(Mod, LargeDividendsStayBelowTheDivisor)

@@ -92,6 +92,13 @@ TEST_F(TempoMap, ALookupDoesNotSort)
     EXPECT_EQ(40.0, find_tempo(9.0F));
 }
 
+TEST_F(TempoMap, BeforeTheFirstSegmentNoOtherCounts)
+{
+    add(-2.0F, -2.0F, 90.0F, 90.0F);
+    EXPECT_EQ(0, curtempo(-1.0F));
+    EXPECT_EQ(1, curtempo(0.0F));
+}
+
 TEST_F(TempoMap, ALookupLeavesTheTempoAlone)
 {
     add(0.0F, 8.0F, 90.0F, 90.0F);

@@ -416,7 +416,7 @@ TEST_F(Timing, TheRestOfABlockRepeatsTheLastChord)
     EXPECT_EQ(4U, EVENT_NO);
 }
 
-TEST_F(Timing, ALoopFillsTheRestOfABlockAndEndsItsChord)
+TEST_F(Timing, ALoopFillsTheRestOfABlock)
 {
     P_NO   = 4;
     EVENTS = 3;
@@ -426,6 +426,21 @@ TEST_F(Timing, ALoopFillsTheRestOfABlockAndEndsItsChord)
     ASSERT_EQ(1, StoreInQ(queue, 1, 9.0F));
     EXPECT_EQ(OK, fill_to_end(list, cursor, queue, in));
     EXPECT_EQ((Floats{7.0F, 8.0F, 9.0F, 7.0F}), values());
+    EXPECT_EQ(4U, EVENTS);
+    EXPECT_EQ(4U, EVENT_NO);
+}
+
+TEST_F(Timing, AChordOfALoopIsCompletedPastTheEnd)
+{
+    P_NO   = 4;
+    EVENTS = 2;
+    fill(2, 1.0F);
+    ASSERT_EQ(1, StoreInQ(queue, 0, 7.0F));
+    ASSERT_EQ(1, StoreInQ(queue, 0, 8.0F));
+    ASSERT_EQ(1, StoreInQ(queue, 1, 9.0F));
+    ASSERT_EQ(1, StoreInQ(queue, 1, 10.0F));
+    EXPECT_EQ(OK, fill_to_end(list, cursor, queue, in));
+    EXPECT_EQ((Floats{7.0F, 8.0F, 9.0F, 10.0F}), values());
     EXPECT_EQ(4U, EVENTS);
     EXPECT_EQ(4U, EVENT_NO);
 }
