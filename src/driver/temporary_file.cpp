@@ -13,7 +13,7 @@ namespace {
 constexpr int ATTEMPTS         = 100; // names tried before giving up
 constexpr int ending_signals[] = {SIGINT, SIGTERM, SIGHUP};
 
-char                       tmp_fname[L_tmpnam]; // written once, before file_exists is set
+char                       tmp_fname[L_tmpnam]; // settled before file_exists is set
 volatile std::sig_atomic_t file_exists = 0;     // 1 from the file's creation to its removal
 
 extern "C" void remove_and_end(int signal_number)
@@ -60,8 +60,8 @@ void remove_temporary_file()
 {
     if (file_exists == 0)
         return;
-    file_exists = 0;
     std::remove(tmp_fname);
+    file_exists = 0;
 }
 
 } // namespace orlo

@@ -1,4 +1,4 @@
-// The temporary file that holds the combined input: its name, its exclusive creation, and its removal however the run ends.
+// The temporary file that holds the combined input: its name, its exclusive creation, its removal, also by the ending signals.
 #pragma once
 
 #include <cstdio>

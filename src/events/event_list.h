@@ -18,7 +18,7 @@ struct Event {
 extern Event       *note_list;   // last event of the block, null when there are none; written by every section, freed by the driver
 extern std::int32_t MAX_PFIELDS; // p-fields of every event, 3 to 128, 0 at start; written by the i-block header
 extern std::int32_t IS_FUSED;    // fuse marks since the last value, 0 at start; reset by the event that uses it
-extern Event       *LUT;         // last event of this section that got a value with code 0; set to the tail when a section starts
+extern Event       *LUT;         // last event that StorePfield gave a value with code 0; the tail when a section starts
 extern std::int32_t WROTE_DATA;  // 1 when the section has stored a value, 0 at start
 extern float        PFACTOR;     // factor of every stored value from p3 up, 1 at start; set by "pf"
 
@@ -69,7 +69,7 @@ void GetListStats(const Event *list, ListStats &stats);
 /// Sets the code of every event to 0.
 void ClearLFusedCode(Event *list);
 
-/// Takes the rests (dur of 0 or less) out of a list, counting EVENTS and EVENT_NO down by one for each.
+/// Takes the rests (dur of 0 or less) out of a list that is not empty, counting EVENTS and EVENT_NO down by one for each.
 /// @return 1 with at least one event left, or 0 with an empty list, both counters 0
 [[nodiscard]] int RemoveRests(Event *&list);
 

@@ -1,6 +1,7 @@
 // A block that is given in beats knows no number of events while p2 is read (EVENTS is 0) and is full when the running sum of p2
-// reaches its end; from then on, and in a block given in events, it is full when the section has filled EVENTS events.
-// Filling ends because every step adds an event, or is found to have moved p2 nowhere.
+// reaches its end; from then on, and in a block given in events, it is full when the section has filled EVENTS events. A chord in a
+// loop of p2 is the exception: cycling through it counts EVENTS up from 0, and the block is full at once.
+// Filling ends because every step counts EVENT_NO up, or is found to have moved p2 nowhere.
 
 #include "events/timing.h"
 

@@ -13,7 +13,7 @@
 
 namespace orlo {
 
-extern std::int32_t  I_NO;     // instrument number of the block, 0 at start; written by the i-block header, like the next four
+extern std::int32_t  I_NO;     // instrument number of the block, 0 at start; written by the i-block header, like the next five
 extern float         STIME;    // start of the block, beats in the header, seconds from p2 on; 0 at start
 extern float         SBEAT;    // start of the block in beats, 0 at start
 extern float         BEATS;    // length in beats, 0 at start and when the length is given in events
@@ -37,7 +37,7 @@ enum class P3Code : std::int32_t { factor = 0, longer = 200, shorter = 300, beat
 float extract_p3val(P3Code &code, float value);
 
 /// Stores a p3 value as the duration of the event after the cursor, which becomes the cursor. Two draws.
-/// Warning 1 is given where the line stands. @return the code of the value
+/// Warning 1 shows no line. @return the code of the value
 P3Code store_p3(Event *&cursor, const Input &in, float value);
 
 /// Stores a value of a p-field from p4 up, deviated and rounded by adjust. One draw.

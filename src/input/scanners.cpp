@@ -1,5 +1,5 @@
-// Digits are gathered in unsigned integers, whose overflow is defined, and whole numbers with a range stop growing above it, so
-// that no length of a digit string can bring them back into the range.
+// The digits of whole numbers are gathered in unsigned integers, whose overflow is defined, and whole numbers with a range stop
+// growing above it, so that no length of a digit string can bring them back into the range.
 
 #include "input/scanners.h"
 
@@ -60,7 +60,7 @@ template <typename Real> int get_real(Real &value, Input &in)
             divisor *= 10;
         }
     }
-    if (sum != 0)
+    if (sum != 0 || divisor != 0)
         sum /= static_cast<Real>(static_cast<std::int32_t>(divisor));
     value = negative ? -sum : sum;
     return 1;

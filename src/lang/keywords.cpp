@@ -51,6 +51,11 @@ const Keyword *find_keyword(const Input &in)
     return found != std::end(keywords) && !by_letters(wanted, *found) ? found : nullptr;
 }
 
+bool begins_keyword(char c)
+{
+    return std::any_of(std::begin(keywords), std::end(keywords), [c](const Keyword &keyword) { return keyword.a == lower(c); });
+}
+
 int stands_at(const Input &in, Place place)
 {
     const Keyword *keyword = find_keyword(in);
@@ -124,7 +129,7 @@ int get_command(std::int32_t &code, Input &in)
     }
     const Keyword *keyword = find_keyword(in);
     if (keyword == nullptr)
-        return 0;
+        return begins_keyword(c) ? 1 : 0;
     code = keyword->code;
     in.pos += 2;
     switch (keyword->code) {

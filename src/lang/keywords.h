@@ -55,10 +55,12 @@ inline constexpr std::int32_t FFT_SZ_DEFAULT = 4;
 void free_pfield_record();
 
 /// Reads the keyword at the position: one character for a token, two for a word, and the suffixes of "no", "op", "re", "bn".
-/// @return 1 with the position behind it; 0 for an unknown first letter or a digit suffix above 7
+/// @return 1 with the position behind it; 0 for a letter that begins no keyword or a digit suffix above 7; 1 with nothing moved for
+/// another second letter, which the recognisers below keep away
 [[nodiscard]] int get_command(std::int32_t &code, Input &in);
 
-/// 1 when a command of a p-field or block, or an input type, stands at the position.
+/// 1 when a command of a p-field or block, or an input type, stands at the position; "#" is one that does nothing, "od" and "sr"
+/// are none.
 [[nodiscard]] int is_command(const Input &in);
 
 /// 1 when an output type stands at the position.

@@ -1,4 +1,4 @@
-// All terms are read before any is checked, so that the caret of a range error stands behind the last term.
+// All terms are read before any is checked, so that the caret of a range error stands on what follows the last term and its blanks.
 
 #include "lang/tempo_command.h"
 

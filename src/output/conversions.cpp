@@ -1,5 +1,5 @@
-// Octave and pitch class are taken apart by truncation, so a pitch below 0 keeps octave 4 and gets a negative pitch class:
-// -1 is 4.00 - 0.01 = 3.99.
+// Octave and pitch class are taken apart by truncation, so a pitch below 0 has a pitch class of 0 or less:
+// -1 is 4.00 - 0.01 = 3.99, -13 is 3.00 - 0.01 = 2.99.
 
 #include "output/conversions.h"
 

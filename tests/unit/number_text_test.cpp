@@ -64,9 +64,9 @@ TEST(NumberText, AgreesWithTheLibraryForTies)
 TEST(NumberText, AgreesWithTheLibraryAtTheEdges)
 {
     using limits = std::numeric_limits<float>;
-    for (const float value : {0.0F, -0.0F, limits::min(), limits::denorm_min(), -limits::denorm_min(), limits::max(), limits::lowest(),
-                              limits::infinity(), -limits::infinity(), limits::quiet_NaN(), -limits::quiet_NaN(), 549755813888.0F,
-                              549755781120.0F, -549755813888.0F, 0.5F, 1.5F, -0.0004F})
+    for (const float value : {0.0F, -0.0F, limits::min(), limits::denorm_min(), -limits::denorm_min(), limits::max(),
+                              limits::lowest(), limits::infinity(), -limits::infinity(), limits::quiet_NaN(), -limits::quiet_NaN(),
+                              549755813888.0F, 549755781120.0F, -549755813888.0F, 0.5F, 1.5F, -0.0004F})
         for (int decimals = 0; decimals <= 7; ++decimals)
             EXPECT_EQ(real_text(value, decimals + 6, decimals), library_text(value, decimals + 6, decimals)) << value;
 }

@@ -154,9 +154,9 @@ TEST(Mod, TakesOffWhatTheRoundedProductLeavesOver)
     int above = 0;
     int below = 0;
     seed_draws(3);
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         const float m    = draw_uniform() * 20.0F + 0.1F;
-        const float x    = (draw_uniform() - 0.5F) * std::ldexp(1.0F, 24 + i % 22);
+        const float x    = (draw_uniform() - 0.5F) * std::ldexp(1.0F, 28 + i % 18);
         const float left = x - m * static_cast<float>(static_cast<std::int64_t>(x / m));
         above += left > m ? 1 : 0;
         below += left < -m ? 1 : 0;
