@@ -1,5 +1,6 @@
-// A directive can start at any "#", so the copy decides character by character, with one character of memory for the two-character
-// comment marks. The recursion ends because the number of calls in a run is limited.
+// A directive can start at any "#", so the copy follows the comments with one character of memory for their two-character marks.
+// Stretches of characters that can neither start a directive nor mark a comment are copied as a whole. The recursion ends because
+// the number of calls in a run is limited.
 
 #include "input/include_pass.h"
 
@@ -10,6 +11,16 @@
 
 namespace orlo {
 namespace {
+
+constexpr std::size_t BLOCK_SIZE = 16384;
+
+// A file that is read by blocks; next and end are positions in the block.
+struct Reader {
+    std::FILE  *file;
+    std::size_t next;
+    std::size_t end;
+    char        block[BLOCK_SIZE];
+};
 
 struct Scanner {
     int      previous;     // the character before, a blank at the start of a file
@@ -24,6 +35,37 @@ struct FileName {
 
 constexpr int  INCLUDE_FAILED = 1;
 constexpr char keyword_rest[] = "clude"; // of "#include", behind "#in"
+
+constexpr bool matters(char c) { return c == '#' || c == ';' || c == '>' || c == '/' || c == '*' || c == '\n'; }
+
+bool fill(Reader &in)
+{
+    in.next = 0;
+    in.end  = std::fread(in.block, 1, BLOCK_SIZE, in.file);
+    return in.end > 0;
+}
+
+// the next character, EOF at the end of the file
+int get(Reader &in)
+{
+    if (in.next == in.end && !fill(in))
+        return EOF;
+    return static_cast<unsigned char>(in.block[in.next++]);
+}
+
+// copies up to the next character that matters
+void copy_plain(Reader &in, std::FILE *out, Scanner &state)
+{
+    do {
+        const std::size_t start = in.next;
+        while (in.next < in.end && !matters(in.block[in.next]))
+            ++in.next;
+        if (in.next > start) {
+            std::fwrite(in.block + start, 1, in.next - start, out);
+            state.previous = static_cast<unsigned char>(in.block[in.next - 1]);
+        }
+    } while (in.next == in.end && fill(in));
+}
 
 void follow_comments(Scanner &state, int c)
 {
@@ -40,9 +82,9 @@ void follow_comments(Scanner &state, int c)
 
 // Reads what follows a "#". Text that is no directive is copied, except that "#in" with anything but "clude" behind it is dropped
 // up to the character that differs. Text cut off by the end of the file is copied with the byte 0xFF behind it.
-bool take_keyword(std::FILE *in, std::FILE *out, Scanner &state)
+bool take_keyword(Reader &in, std::FILE *out, Scanner &state)
 {
-    const int second = std::getc(in);
+    const int second = get(in);
     if (second != 'i') {
         std::putc('#', out);
         std::putc(second, out);
@@ -50,7 +92,7 @@ bool take_keyword(std::FILE *in, std::FILE *out, Scanner &state)
         state.previous     = second;
         return false;
     }
-    const int third = std::getc(in);
+    const int third = get(in);
     if (third != 'n') {
         std::fputs("#i", out);
         std::putc(third, out);
@@ -59,7 +101,7 @@ bool take_keyword(std::FILE *in, std::FILE *out, Scanner &state)
         return false;
     }
     for (const char *expected = keyword_rest; *expected != '\0'; ++expected) {
-        if (std::getc(in) != *expected) {
+        if (get(in) != *expected) {
             state.previous = 'i';
             return false;
         }
@@ -68,18 +110,18 @@ bool take_keyword(std::FILE *in, std::FILE *out, Scanner &state)
 }
 
 // file-name -> blanks "|" characters "|"
-int take_name(std::FILE *in, FileName &name)
+int take_name(Reader &in, FileName &name)
 {
-    int c = std::getc(in);
+    int c = get(in);
     while (c != EOF && std::isspace(c) != 0)
-        c = std::getc(in);
+        c = get(in);
     if (c != '|') {
         Mprintf("\n\nInclude filename must be preceeded by a |.\n");
         return INCLUDE_FAILED;
     }
     name.length      = 0;
     std::size_t read = 0;
-    for (c = std::getc(in); c != '|' && c != EOF; c = std::getc(in)) {
+    for (c = get(in); c != '|' && c != EOF; c = get(in)) {
         if (read == MAX_INCLUDE_NAME) {
             Mprintf("\nERROR: Include filename has exceeded maximum");
             Mprintf("\nlength of %d characters.\n\n", MAX_INCLUDE_NAME);
@@ -100,7 +142,7 @@ int bad_file(const FileName &name)
 }
 
 // directive -> "#include" file-name
-int include_file(std::FILE *in, std::FILE *out, std::uint32_t &calls)
+int include_file(Reader &in, std::FILE *out, std::uint32_t &calls)
 {
     FileName name;
     if (const int result = take_name(in, name); result != OK)
@@ -124,19 +166,26 @@ int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls)
         Mprintf("\n\nToo many embedded include files! (Max = %d)\n", MAX_INCLUDE_CALLS);
         return INCLUDE_FAILED;
     }
+    Reader reader;
+    reader.file = in;
+    reader.next = 0;
+    reader.end  = 0;
     Scanner state{' ', false, 0};
-    for (int c = std::getc(in); c != EOF; c = std::getc(in)) {
+    for (;;) {
+        copy_plain(reader, out, state);
+        const int c = get(reader);
+        if (c == EOF)
+            return OK;
         if (c != '#' || state.line_comment || state.depth > 0) {
             std::putc(c, out);
             follow_comments(state, c);
-        } else if (take_keyword(in, out, state)) {
-            if (const int result = include_file(in, out, calls); result != OK)
+        } else if (take_keyword(reader, out, state)) {
+            if (const int result = include_file(reader, out, calls); result != OK)
                 return result;
             state.line_comment = false;
             state.previous     = '|';
         }
     }
-    return OK;
 }
 
 } // namespace orlo

@@ -1,5 +1,6 @@
 // The conditional directives are looked at before anything is expanded, since lines of a false block must stay as they are;
-// macros come before constants, because a macro's body may refer to constants.
+// macros come before constants, because a macro's body may refer to constants. A line without a character that the passes look for
+// leaves their state as it is, so that they are not run over it, unless it belongs to a definition.
 
 #include "input/line_reader.h"
 
@@ -8,7 +9,6 @@
 #include "input/constants.h"
 #include "input/macro_expansion.h"
 
-#include <cctype>
 #include <cstring>
 
 namespace orlo {
@@ -18,12 +18,29 @@ std::FILE *fecho = nullptr;
 
 namespace {
 
-// line ends and the byte 0xFF (a stray end-of-file mark) read as blanks
-void blank_line_ends(char *line)
+// whether a character can matter to the macro and constant passes: calls, references, definitions, comments
+constexpr bool matters_to_passes(char c) { return c == '#' || c == '$' || c == '~' || c == ';' || c == '/' || c == '*'; }
+
+// Makes blanks of line ends and of the byte 0xFF (a stray end-of-file mark).
+// True when the line holds a character that can matter to the passes.
+bool blank_line_ends(char *line)
 {
-    for (char *c = line; *c != '\0'; ++c)
+    bool matters = false;
+    for (char *c = line; *c != '\0'; ++c) {
         if (*c == '\r' || *c == '\n' || *c == '\xFF')
             *c = ' ';
+        matters = matters || matters_to_passes(*c);
+    }
+    return matters;
+}
+
+// the macro pass, then the constant pass
+int expand_line(Input &in)
+{
+    DefinitionMarks marks;
+    if (const int result = parse_macros(in, marks); result > 0)
+        return result;
+    return parse_variables(in, marks);
 }
 
 void trace_line(const char *line)
@@ -59,8 +76,8 @@ int get_buff(Input &in)
     if (std::fgets(in.line, LINE_SIZE, in.stream) == nullptr)
         return END_OF_INPUT;
     ++in.line_no;
-    blank_line_ends(in.line);
-    in.pos = 0;
+    const bool matters = blank_line_ends(in.line);
+    in.pos             = 0;
     if (in_if0() != 0)
         return OK;
 
@@ -71,25 +88,18 @@ int get_buff(Input &in)
         if (handled)
             return result;
     }
-    DefinitionMarks marks;
-    if (const int result = parse_macros(in, marks); result > 0)
-        return result;
-    if (const int result = parse_variables(in, marks); result > 0)
-        return result;
+    if (matters || IN_MACRO_DEF != 0) {
+        if (const int result = expand_line(in); result > 0)
+            return result;
+    } else {
+        in.pos = 0;
+    }
     if (MKEXP != 0)
         trace_line(in.line);
     return OK;
 }
 
 char get_c(Input &in) { return in.line[in.pos++]; }
-
-bool is_blank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-bool is_letter(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }
-
-char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
 
 int is_comment(const char *line, std::uint32_t pos, Comment &kind)
 {

@@ -33,11 +33,11 @@ enum class Comment : int { line, block };
 /// The character at the position, which moves on by one, past the NUL too.
 char get_c(Input &in);
 
-/// Character classes of the default locale, for any byte.
-[[nodiscard]] bool is_blank(char c);
-[[nodiscard]] bool is_digit(char c);
-[[nodiscard]] bool is_letter(char c);
-[[nodiscard]] char lower(char c);
+/// Character classes as they are in the default locale, for any byte.
+[[nodiscard]] constexpr bool is_blank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+[[nodiscard]] constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
+[[nodiscard]] constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+[[nodiscard]] constexpr bool is_letter(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
 
 /// 1 when a comment starts at the position of the line; kind says which.
 [[nodiscard]] int is_comment(const char *line, std::uint32_t pos, Comment &kind);
