@@ -247,7 +247,7 @@ int CountDigits(std::int64_t number)
     return digits;
 }
 
-void free_variable_list() { var_list.clear(); }
+void free_variable_list() { decltype(var_list){}.swap(var_list); } // gives the table back too
 
 void print_var(const char *name, double value)
 {

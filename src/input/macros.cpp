@@ -221,7 +221,7 @@ int no_such_macro(std::string_view name, const Input &in)
     return TEXT_REPORTED;
 }
 
-void free_macro_list() { macro_list.clear(); }
+void free_macro_list() { decltype(macro_list){}.swap(macro_list); } // gives the table back too
 
 void print_macro(const Macro &macro)
 {
