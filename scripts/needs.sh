@@ -21,6 +21,15 @@ needs_for_more=(
     "timidity=timidity"
     "timgm6mb-soundfont=/usr/share/sounds/sf2/TimGM6mb.sf2"
     "python3-mido=/usr/lib/python3/dist-packages/mido/__init__.py"
+    "mandoc=mandoc"
+    "lintian=lintian"
+    "dpkg-dev=dpkg-shlibdeps"
+    "libxml2-utils=xmllint"
+)
+# scripts/test --coverage
+needs_for_coverage=(
+    "gcovr=gcovr"
+    "g++=g++"
 )
 
 # is_here COMMAND[:COMMAND...] or FILE

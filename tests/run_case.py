@@ -295,6 +295,7 @@ def main():
     parser = argparse.ArgumentParser(description="run behaviour cases of orlo")
     parser.add_argument("--orlo", required=True, help="the program")
     parser.add_argument("--seconds", type=int, default=TIME_LIMIT, help="time that a run may take")
+    parser.add_argument("--stop-at-first", action="store_true", help="run no more cases behind one that fails")
     parser.add_argument("cases", nargs="+", metavar="CASE")
     options = parser.parse_args()
     orlo = os.path.abspath(options.orlo)
@@ -308,6 +309,8 @@ def main():
         for fault in faults:
             print(f"  {fault}")
         failed += bool(faults)
+        if failed and options.stop_at_first:
+            break
     return 1 if failed else 0
 
 

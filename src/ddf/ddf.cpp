@@ -40,7 +40,7 @@ template <typename Data> int get_sets(Data &data, Frame &frame, Input &in)
     constexpr bool single = std::is_same_v<Data, HeldValue>;
     if (const int result = get_dynfunc_dur(frame.span, in); result != OK)
         return result;
-    do {
+    do { // at most MAX_SETS sets
         if (frame.weights.size() == MAX_SETS)
             return OUT_OF_BOUNDS;
         if (const int result = get_set(data, frame, in); result != OK)
@@ -89,7 +89,7 @@ template <typename Data> int fill_p2_beats(Data &data, const Frame &frame, Secti
 {
     Place place{};
     place.span = frame.span;
-    for (int stalled = 0; place.elapsed < frame.span;) {
+    for (int stalled = 0; place.elapsed < frame.span;) { // at most MOST_STALLED_STEPS steps that do not move on
         const float elapsed = place.elapsed;
         const float beats   = CBEATS;
         const int   result  = insert_DDFp2(data, frame, place, section, in);
@@ -110,7 +110,7 @@ template <typename Data> int fill_p2_events(Data &data, const Frame &frame, Sect
     place.span   = frame.span;
     place.count  = count_of(frame.span);
     int warnings = 0;
-    for (std::uint64_t step = 0; step < place.count && warnings < MOST_FULL_WARNINGS; ++step) {
+    for (std::uint64_t step = 0; step < place.count && warnings < MOST_FULL_WARNINGS; ++step) { // goes by the count
         const int result = insert_DDFp2(data, frame, place, section, in);
         if (result > 0)
             return result;
@@ -144,7 +144,7 @@ template <typename Data> int fill_events(Data &data, const Frame &frame, Section
     Place place{};
     place.span  = frame.span;
     place.count = covered_events(frame.span, section, in, place.first, place.last);
-    while (place.index < place.count) {
+    while (place.index < place.count) { // ends with the count or the block
         if (EVENT_NO >= EVENTS) {
             truncate(section, in);
             return OK;

@@ -80,7 +80,7 @@ int get_bracketed(Equation &equation, Input &in)
     ++in.pos;
     if (const int result = get_term(equation.first, in); result != OK)
         return result;
-    do {
+    do { // at most MAX_OPERATIONS operations
         if (const int result = get_operation(equation, in); result != OK)
             return result;
     } while (peek(in) != ']');

@@ -63,7 +63,7 @@ int get_whole_block(float &span, Input &in)
 
 int skip_items(Input &in)
 {
-    for (;;) {
+    for (;;) { // ends where nothing moves, at the latest at the input's end
         const std::uint64_t line_no = in.line_no;
         const std::uint32_t pos     = in.pos;
         if (const int result = skip_stuff(in); result > 0)
@@ -177,7 +177,7 @@ int get_values(std::vector<float> &values, Input &in)
     ++in.pos;
     if (const int result = skip_items(in); result != OK)
         return result;
-    do {
+    do { // each value takes characters
         if (get_input_type(value, in) == 0)
             return VALUE_MISSING;
         values.push_back(value);
@@ -209,7 +209,7 @@ std::size_t get_set_element(ChoiceState &state, std::size_t n)
         std::fill(state.did.begin(), state.did.end(), false);
         state.drawn = 0;
     }
-    for (;;) {
+    for (;;) { // ends with an element that is not refused: one is free
         const std::size_t element = static_cast<std::size_t>(draw_int()) % n;
         switch (state.mode) {
         case Choice::any:

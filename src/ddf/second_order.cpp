@@ -33,7 +33,7 @@ bool ends_group(char c) { return is_blank(c) || c == ']' || c == ')' || c == ','
 int get_S2_element(GroupSet &set, Input &in)
 {
     const std::size_t start = set.values.size();
-    do {
+    do { // at most MAX_VALUES values
         if (set.values.size() - start == MAX_VALUES)
             return OUT_OF_BOUNDS;
         float value = 0.0F;
@@ -57,7 +57,7 @@ int get_groups(GroupSet &set, Input &in)
         return result;
     if (peek(in) == ']')
         return NOTHING_ENTERED;
-    do {
+    do { // at most MAX_GROUPS groups
         if (set.ends.size() == MAX_GROUPS)
             return OUT_OF_BOUNDS;
         const int result = get_S2_element(set, in);
@@ -89,7 +89,7 @@ int get_S2_data(std::vector<GroupSet> &sets, Frame &frame, Input &in)
 {
     if (const int result = get_dynfunc_dur(frame.span, in); result != OK)
         return result;
-    do {
+    do { // at most MAX_SETS sets
         if (sets.size() == MAX_SETS)
             return OUT_OF_BOUNDS;
         GroupSet set{};
@@ -132,7 +132,7 @@ int generate(Section &section, Input &in)
     float               first = 0.0F;
     float               last  = 0.0F;
     const std::uint64_t count = covered_events(frame.span, section, in, first, last);
-    for (std::uint64_t step = 0; step < count; ++step) {
+    for (std::uint64_t step = 0; step < count; ++step) { // ends with the count or the block
         if (EVENT_NO >= EVENTS) {
             truncate(section, in);
             break;

@@ -5,7 +5,10 @@
 #include "diag/report.h"
 
 #include "diag/messages.h"
+#include "output/number_text.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstring>
 
 namespace orlo {
@@ -20,7 +23,7 @@ struct Text {
     std::FILE  *first;
     std::FILE  *second; // may be null
     std::size_t used;
-    char        buffer[1024];
+    char        buffer[4608]; // holds a whole line of input and its caret line
 };
 
 void flush(Text &out)
@@ -38,10 +41,16 @@ void put(Text &out, char c)
     out.buffer[out.used++] = c;
 }
 
-void put_text(Text &out, const char *text)
+void put_block(Text &out, const char *text, const char *end)
 {
-    for (; *text != '\0'; ++text)
-        put(out, *text);
+    while (text != end) {
+        if (out.used == sizeof out.buffer)
+            flush(out);
+        const std::size_t piece = std::min(static_cast<std::size_t>(end - text), sizeof out.buffer - out.used);
+        std::memcpy(out.buffer + out.used, text, piece);
+        out.used += piece;
+        text += piece;
+    }
 }
 
 void put_conversion(Text &out, const MprintfArg &arg)
@@ -49,18 +58,19 @@ void put_conversion(Text &out, const MprintfArg &arg)
     char number[400]; // the longest double has 309 digits before its point
     switch (arg.kind) {
     case MprintfArg::Kind::whole:
-        std::snprintf(number, sizeof number, "%ld", arg.whole);
-        put_text(out, number);
+        put_block(out, number, std::to_chars(number, number + sizeof number, arg.whole).ptr);
+        break;
+    case MprintfArg::Kind::single:
+        put_block(out, number, put_real(number, arg.single, 7, 2));
         break;
     case MprintfArg::Kind::real:
-        std::snprintf(number, sizeof number, "%7.2f", arg.real);
-        put_text(out, number);
+        put_block(out, number, number + std::snprintf(number, sizeof number, "%7.2f", arg.real));
         break;
     case MprintfArg::Kind::character:
         put(out, arg.character);
         break;
     case MprintfArg::Kind::text:
-        put_text(out, arg.text);
+        put_block(out, arg.text, arg.text + std::strlen(arg.text));
         break;
     }
 }
@@ -85,11 +95,12 @@ void Mprintf_args(const char *format, const MprintfArg *args, int count)
     out.used   = 0;
 
     int next = 0;
-    for (const char *c = format; *c != '\0'; ++c) {
-        if (*c != '%') {
-            put(out, *c);
-            continue;
-        }
+    for (const char *c = format;; ++c) {
+        const char *plain = c;
+        c += std::strcspn(c, "%");
+        put_block(out, plain, c);
+        if (*c == '\0')
+            break;
         ++c;
         if (*c == '\0')
             break;

@@ -13,16 +13,17 @@ extern std::FILE *fllog;   // the open log, null without one; set by the driver
 
 /// One argument of Mprintf, tagged with the kind of value that it holds.
 struct MprintfArg {
-    enum class Kind { whole, real, character, text } kind;
+    enum class Kind { whole, single, real, character, text } kind;
     union {
         long        whole;
+        float       single;
         double      real;
         char        character;
         const char *text;
     };
     template <std::integral T> MprintfArg(T v) : kind{Kind::whole}, whole{static_cast<long>(v)} {}
     MprintfArg(char v) : kind{Kind::character}, character{v} {}
-    MprintfArg(float v) : kind{Kind::real}, real{static_cast<double>(v)} {}
+    MprintfArg(float v) : kind{Kind::single}, single{v} {}
     MprintfArg(double v) : kind{Kind::real}, real{v} {}
     MprintfArg(const char *v) : kind{Kind::text}, text{v} {}
 };

@@ -82,7 +82,7 @@ bool same(const char *a, const char *b) { return std::strcmp(a, b) == 0; }
 
 int get_options(int argc, const char *const *argv)
 {
-    for (int next = 1; next < argc;) {
+    for (int next = 1; next < argc;) { // each round takes an argument
         const char *argument = argv[next];
         if (argument[0] != '-') {
             if (next != argc - 2)

@@ -21,6 +21,8 @@
 #include "output/score_writer.h"
 
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace orlo {
 
@@ -38,7 +40,7 @@ struct Files {
     std::FILE *tmp; // the temporary file while it is written
 };
 
-// closes a stream; false when anything written to it was lost
+// closes a stream that was written to, if it is open; false when anything was lost
 bool close_written(std::FILE *&stream)
 {
     if (stream == nullptr)
@@ -56,28 +58,35 @@ void close_read(std::FILE *&stream)
     stream = nullptr;
 }
 
-// releases everything; false when the output could not be written in full
-bool clean_up(Files &files)
+bool report_lost(const char *name)
+{
+    Mprintf("\nERROR: Can't write \"%s\".\n\n", name);
+    return false;
+}
+
+// Releases everything; false when a file could not be written in full. What trace and log have lost is told after a complete run
+// only: no further error follows the one that ended a run.
+bool clean_up(Files &files, bool complete)
 {
     FreeListNodes(note_list);
     free_pfield_record();
     free_macro_list();
     free_variable_list();
     close_read(files.in);
-    const bool written = close_written(files.out);
     close_read(files.tmp);
-    close_written(fecho);
-    if (!written)
-        Mprintf("\nERROR: Can't write \"%s\".\n\n", out_fname);
-    MKLOG = 0;
-    close_written(fllog);
+    bool written = close_written(files.out) || report_lost(out_fname);
+    if (!close_written(fecho) && complete)
+        written = report_lost(exp_fname);
+    MKLOG = 0; // what the log has lost is told on the screen alone
+    if (!close_written(fllog) && complete)
+        written = report_lost(log_fname);
     remove_temporary_file();
     return written;
 }
 
 int fail(Files &files)
 {
-    clean_up(files);
+    clean_up(files, false);
     return FAILURE;
 }
 
@@ -89,10 +98,21 @@ int fail_with(int error, Files &files, const Input &in)
 
 int finish(Files &files)
 {
-    if (!clean_up(files))
+    if (!clean_up(files, true))
         return FAILURE;
     Mprintf("\n");
     return SUCCESS;
+}
+
+// A file must not take the number of a standard stream that is closed: it would receive what is meant for the screen.
+void open_standard_streams()
+{
+    int number = 0;
+    do // ends behind the standard streams, or when no file can be opened
+        number = open("/dev/null", O_RDWR);
+    while (number >= 0 && number <= STDERR_FILENO);
+    if (number >= 0)
+        close(number);
 }
 
 int open_file(std::FILE *&stream, const char *name, const char *mode)
@@ -187,11 +207,15 @@ bool input_used_up(const Input &in) { return std::feof(in.stream) != 0 && peek(i
 int do_blocks(Input &in, std::FILE *out, bool &ended)
 {
     std::uint32_t block = 1;
-    for (ended = false; !ended;) {
+    for (ended = false; !ended;) { // each round reads lines, up to the end of the input
         if (const int result = parse_gblock(in, out); result > 0)
             return result;
         if (const int result = do_iblock(in, out, block); result > 0)
             return result;
+        if (std::ferror(in.stream) != 0) { // what follows in the input is lost
+            Mprintf("\nERROR: Can't read temporary file\n\n");
+            return FULLY_REPORTED;
+        }
         if (input_used_up(in))
             return ifdef_match() != 0 ? OK : MISSING_ENDIF;
         ended = MKMIDI != 0;
@@ -235,7 +259,9 @@ int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as an output that can't be written
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as a file that can't be written
+    std::signal(SIGXFSZ, SIG_IGN); // and so is one that has reached its limit of size
+    open_standard_streams();
     if (get_options(argc, argv) != 0 || check_fnames() != 0)
         return FAILURE;
     Files files{};

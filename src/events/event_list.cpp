@@ -182,7 +182,7 @@ int DoListChord(Event *&list, Event *&cursor, const Event *lut, std::int32_t pfi
         link_after(event, list);
         step_onto(event, cursor, list);
     }
-    for (const Event *member = lut->next; member->code != 0; member = member->next) {
+    for (const Event *member = lut->next; member->code != 0; member = member->next) { // ends at lut itself, if not before
         Event *copy = CopyEvent(cursor, n);
         if (copy == nullptr)
             return 0;

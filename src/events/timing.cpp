@@ -68,7 +68,7 @@ int repeat_chord(Event *&list, Event *&cursor)
 
 int fill_with_last(Event *&list, Event *&cursor, const Input &in)
 {
-    do {
+    do { // ends when the block is full, or p2 stands still
         const float before        = CBEATS;
         const bool  chord_pending = P_NO > 3 && cursor != LUT;
         const int   result        = chord_pending ? repeat_chord(list, cursor) : fill_one(list, cursor, LAST_VAL, in);
@@ -87,7 +87,7 @@ int fill_with_queue(Event *&list, Event *&cursor, const QueueNode *queue, const 
     const QueueNode *head         = queue->next;
     const QueueNode *node         = head;
     float            cycle_before = CBEATS;
-    do {
+    do { // the same, but p2 is looked at after each cycle
         IS_FUSED = node->code == 1 ? 1 : 0;
         if (IS_FUSED != 0)
             ++EVENTS;

@@ -36,7 +36,7 @@ int DoQEvent(QueueNode *&queue)
         return 0;
     const QueueNode *last = queue;
     const QueueNode *node = last;
-    while (node->code != 0)
+    while (node->code != 0) // ends at the first node, which is no chord member
         node = node->prev;
     if (StoreInQ(queue, 0, node->value) == 0)
         return 0;

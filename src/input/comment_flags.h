@@ -20,8 +20,8 @@ inline void follow_comment(CommentFlags &flags, char c, char next)
         flags.comment = true;
 }
 
-/// How macro bodies and the lines of a false block are read: two kinds of comment that do not look at each other.
-/// A line comment ends with its line alone.
+/// How macro bodies and the lines of a false block are read: inside a comment nothing but its end counts, which for a line comment
+/// is the end of its line.
 struct SeparateFlags {
     bool line;
     bool block;
@@ -29,12 +29,14 @@ struct SeparateFlags {
 
 inline void follow_comment(SeparateFlags &flags, char c, char next)
 {
-    if (c == ';')
+    if (flags.line)
+        return;
+    if (flags.block)
+        flags.block = c != '*' || next != '/';
+    else if (c == ';')
         flags.line = true;
-    else if (c == '/' && next == '*')
-        flags.block = true;
-    else if (c == '*' && next == '/')
-        flags.block = false;
+    else
+        flags.block = c == '/' && next == '*';
 }
 
 } // namespace orlo

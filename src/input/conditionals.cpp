@@ -42,7 +42,7 @@ int skip_directive(Input &in, bool &closed)
 int skip_false_block(Input &in)
 {
     SeparateFlags flags{false, false};
-    for (bool closed = false; !closed;) {
+    for (bool closed = false; !closed;) { // each step moves on or reads a line
         int result = OK;
         if (peek(in) == '\0') {
             result     = get_buff(in);
@@ -61,10 +61,11 @@ int skip_false_block(Input &in)
 }
 
 // if -> "if(" value ")" lines "#endif"
-// a condition that can't be read is not reported: the block goes by the one before it
+// a condition that can't be read is not reported, unless memory is exhausted: the block goes by the one before it
 int do_if(Input &in)
 {
-    static_cast<void>(get_if(in, value));
+    if (get_if(in, value) == OUT_OF_MEMORY)
+        return OUT_OF_MEMORY;
     start_level = IF_MATCH;
     ++IF_MATCH;
     if (value != 0.0F)

@@ -17,7 +17,7 @@ namespace orlo {
 [[nodiscard]] int in_if0();
 
 /// Opens a block at "if(" and, when its condition is 0, skips to behind the matching "endif".
-/// @return 0, 117 at the end of the input, or what the lines between gave
+/// @return 0, 32, or 117 at the end of the input
 [[nodiscard]] int do_if_interface(Input &in);
 
 /// Reads "if(" value ")"; the value may be a macro call or a constant reference.

@@ -179,7 +179,7 @@ int parse_variables(Input &in, const DefinitionMarks &marks)
 {
     CommentFlags flags{IN_COMMENT, IN_COMMENT};
     in.pos = 0;
-    while (peek(in) != '\0') {
+    while (peek(in) != '\0') { // each step moves on: what is inserted holds no reference
         if (peek(in) == '~' && !flags.comment && !(marks.any && marks.columns[in.pos])) {
             ++in.pos;
             if (const int result = expand_variables(in); result != OK)

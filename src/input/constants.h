@@ -9,15 +9,16 @@ namespace orlo {
 
 inline constexpr std::size_t MAX_CONSTANT_NAME = 2048; // a name of so many characters is refused
 
-/// Reads a "#const" statement from its "c"; a capital "C" does nothing. @return 0, 80, 100, 102, 103, 109, 500 or 1000
+/// Reads a "#const" statement from its "c"; a capital "C" does nothing. @return 0, 80, 100, 102, 103, 109,
+/// 500, 1000, or an error of a further line
 [[nodiscard]] int parse_var(Input &in);
 
-/// Expands every reference of the line in place, but for those in the marked columns. Leaves the position at 0.
+/// Expands every reference of the line in place, but for those in comments and in the marked columns. Leaves the position at 0.
 /// @return 0 or an error of the reference
 [[nodiscard]] int parse_variables(Input &in, const DefinitionMarks &marks);
 
 /// Expands the reference whose "~" lies just before the position. The position is left on the inserted text.
-/// @return 0, 105, 106, 107, 108, 500 or 1000
+/// @return 0, 32, 105, 106, 107, 108, 500 or 1000
 [[nodiscard]] int expand_variables(Input &in);
 
 /// Reads a name and looks up its value. @return 0, or 1000 when no constant has that name

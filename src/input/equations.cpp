@@ -119,6 +119,13 @@ double apply(char operation, double value, double term)
     }
 }
 
+// between items only these are skipped, no other blanks
+void skip_between_items(Input &in)
+{
+    while (peek(in) == ' ' || peek(in) == '\t' || peek(in) == '\n')
+        ++in.pos;
+}
+
 } // namespace
 
 // equation -> "[" { item } "]"
@@ -126,7 +133,7 @@ int parse_vequation(double &value, Input &in)
 {
     Terms equation{};
     ++in.pos;
-    for (skip_blanks(in); peek(in) != ']'; skip_blanks(in))
+    for (skip_blanks(in); peek(in) != ']'; skip_between_items(in))
         if (const int result = get_item(equation, in); result != OK)
             return result;
     if (equation.term_count != equation.operation_count + 1)

@@ -64,7 +64,7 @@ void copy_plain(Reader &in, std::FILE *out, Scanner &state)
             std::fwrite(in.block + start, 1, in.next - start, out);
             state.previous = static_cast<unsigned char>(in.block[in.next - 1]);
         }
-    } while (in.next == in.end && fill(in));
+    } while (in.next == in.end && std::ferror(out) == 0 && fill(in)); // ends with the file, or with the room for its copy
 }
 
 void follow_comments(Scanner &state, int c)
@@ -171,9 +171,9 @@ int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls)
     reader.next = 0;
     reader.end  = 0;
     Scanner state{' ', false, 0};
-    for (;;) {
+    for (;;) { // each round takes a character, up to the end of the file
         copy_plain(reader, out, state);
-        const int c = get(reader);
+        const int c = std::ferror(out) == 0 ? get(reader) : EOF; // what can't be written is not read: a device may never end
         if (c == EOF)
             return OK;
         if (c != '#' || state.line_comment || state.depth > 0) {

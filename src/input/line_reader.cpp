@@ -121,7 +121,7 @@ int skip_comment(Input &in, Comment kind)
         return OK;
     }
     in.pos += 2;
-    for (int depth = 1; depth > 0;) {
+    for (int depth = 1; depth > 0;) { // each step moves on or reads a line
         const char *c = in.line + in.pos;
         if (c[0] == '\0') {
             if (const int result = get_buff(in); result != OK)
@@ -139,6 +139,14 @@ int skip_comment(Input &in, Comment kind)
     return OK;
 }
 
+int pass_comment(Input &in, Comment kind)
+{
+    const int result = skip_comment(in, kind);
+    if (result <= 0)
+        return OK;
+    return result == OUT_OF_MEMORY ? OUT_OF_MEMORY : EOF_IN_COMMENT;
+}
+
 void skip_blanks(Input &in)
 {
     while (is_blank(peek(in)))
@@ -147,7 +155,7 @@ void skip_blanks(Input &in)
 
 int skip_lines(Input &in)
 {
-    for (;;) {
+    for (;;) { // each round reads a line
         skip_blanks(in);
         if (peek(in) != '\0')
             return OK;

@@ -46,6 +46,10 @@ char get_c(Input &in);
 /// @return 0, or what get_buff said (END_OF_INPUT included) inside a block comment
 [[nodiscard]] int skip_comment(Input &in, Comment kind);
 
+/// As skip_comment, for callers to whom the end of the input is no error.
+/// @return 0, 32, or 25 for any other error met inside the comment
+[[nodiscard]] int pass_comment(Input &in, Comment kind);
+
 /// Moves over blanks within the line.
 void skip_blanks(Input &in);
 

@@ -69,7 +69,7 @@ int line_too_long(const Input &in)
 // argument -> characters ( "'" | "#" ), the last one -> characters ")"
 int take_argument(std::string &argument, bool last, const std::string &text, std::size_t &pos)
 {
-    for (;; ++pos) {
+    for (;; ++pos) { // ends with the text
         if (pos == text.size())
             return BAD_MACRO_SYNTAX;
         const char c = text[pos];
@@ -145,7 +145,7 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
 // expands the references in a body
 int expand_body(std::string &body, const std::vector<Argument> &arguments, unsigned depth, const Input &in)
 {
-    for (std::size_t pos = body.find('$'); pos != std::string::npos; pos = body.find('$', pos)) {
+    for (std::size_t pos = body.find('$'); pos != std::string::npos; pos = body.find('$', pos)) { // at most MAX_EXPANSIONS
         ++pos;
         Call call{};
         if (const int result = expand(call, body, pos, arguments, depth, in); result != OK)
@@ -263,7 +263,7 @@ int scan_plain(Input &in, LineScan &scan, DefinitionMarks &marks, bool &expanded
 int parse_macros(Input &in, DefinitionMarks &marks)
 {
     LineScan scan{{IN_COMMENT, IN_COMMENT}, true, false};
-    while (peek(in) != '\0' && !scan.stopped) {
+    while (peek(in) != '\0' && !scan.stopped) { // each step moves on, or is one of MAX_EXPANSIONS
         bool expanded = false;
         if (IN_MACRO_DEF != 0)
             scan_definition(in, scan.flags, marks);

@@ -18,7 +18,8 @@ struct DefinitionMarks {
 extern bool IN_COMMENT;   // the expansion passes are inside a comment, false at start; carried from line to line
 extern int  IN_MACRO_DEF; // 0 outside a definition, else 1 plus the number of its later "#" so far; 0 at start
 
-/// Expands every call of the line in place and marks the columns of definitions. Leaves the position at 0.
+/// Expands every call of the line in place, but for those in comments, definitions and directives, and marks the columns of
+/// definitions. Leaves the position at 0.
 /// @return 0, 32, 82, 84, 85, 86 or 1000
 [[nodiscard]] int parse_macros(Input &in, DefinitionMarks &marks);
 

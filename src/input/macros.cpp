@@ -1,5 +1,5 @@
 // A definition is read piece by piece, and each piece may lie on a further line: everything that moves on does so through the line
-// reader, which leaves the lines of a definition unexpanded.
+// reader, which leaves what it takes for a definition unexpanded.
 
 #include "input/macros.h"
 
@@ -63,7 +63,7 @@ int get_param(std::string &name, Input &in)
         return result;
     if (!is_letter(peek(in)))
         return BAD_MACRO_NAME;
-    for (;;) {
+    for (;;) { // each round reads a line
         for (; is_name_char(peek(in)); ++in.pos)
             name.push_back(peek(in));
         if (peek(in) != '\0')
@@ -80,7 +80,7 @@ int get_args(Macro &macro, Input &in)
     if (peek(in) != '(')
         return OK;
     ++in.pos;
-    do {
+    do { // at most MAX_MACRO_PARAMS parameters
         if (macro.params.size() == MAX_MACRO_PARAMS) {
             const int result = skip_wc(in);
             return result > 0 ? result : BAD_MACRO_SYNTAX;
@@ -110,7 +110,7 @@ int get_body(std::string &body, Input &in)
         return MACRO_BODY_NEEDS_MARK;
     ++in.pos;
     SeparateFlags flags{false, false};
-    for (;;) {
+    for (;;) { // at most MAX_MACRO_BODY characters
         const char c = peek(in);
         if (c == '#' && !flags.line && !flags.block) {
             ++in.pos;

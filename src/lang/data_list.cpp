@@ -86,7 +86,7 @@ int repeat_last(Section &section, const Input &in)
 // from behind the first, which only separates
 int do_slash(Section &section, Input &in)
 {
-    while (peek(in) == '/') {
+    while (peek(in) == '/') { // each round takes a slash
         ++in.pos;
         if (out_of_time() != 0)
             return block_full(section, in, W_REPEAT_TRUNCATED);
@@ -105,7 +105,7 @@ int do_x(Section &section, Input &in)
     if (!is_digit(peek(in)) || get_uli(count, in) == 0)
         return X_NEEDS_DIGIT;
     const bool to_the_end = count == 0;
-    for (std::uint64_t left = count - 1; left > 0; --left) {
+    for (std::uint64_t left = count - 1; left > 0; --left) { // ends with the count or the block
         if (out_of_time() != 0)
             return block_full(section, in, W_REPEAT_TRUNCATED);
         const float before = CBEATS;

@@ -19,7 +19,7 @@ namespace {
 int run_commands(Input &in, std::FILE *out)
 {
     skip_blanks(in);
-    while (is_gcommand(in) != 0) {
+    while (is_gcommand(in) != 0) { // each command takes characters
         std::int32_t code = 0;
         if (get_command(code, in) == 0)
             return INVALID_GLOBAL;
@@ -35,7 +35,7 @@ int run_commands(Input &in, std::FILE *out)
 int read_rest(Input &in, bool &opened)
 {
     opened = false;
-    for (;;) {
+    for (;;) { // each round takes a comment
         skip_blanks(in);
         if (peek(in) == '\0')
             return OK;
@@ -46,8 +46,8 @@ int read_rest(Input &in, bool &opened)
         Comment kind{};
         if (is_comment(in.line, in.pos, kind) == 0)
             return INVALID_GLOBAL;
-        if (skip_comment(in, kind) != OK)
-            return MISMATCHED_COMMENTS;
+        if (const int result = skip_comment(in, kind); result != OK)
+            return result == OUT_OF_MEMORY ? OUT_OF_MEMORY : MISMATCHED_COMMENTS;
     }
 }
 
@@ -55,7 +55,7 @@ int read_rest(Input &in, bool &opened)
 
 int parse_gblock(Input &in, std::FILE *out)
 {
-    for (bool opened = false; !opened;) {
+    for (bool opened = false; !opened;) { // each round reads a line
         if (const int result = get_buff(in); result != OK)
             return result;
         if (const int result = run_commands(in, out); result != OK)

@@ -39,7 +39,7 @@ int skip_separators(Input &in)
 // skipped-block -> anything up to "}" outside comments
 int skip_block(Input &in)
 {
-    while (peek(in) != '}') {
+    while (peek(in) != '}') { // each step moves on or reads a line
         Comment kind{};
         if (peek(in) == '\0') {
             const int result = get_buff(in);
@@ -50,8 +50,8 @@ int skip_block(Input &in)
                 return END_OF_INPUT;
             }
         } else if (is_comment(in.line, in.pos, kind) != 0) {
-            if (skip_comment(in, kind) > 0)
-                return EOF_IN_COMMENT;
+            if (const int result = pass_comment(in, kind); result != OK)
+                return result;
         } else {
             ++in.pos;
         }
@@ -196,14 +196,14 @@ int do_section(Input &in, Event *&list)
 // block-commands -> { comment | "rs" value | "rd" value }, up to a section
 int do_block_commands(Input &in)
 {
-    for (;;) {
+    for (;;) { // each round takes a command or a comment
         if (const int result = skip_lines(in); result != OK)
             return result;
         if (is_pfield(in) != 0)
             return OK;
         if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0) {
-            if (skip_comment(in, kind) > 0)
-                return EOF_IN_COMMENT;
+            if (const int result = pass_comment(in, kind); result != OK)
+                return result;
             continue;
         }
         if (is_command(in) == 0)
@@ -235,7 +235,7 @@ int end_block(Input &in)
 int parse_iblock(Input &in, Event *&list)
 {
     std::fill(std::begin(DID_P), std::end(DID_P), false);
-    for (;;) {
+    for (;;) { // each round takes a part of the block or reads a line
         skip_blanks(in);
         int result = OK;
         if (peek(in) == '\0') {

@@ -24,12 +24,6 @@ int next_line(Input &in)
     return result < 0 ? EOF_IN_SECTION : result;
 }
 
-int pass_comment(Input &in, Comment kind)
-{
-    const int result = skip_comment(in, kind);
-    return result > 0 ? EOF_IN_COMMENT : OK;
-}
-
 // output -> [ "(" output-type ")" ]
 int get_output_type(Input &in)
 {
@@ -89,7 +83,7 @@ int do_item(Section &section, Input &in)
 // passes over what does not fit into the block, up to the section's end
 int pass_rest(Input &in)
 {
-    while (!at_section_end(in)) {
+    while (!at_section_end(in)) { // each step moves on or reads a line
         int     result = OK;
         Comment kind{};
         if (peek(in) == '\0')
@@ -107,7 +101,7 @@ int pass_rest(Input &in)
 // body -> { item }
 int do_body(Section &section, Input &in)
 {
-    while (!at_section_end(in)) {
+    while (!at_section_end(in)) { // each step moves on or reads a line
         if (section.done)
             return pass_rest(in);
         int result = OK;

@@ -23,7 +23,7 @@ constexpr float pitch_classes[] = {9.0F, 11.0F, 0.0F, 2.0F, 4.0F, 5.0F, 7.0F};
 // modifiers -> { "s" | "f" | "n" | "+" | "-" }, the last two behind "nox" alone
 int take_modifiers(float &pitch_class, Input &in)
 {
-    for (;; ++in.pos) {
+    for (;; ++in.pos) { // ends with the line
         switch (peek(in)) {
         case 's':
             pitch_class += 1.0F;

@@ -102,7 +102,7 @@ void push(PendingHeap &heap, Event *off, std::uint64_t number)
     std::push_heap(heap.items, heap.items + heap.count, comes_later);
 }
 
-// everything back into one ring, so that the driver can free it
+// what is not in the track yet is freed; the track is left to the driver
 Event *join(Track &track, Event *rest, PendingHeap &heap)
 {
     while (heap.count > 0)
@@ -119,7 +119,7 @@ Event *join(Track &track, Event *rest, PendingHeap &heap)
 int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
 {
     for (std::uint64_t number = 0; note != nullptr; ++number) {
-        while (heap.count > 0 && !(note->start <= heap.items[0].event->start))
+        while (heap.count > 0 && !(note->start <= heap.items[0].event->start)) // takes each note-off once
             append(track, pop(heap));
         Event *next = note->next;
         note->code  = NOTE_ON;

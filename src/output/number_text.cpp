@@ -30,14 +30,11 @@ std::uint64_t shift_right_rounded(std::uint64_t number, int shift)
     return kept + (rest > half || (rest == half && (kept & 1) != 0) ? 1 : 0);
 }
 
-// the digits of a number, written backward from the end of a text
-char *put_digits_before(char *end, std::uint64_t number, int at_least)
+// takes a number's last digit off and writes it in front of a text
+void put_digit_before(char *&start, std::uint64_t &number)
 {
-    for (; number != 0 || at_least > 0; --at_least) {
-        *--end = static_cast<char>('0' + number % 10);
-        number /= 10;
-    }
-    return end;
+    *--start = static_cast<char>('0' + number % 10);
+    number /= 10;
 }
 
 // copies a text that was built at the end of a buffer, with blanks in front of it up to a width
@@ -64,17 +61,17 @@ char *put_real(char *text, float value, int width, int decimals)
     const std::uint64_t product  = mantissa * powers_of_ten[decimals];
     const std::uint64_t scaled   = shift >= 0 ? product << shift : shift_right_rounded(product, -shift);
 
-    char  buffer[LONGEST_NUMBER];
-    char *end   = buffer + sizeof buffer;
-    char *start = end;
-    if (decimals > 0) {
-        const std::uint64_t unit = powers_of_ten[decimals];
-        start                    = put_digits_before(start, scaled % unit, decimals);
-        *--start                 = '.';
-        start                    = put_digits_before(start, scaled / unit, 1);
-    } else {
-        start = put_digits_before(start, scaled, 1);
-    }
+    char          buffer[LONGEST_NUMBER];
+    char         *end   = buffer + sizeof buffer;
+    char         *start = end;
+    std::uint64_t rest  = scaled;
+    for (int i = 0; i < decimals; ++i)
+        put_digit_before(start, rest);
+    if (decimals > 0)
+        *--start = '.';
+    do
+        put_digit_before(start, rest);
+    while (rest != 0);
     if (bits >> 31 != 0)
         *--start = '-';
     return put_aligned(text, start, end, width);

@@ -14,7 +14,7 @@ namespace {
 float subtract_down(float r, float m)
 {
     double last_step = 0.0;
-    while (r > m) {
+    while (r > m) { // a few steps for each power of two
         const float next = r - m;
         if (next == r)
             break;

@@ -290,7 +290,7 @@ bool traced = false; // files that the last run has written
 bool logged = false;
 
 // the program takes these signals over, and whoever had them wants them back
-constexpr int taken_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr int taken_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
 
 int run_once(const CommandLine &line)
 {

@@ -1,0 +1,196 @@
+"""Measure orlo against the least that its work takes:
+run.py --orlo PROGRAM --floors PROGRAM --measure PROGRAM [--rounds N] [--only NAME...]
+
+Makes the inputs, then runs orlo and the floor programs in turn, N rounds, and prints the medians of the CPU time (user and
+system time of the process) and of the peak memory, and whether each target is met. Ends with 1 when one is not.
+What the floor programs print is compared with what orlo printed, byte for byte.
+"""
+
+import argparse
+import array
+import collections
+import filecmp
+import os
+import re
+import statistics
+import subprocess
+import sys
+import tempfile
+
+import make_inputs
+
+FULL, TENTH = "", ".tenth"
+MOST_GROWTH = 11  # times the time for ten times the work
+MOST_BYTES = 96  # an event
+
+# options of orlo, and floor programs: the first is the one of the target
+Work = collections.namedtuple("Work", "name options floors")
+WORKS = [
+    Work("repeated", ["-s"], ["print", "write"]),
+    Work("drawn", ["-s"], ["print", "write"]),
+    Work("lines", ["-s"], ["copy"]),
+    Work("calls", ["-s"], []),
+    Work("midi-apart", ["-m"], ["trace", "trace-unbuffered"]),
+    Work("midi-held", ["-m"], []),
+]
+
+Target = collections.namedtuple("Target", "text value most unit")
+
+TRACE_LINE = re.compile(r"\n *(\S+)\t *(\S+)\t(ON|OFF)\tN: *(\S+)\tV: *(\S+)\t")
+
+
+class Bench:
+    """The programs, the folder they work in, and what has been measured: a list of runs for each (work, kind)."""
+
+    def __init__(self, orlo, floors, measure, folder):
+        self.orlo, self.floors, self.measure, self.folder = orlo, floors, measure, folder
+        self.runs = collections.defaultdict(list)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def run(self, command, screen):
+        """CPU seconds and peak memory in bytes of a command whose standard error goes into a file."""
+        result = subprocess.run([self.measure, screen, *command], stdout=subprocess.PIPE, text=True, check=False)
+        if result.returncode != 0:
+            sys.exit(f"{' '.join(command)} ended with {result.returncode}")
+        seconds, peak = result.stdout.split()
+        return float(seconds), int(peak)
+
+    def run_orlo(self, work, size):
+        piece, result, screen = (self.path(work.name + size + end) for end in (".orlo", ".out", ".screen"))
+        self.runs[work.name, "orlo" + size].append(self.run([self.orlo, *work.options, piece, result], screen))
+
+    def run_floor(self, work, floor):
+        """Runs a floor program on what orlo read or wrote. Returns what must be equal: orlo's file and the floor's."""
+        piece, result, arrays = (self.path(work.name + end) for end in (".orlo", ".out", ".arrays"))
+        copy, screen = self.path("floor.out"), self.path("floor.screen")
+        names, pair = {
+            "print": ([arrays, copy], (result, copy)),
+            "write": ([result, copy], (result, copy)),
+            "copy": ([piece, copy], (piece, copy)),
+            "trace": ([arrays], (self.path(work.name + ".trace"), screen)),
+            "trace-unbuffered": ([arrays], (self.path(work.name + ".trace"), screen)),
+        }[floor]
+        self.runs[work.name, floor].append(self.run([self.floors, floor, *names], screen))
+        return pair
+
+    def prepare(self, work):
+        """Makes the arrays that the floor programs print, from what orlo printed."""
+        if "print" in work.floors:
+            with open(self.path(work.name + ".out"), encoding="ascii") as score:
+                rows = array.array("f", (float(word) for line in score if line.startswith("i1 ")
+                                         for word in line.split()[1:]))
+            self.write_arrays(work, rows, 4)
+        elif "trace" in work.floors:
+            with open(self.path(work.name + ".screen"), encoding="ascii", newline="") as file:
+                screen = file.read()
+            first, *_, last = TRACE_LINE.finditer(screen)
+            with open(self.path(work.name + ".trace"), "w", encoding="ascii", newline="") as file:
+                file.write(screen[first.start():last.end()])
+            rows = array.array("f", (float({"ON": 1, "OFF": 0}.get(word, word)) for match in TRACE_LINE.finditer(screen)
+                                     for word in match.groups()))
+            self.write_arrays(work, rows, 5)
+
+    def write_arrays(self, work, rows, columns):
+        with open(self.path(work.name + ".arrays"), "wb") as file:
+            for column in range(columns):
+                rows[column::columns].tofile(file)
+
+    def round(self, works):
+        for work in works:
+            self.run_orlo(work, FULL)
+            for floor in work.floors:
+                self.run_floor(work, floor)
+            self.run_orlo(work, TENTH)
+
+    def check(self, work):
+        """The floor programs print the bytes that orlo printed."""
+        for floor in work.floors:
+            expected, printed = self.run_floor(work, floor)
+            if not filecmp.cmp(expected, printed, shallow=False):
+                sys.exit(f"{work.name}: the floor \"{floor}\" did not print what orlo printed: {expected}, {printed}")
+
+    def seconds(self, name, kind="orlo"):
+        return statistics.median(seconds for seconds, _ in self.runs[name, kind])
+
+    def bytes(self, name, kind="orlo"):
+        return statistics.median(peak for _, peak in self.runs[name, kind])
+
+
+def targets(bench, names):
+    """What a run must reach, for the works that were run."""
+    every = {
+        "repeated": lambda: [
+            Target("repeated: time of the fprintf floor", bench.seconds("repeated") / bench.seconds("repeated", "print"), .45, ""),
+            Target("repeated: peak memory an event", bench.bytes("repeated") / size_of("repeated"), MOST_BYTES, " bytes")],
+        "drawn": lambda: [
+            Target("drawn: time of the fprintf floor", bench.seconds("drawn") / bench.seconds("drawn", "print"), .6, "")],
+        "lines": lambda: [
+            Target("lines: time of the copying floor", bench.seconds("lines") / bench.seconds("lines", "copy"), 4, "")],
+        "calls": lambda: [Target("calls: time", bench.seconds("calls"), 1, " s")],
+        "midi-apart": lambda: [
+            Target("midi-apart: time of the fprintf floor", bench.seconds("midi-apart") / bench.seconds("midi-apart", "trace"), 3, "")],
+        "midi-held": lambda: [
+            Target("midi-held: time of midi-apart", bench.seconds("midi-held") / bench.seconds("midi-apart"), 3, "")]
+        if "midi-apart" in names else [],
+    }
+    for name in names:
+        yield from every[name]()
+    for name in names:
+        growth = bench.seconds(name) / bench.seconds(name, "orlo" + TENTH)
+        yield Target(f"{name}: time of a tenth of the work", growth, MOST_GROWTH, "")
+
+
+def size_of(name):
+    return make_inputs.INPUTS[name][0]
+
+
+def print_medians(bench, works):
+    print(f"{'work':12} {'program':18} {'size':>9} {'ms':>8} {'us each':>8} {'MiB':>7} {'bytes each':>10} {'floors':>7}")
+    for work in works:
+        for kind in ["orlo", *work.floors, "orlo" + TENTH]:
+            size = size_of(work.name) // (10 if kind.endswith(TENTH) else 1)
+            seconds, peak = bench.seconds(work.name, kind), bench.bytes(work.name, kind)
+            ratio = f"{bench.seconds(work.name) / seconds:7.2f}" if kind in work.floors else ""
+            print(f"{work.name:12} {kind:18} {size:9} {seconds * 1e3:8.1f} {seconds / size * 1e6:8.3f} "
+                  f"{peak / 2**20:7.1f} {peak / size:10.1f} {ratio}".rstrip())
+
+
+def print_targets(bench, names):
+    """Prints the table of targets; true when all are met."""
+    print(f"\n{'target':45} {'measured':>9} {'at most':>8}")
+    missed = 0
+    for target in targets(bench, names):
+        met = target.value <= target.most
+        missed += not met
+        print(f"{target.text:45} {target.value:9.2f} {target.most:8g}{target.unit:7} {'met' if met else 'MISSED'}")
+    return missed == 0
+
+
+def main():
+    parser = argparse.ArgumentParser(description="measure orlo against the least that its work takes")
+    parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("--floors", required=True, help="the floor programs")
+    parser.add_argument("--measure", required=True, help="the program that runs the others")
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--only", nargs="+", metavar="NAME", choices=list(make_inputs.INPUTS), help="some kinds of work alone")
+    options = parser.parse_args()
+
+    works = [work for work in WORKS if options.only is None or work.name in options.only]
+    with tempfile.TemporaryDirectory(prefix="orlo-bench-") as folder:
+        make_inputs.make_inputs(folder)
+        bench = Bench(*map(os.path.abspath, (options.orlo, options.floors, options.measure)), folder)
+        for work in works:
+            bench.run_orlo(work, FULL)
+            bench.prepare(work)
+            bench.check(work)
+        bench.runs.clear()  # so far everything has run for the first time
+        for _ in range(options.rounds):
+            bench.round(works)
+        print_medians(bench, works)
+        return 0 if print_targets(bench, [work.name for work in works]) else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

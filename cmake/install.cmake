@@ -1,0 +1,17 @@
+# What "cmake --install" puts where: GNUInstallDirs' folders below the prefix.
+
+include(GNUInstallDirs)
+
+install(TARGETS orlo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+install(FILES docs/man/orlo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/man/orlo.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES completions/orlo DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES packaging/orlo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+
+# manual and tutorial with their pictures, and the examples: *.csd can be rendered where they are, or from anywhere
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN man EXCLUDE)
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+  FILES_MATCHING PATTERN "*.orlo" PATTERN "*.inc" PATTERN "*.orc" PATTERN "*.csd" PATTERN "*.md" PATTERN "*.svg")

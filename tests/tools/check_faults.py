@@ -1,0 +1,528 @@
+"""No fault of a file and no signal may get the better of a run: check_faults.py --orlo PROGRAM [--megabytes N] [NAME...]
+
+Every check runs the program in an empty folder of its own. PROGRAM is the build of orlo that names its temporary files
+tmp/0, tmp/1, ... in the working folder (tests/faults), so that a check can see that none is left, and stand in the way.
+With --megabytes, a run over a large input that takes more memory than that is a failure. With names, those checks alone.
+"""
+
+import argparse
+import os
+import resource
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+from run_case import environment, sanitizer_report
+
+TIME_LIMIT = 60  # seconds that a run may take
+NOBODY = 65534  # a user without rights
+SIGNALS = signal.SIGINT, signal.SIGTERM, signal.SIGHUP
+
+PIECE = b"i1 = 3 0 1 {\np2 1\np3 1\n}\n"
+SCORE = b"\n;I-block #1 (i1):\ni1    0.000  1.000 \n\ne\n"
+MANY_EVENTS = b"i1 = 3 0 -5000 {\np2 1\np3 1\n}\n"  # a long score
+MANY_NOTICES = b"#define m(a) #$a#\n" + 5000 * b"$m( )\n" + PIECE  # a long log
+MANY_LINES = 5000 * b"; a line that the trace repeats as it is\n" + PIECE  # a long trace
+LONG_WORK = b"i1 = 4 0 -1000 {\np2 1\np3 1\np4 rw(T 1 0 1 .0000001 .5)\n}\n"
+
+orlo, megabytes = None, None
+checks = {}  # name: function
+
+
+class Failure(Exception):
+    """What a check finds wrong."""
+
+
+class Skip(Exception):
+    """Why a check can't be made here."""
+
+
+def check(function):
+    checks[function.__name__.replace("_", "-")] = function
+    return function
+
+
+def write(name, data):
+    with open(name, "wb") as file:
+        file.write(data)
+
+
+def read(name):
+    with open(name, "rb") as file:
+        return file.read()
+
+
+def start(*args, prepare=None, env=None, **more):
+    """Starts a run; its screen goes to the file "screen"."""
+    def before():
+        for number in SIGNALS:
+            signal.signal(number, signal.SIG_DFL)  # whatever these checks were started with
+        if prepare:
+            prepare()
+    with open("screen", "wb") as screen:
+        return subprocess.Popen([orlo, *args], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=screen,
+                                env=environment() | (env or {}), preexec_fn=before, **more)
+
+
+def end(process):
+    """Waits for a run. Returns its status, minus the number of the signal that ended it, and its screen."""
+    try:
+        status = process.wait(TIME_LIMIT)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.wait()
+        raise Failure("still running: killed") from None
+    screen = read("screen")
+    if sanitizer_report(screen):
+        raise Failure("a sanitizer report:\n" + screen.decode(errors="replace"))
+    return status, screen
+
+
+def expect(result, status, *messages, left=()):
+    """A run that ended with a status and said this at its end, and left these in the folder of temporary files."""
+    if result[0] != status:
+        raise Failure(f"status {result[0]}, expected {status}; the screen: {result[1][-500:]!r}")
+    ending = b"".join(messages)
+    if not result[1].endswith(ending):
+        raise Failure(f"the screen ends with {result[1][-500:]!r}, expected {ending!r}")
+    found = sorted(os.listdir("tmp")) if os.path.isdir("tmp") else []
+    if found != sorted(left):
+        raise Failure(f"temporary files: {found}")
+
+
+def run(*args, **more):
+    return end(start(*args, **more))
+
+
+def wait_for(what, happened):
+    limit = time.monotonic() + TIME_LIMIT
+    while not happened():
+        if time.monotonic() > limit:
+            raise Failure(f"waited in vain for {what}")
+        time.sleep(0.01)
+
+
+def cant_open(name):
+    return f'\nERROR: Can\'t open "{name}".\n\n'.encode()
+
+
+def cant_write(name):
+    return f'\nERROR: Can\'t write "{name}".\n\n'.encode()
+
+
+def run_as_other(*args):
+    """A run by a user who may not read and write everything, as root may."""
+    if os.geteuid() != 0:
+        return run(*args)
+    try:
+        os.chown(".", NOBODY, NOBODY)
+        return run(*args, user=NOBODY, group=NOBODY, extra_groups=[])
+    except OSError as reason:
+        raise Skip(f"this is root, and the program can't be run as another user: {reason}") from None
+
+
+def limit_size(size):
+    return lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+
+
+# input
+
+@check
+def input_missing():
+    expect(run("nowhere", "out.sco"), 1, cant_open("nowhere"))
+
+
+@check
+def input_unreadable():
+    write("in.orlo", PIECE)
+    os.chmod("in.orlo", 0)
+    expect(run_as_other("in.orlo", "out.sco"), 1, cant_open("in.orlo"))
+
+
+@check
+def input_folder():
+    os.mkdir("folder")
+    expect(run("folder", "out.sco"), 1, b'\nERROR: Can\'t read "folder".\n\n')
+
+
+@check
+def input_empty():
+    write("in.orlo", b"")
+    expect(run("in.orlo", "out.sco"), 0, b"all i-blocks =    0.00 (secs)\n\n")
+    if read("out.sco") != b"\ne\n":
+        raise Failure("another score than that of nothing")
+
+
+@check
+def input_all_zero_bytes():
+    write("in.orlo", bytes(1000000))
+    expect(run("in.orlo", "out.sco"), 0, b"all i-blocks =    0.00 (secs)\n\n")
+    if read("out.sco") != b"\ne\n":
+        raise Failure("another score than that of nothing")
+
+
+@check
+def input_endless():
+    expect(run("/dev/zero", "out.sco", prepare=limit_size(1000000)), 1, b"\nERROR: Can't write temporary file\n\n")
+
+
+def check_memory():
+    peak = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss / 1024
+    if megabytes and peak > megabytes:
+        raise Failure(f"a run took {peak:.0f} megabytes")
+
+
+def write_long_line(before, byte, after):
+    with open("in.orlo", "wb") as file:
+        file.write(before)
+        for _ in range(100):
+            file.write(byte * 1000000)
+        file.write(after)
+
+
+@check
+def input_100_megabytes_on_a_line():
+    write_long_line(b"i1 = 3 0 1 { p2 1 p3 ", b" ", b"1 }\n")
+    expect(run("in.orlo", "out.sco"), 0, b"all i-blocks =    1.00 (secs)\n\n")
+    if read("out.sco") != SCORE:
+        raise Failure("another score than that of the piece without the blanks")
+    check_memory()
+
+
+@check
+def input_100_megabytes_of_a_letter():
+    write_long_line(b"", b"x", b"")
+    expect(run("in.orlo", "out.sco"), 1, b"x" * 2047 + b"\n^\n")
+    check_memory()
+
+
+@check
+def input_100_megabytes_of_digits():
+    write_long_line(b"i1 = 3 0 1 { p2 ", b"1", b"")
+    expect(run("in.orlo", "out.sco"), 1, b'\nERROR: Reached end-of-file before "}" was found.\n\n')
+    check_memory()
+
+
+@check
+def input_comments_a_million_deep():
+    write("in.orlo", 1000000 * b"/*\n" + 1000000 * b"*/\n" + PIECE)
+    expect(run("in.orlo", "out.sco"), 0, b"all i-blocks =    1.00 (secs)\n\n")
+
+
+# include files
+
+@check
+def include_missing():
+    write("in.orlo", b"#include |nowhere|\n")
+    expect(run("in.orlo", "out.sco"), 1, b'\nBad include file name: "nowhere"\n\n')
+
+
+@check
+def include_folder():
+    os.mkdir("folder")
+    write("in.orlo", PIECE + b"#include |folder|\n")
+    expect(run("in.orlo", "out.sco"), 1, b'\nBad include file name: "folder"\n\n')
+
+
+@check
+def include_input():
+    write("in.orlo", PIECE + b"#include |in.orlo|\n")
+    expect(run("in.orlo", "out.sco"), 1, b"\nToo many embedded include files! (Max = 12)\n")
+
+
+@check
+def include_temporary_file():
+    """A file that grows while it is read ends with the room for its copy."""
+    write("in.orlo", MANY_LINES + b"#include |tmp/0|\n")
+    expect(run("in.orlo", "out.sco", prepare=limit_size(1000000)), 1, b"\nERROR: Can't write temporary file\n\n")
+
+
+@check
+def include_endless():
+    write("in.orlo", PIECE + b"#include |/dev/zero|\n")
+    expect(run("in.orlo", "out.sco", prepare=limit_size(1000000)), 1, b"\nERROR: Can't write temporary file\n\n")
+
+
+# output, trace and log
+
+def places():
+    """The three files that a run writes: arguments with a name for one of them, and a piece that makes it long."""
+    return {"output": (lambda name: ("-s", "in.orlo", name), MANY_EVENTS),
+            "trace": (lambda name: ("-s", "-x", name, "in.orlo", "out.sco"), MANY_LINES),
+            "log": (lambda name: ("-l", name, "in.orlo", "out.sco"), MANY_NOTICES)}
+
+
+def for_each_place(function):
+    """A check for each of the three files."""
+    for place, (arguments, piece) in places().items():
+        checks[f"{place}-{function.__name__.replace('_', '-')}"] = \
+            lambda place=place, arguments=arguments, piece=piece: function(place, arguments, piece)
+
+
+@for_each_place
+def in_missing_folder(place, arguments, _):
+    write("in.orlo", PIECE)
+    left = ["0"] if place == "log" else []  # the log is opened last, and a file that can't be opened ends the run at once
+    expect(run(*arguments("nowhere/file")), 1, cant_open("nowhere/file"), left=left)
+
+
+@for_each_place
+def is_folder(place, arguments, _):
+    write("in.orlo", PIECE)
+    os.mkdir("folder")
+    expect(run(*arguments("folder")), 1, cant_open("folder"), left=["0"] if place == "log" else [])
+
+
+@for_each_place
+def on_full_device(_, arguments, piece):
+    for text in PIECE, piece:  # lost when the file is closed, and before
+        write("in.orlo", text)
+        expect(run(*arguments("/dev/full")), 1, b"(secs)\n" + cant_write("/dev/full"))
+
+
+@for_each_place
+def has_reached_its_limit(_, arguments, piece):
+    write("in.orlo", piece)
+    # a limit that the temporary file keeps to, which is as long as the piece; the screen is no file, as the limit holds for all
+    limited = subprocess.run([orlo, *arguments("file")], stderr=subprocess.PIPE, timeout=TIME_LIMIT, check=False,
+                             env=environment(), preexec_fn=limit_size(len(piece) + 1000))
+    expect((limited.returncode, limited.stderr), 1, cant_write("file"))
+
+
+@for_each_place
+def to_closed_pipe(_, arguments, piece):
+    write("in.orlo", piece)
+    os.mkfifo("pipe")
+    reader = os.open("pipe", os.O_RDONLY | os.O_NONBLOCK)
+    process = start(*arguments("pipe"))
+    wait_for("the first bytes", lambda: select.select([reader], [], [], 0)[0])
+    os.close(reader)
+    expect(end(process), 1, cant_write("pipe"))
+
+
+@check
+def everything_on_full_device():
+    for link in "trace", "log":
+        os.symlink("/dev/full", link)
+    write("in.orlo", PIECE)
+    expect(run("-x", "trace", "-l", "log", "in.orlo", "/dev/full"), 1,
+           cant_write("/dev/full"), cant_write("trace"), cant_write("log"))
+
+
+@check
+def error_comes_before_full_log():
+    for link in "trace", "log":
+        os.symlink("/dev/full", link)
+    write("in.orlo", b"?\n")
+    expect(run("-x", "trace", "-l", "log", "in.orlo", "out.sco"), 1,
+           b"\n\nERROR: Line 1: Invalid G-block command or character.\n? \n^\n")
+
+
+@check
+def midi_file_on_full_device():
+    write("in.orlo", b"i1 = 5 0 1 {\np2 1\np3 1\np4 1000\np5 60\n}\n")
+    expect(run("-m", "in.orlo", "/dev/full"), 1, b"(secs)\n" + cant_write("/dev/full"))
+
+
+@check
+def screen_is_full():
+    write("in.orlo", PIECE)
+    with open("/dev/full", "wb") as full:
+        status = subprocess.run([orlo, "in.orlo", "out.sco"], stderr=full, timeout=TIME_LIMIT, check=False).returncode
+    expect((status, b""), 0)
+    if read("out.sco") != SCORE:
+        raise Failure("another score")
+
+
+@check
+def screen_is_closed():
+    """What is meant for the screen reaches no file that was opened in its place."""
+    write("in.orlo", PIECE)
+    for closed in (2,), (1, 2), (0, 2), (0, 1, 2):
+        status, _ = run("-x", "trace", "in.orlo", "out.sco", prepare=lambda closed=closed: [os.close(n) for n in closed])
+        expect((status, b""), 0)
+        if read("out.sco") != SCORE or read("trace") != PIECE.replace(b"\n", b" \n"):
+            raise Failure(f"another score or trace where {closed} are closed")
+
+
+@check
+def too_few_open_files():
+    write("in.orlo", b"#include |part|\n" + PIECE)
+    write("part", b"")
+    args = "-x", "trace", "-l", "log", "in.orlo", "out.sco"
+    messages = [cant_open("out.sco"), cant_open("trace"), b"\nERROR: Can't open temporary file\n\n", cant_open("log"),
+                b'\nBad include file name: "part"\n\n']
+    no_leaks = {"ASAN_OPTIONS": "detect_leaks=0:exitcode=99"}  # the search for leaks opens files itself
+    for number, message in enumerate(messages, 4):  # three standard streams, the input, what follows
+        def few(number=number):
+            resource.setrlimit(resource.RLIMIT_NOFILE, (number, number))
+        expect(run(*args, prepare=few, env=no_leaks), 1, message, left=["0"] if b'"log"' in message else [])
+        for name in os.listdir("tmp"):
+            os.remove(f"tmp/{name}")
+    expect(run(*args), 0)
+
+
+# the temporary file
+
+@check
+def temporary_folder_missing():
+    write("in.orlo", PIECE)
+    os.rmdir("tmp")
+    expect(run("in.orlo", "out.sco"), 1, b"\nERROR: Can't open temporary file\n\n")
+
+
+@check
+def temporary_folder_not_writable():
+    write("in.orlo", PIECE)
+    os.chmod("tmp", 0o500)
+    expect(run_as_other("in.orlo", "out.sco"), 1, b"\nERROR: Can't open temporary file\n\n")
+
+
+@check
+def temporary_file_has_reached_its_limit():
+    write("in.orlo", MANY_LINES)
+    expect(run("in.orlo", "out.sco", prepare=limit_size(65536)), 1, b"\nERROR: Can't write temporary file\n\n")
+
+
+@check
+def temporary_names_taken():
+    """Files that stand in the way, and what links point to, stay as they are."""
+    write("in.orlo", PIECE)
+    write("precious", b"precious")
+    os.symlink("../precious", "tmp/0")
+    os.symlink("../nowhere", "tmp/1")
+    write("tmp/2", b"precious too")
+    expect(run("in.orlo", "out.sco"), 0, left=["0", "1", "2"])
+    if read("precious") + read("tmp/2") != b"preciousprecious too" or os.path.exists("nowhere") or read("out.sco") != SCORE:
+        raise Failure("a file has been written to")
+    for number in range(3, 100):
+        os.mkdir(f"tmp/{number}")
+    expect(run("in.orlo", "out.sco"), 1, b"\nERROR: Can't open temporary file\n\n", left=map(str, range(100)))
+
+
+def start_reading(*args, **more):
+    """A run that reads its input from a pipe and has made its temporary file; returns it with the pipe's other end."""
+    os.mkfifo("pipe")
+    process = start("pipe", "out.sco", *args, **more)
+    writer = os.open("pipe", os.O_WRONLY)
+    wait_for("the temporary file", lambda: os.listdir("tmp"))
+    return process, writer
+
+
+def finish_input(writer):
+    os.write(writer, PIECE)
+    os.close(writer)
+
+
+@check
+def temporary_file_vanishes():
+    process, writer = start_reading()
+    os.remove("tmp/0")
+    finish_input(writer)
+    expect(end(process), 1, b"\nERROR: Ouch! Can't open the temporary file (huh?).\n\n")
+
+
+@check
+def temporary_file_cannot_be_read():
+    process, writer = start_reading()
+    os.remove("tmp/0")
+    os.mkdir("tmp/0")  # can be opened but not read
+    finish_input(writer)
+    result = end(process)
+    if os.path.isdir("tmp/0"):
+        os.rmdir("tmp/0")
+    expect(result, 1, b"\nERROR: Can't read temporary file\n\n")
+
+
+# signals
+
+def expect_end_by(number, process):
+    process.send_signal(number)
+    expect(end(process), -number)
+
+
+def for_each_signal(function):
+    for number in SIGNALS:
+        checks[f"{signal.Signals(number).name.lower()}-{function.__name__.replace('_', '-')}"] = \
+            lambda number=number: function(number)
+
+
+@for_each_signal
+def while_reading(number):
+    process, writer = start_reading()
+    expect_end_by(number, process)
+    os.close(writer)
+
+
+@for_each_signal
+def while_working(number):
+    write("in.orlo", LONG_WORK)
+    process = start("in.orlo", "out.sco")
+    wait_for("the generator", lambda: b"T evaluated at" in read("screen"))
+    expect_end_by(number, process)
+
+
+@for_each_signal
+def while_writing(number):
+    write("in.orlo", MANY_EVENTS)
+    os.mkfifo("score")
+    reader = os.open("score", os.O_RDONLY | os.O_NONBLOCK)
+    process = start("in.orlo", "score")
+    wait_for("the first bytes", lambda: select.select([reader], [], [], 0)[0])
+    expect_end_by(number, process)  # the pipe holds less than the score
+    os.close(reader)
+
+
+@for_each_signal
+def ignored_from_the_start(number):
+    process, writer = start_reading(prepare=lambda: signal.signal(number, signal.SIG_IGN))
+    process.send_signal(number)
+    finish_input(writer)
+    expect(end(process), 0, b"all i-blocks =    1.00 (secs)\n\n")
+    if read("out.sco") != SCORE:
+        raise Failure("another score")
+
+
+def make(name):
+    """Makes one check in a folder of its own; returns how it went."""
+    here = os.getcwd()
+    with tempfile.TemporaryDirectory(prefix="orlo-fault-") as folder:
+        os.chdir(folder)
+        os.mkdir("tmp")
+        try:
+            checks[name]()
+        except Skip as reason:
+            return f"skipped: {name}: {reason}"
+        except Failure as fault:
+            return f"FAIL: {name}: {fault}"
+        finally:
+            os.chdir(here)
+    return f"ok: {name}"
+
+
+def main():
+    global orlo, megabytes
+    parser = argparse.ArgumentParser(description="check what orlo does when files fail and signals come")
+    parser.add_argument("--orlo", required=True, help="the program that keeps its temporary files in tmp/")
+    parser.add_argument("--megabytes", type=int, help="memory that a large input may take")
+    parser.add_argument("names", nargs="*", metavar="NAME", help="checks to make (default: all)")
+    options = parser.parse_args()
+    orlo, megabytes = os.path.abspath(options.orlo), options.megabytes
+    unknown = set(options.names) - set(checks)
+    if unknown:
+        parser.error(f"no such check: {', '.join(sorted(unknown))}")
+    results = []
+    for name in options.names or checks:
+        results.append(make(name))
+        print(results[-1], flush=True)
+    failed = sum(result.startswith("FAIL") for result in results)
+    print(f"{len(results)} checks, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,128 @@
+"""Is everything installed, and does it work there: check_install.py --cmake CMAKE --build FOLDER --version VERSION
+
+Installs into a temporary prefix and looks at what is there from another folder: the program and its version, an example
+and one with include files, the man pages, the completion in a real bash, the MIME type. What needs a program that is
+missing (mandoc, bash, xmllint) is left out.
+"""
+
+import argparse
+import glob
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../..")
+FILES = ["bin/orlo", "share/man/man1/orlo.1", "share/man/man5/orlo.5", "share/bash-completion/completions/orlo",
+         "share/mime/packages/orlo.xml", "share/doc/orlo/LICENSE"]
+COMPLETIONS = [  # what is typed, what is offered
+    (["orlo", "-"], ["-l", "-m", "-s", "-t", "-x"]),
+    (["orlo", "-s", ""], ["folder", "piece.orlo"]),
+    (["orlo", "-l", ""], ["folder", "old.mid", "old.sco", "piece.orlo"]),
+    (["orlo", "piece.orlo", ""], ["folder", "old.sco"]),
+    (["orlo", "-l", "run.log", "piece.orlo", "o"], ["old.sco"]),
+    (["orlo", "-m", "piece.orlo", ""], ["folder", "old.mid"]),
+    (["orlo", "piece.orlo", "n"], []),
+    (["orlo", "piece.orlo", "old.sco", ""], []),
+]
+
+faults = []
+
+
+def run(command, **options):
+    return subprocess.run(command, check=False, text=True, timeout=120,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **options)
+
+
+def expect(condition, fault):
+    if not condition:
+        faults.append(fault)
+
+
+def check_files(prefix):
+    documents = [os.path.basename(path) for path in glob.glob(os.path.join(ROOT, "docs/*.md"))]
+    examples = [os.path.relpath(path, os.path.join(ROOT, "examples")) for kind in ("*.orlo", "*.orc", "*.inc", "*.md", "csd/*.csd")
+                for path in glob.glob(os.path.join(ROOT, "examples", kind))]
+    expect(documents, "the project has no manual")
+    expect(len(examples) > 20, "the project has no examples")
+    for name in FILES + [f"share/doc/orlo/{name}" for name in documents] + [f"share/doc/orlo/examples/{name}" for name in examples]:
+        expect(os.path.isfile(os.path.join(prefix, name)), f"not installed: {name}")
+    there = [os.path.relpath(os.path.join(folder, name), prefix) for folder, _, names in os.walk(prefix) for name in names]
+    for name in there:
+        expect(not name.endswith((".py", ".pyc", ".a", ".h", ".case")), f"installed, and no use there: {name}")
+
+
+def check_program(prefix, version, work):
+    program = os.path.join(prefix, "bin/orlo")
+    expect(f"\nOrlo ({version}, " in run([program]).stdout, f"the program is not version {version}")
+    examples = os.path.join(prefix, "share/doc/orlo/examples")
+    made = run([program, os.path.join(examples, "first.orlo"), "first.sco"], cwd=work)
+    expect(made.returncode == 0, f"first.orlo: status {made.returncode}\n{made.stdout}")
+    expect(os.path.isfile(os.path.join(work, "first.sco")), "first.orlo: no score")
+    made = run([program, "quartet.orlo", os.path.join(work, "quartet.sco")], cwd=examples)
+    expect(made.returncode == 0, f"quartet.orlo: status {made.returncode}\n{made.stdout}")
+
+
+def check_pages(prefix):
+    if not shutil.which("mandoc"):
+        return
+    for section in "15":
+        page = run(["mandoc", "-T", "lint", os.path.join(prefix, f"share/man/man{section}/orlo.{section}")])
+        expect(page.returncode == 0, f"orlo.{section}: {page.stdout}")
+
+
+def check_completion(prefix, work):
+    if not shutil.which("bash"):
+        return
+    os.mkdir(os.path.join(work, "folder"))
+    for name in ("piece.orlo", "old.sco", "old.mid"):
+        with open(os.path.join(work, name), "w", encoding="ascii"):
+            pass
+    script = 'source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _orlo; printf "%s\\n" "${COMPREPLY[@]}"'
+    for words, offered in COMPLETIONS:
+        reply = run(["bash", "--norc", "-c", script, os.path.join(prefix, "share/bash-completion/completions/orlo"), *words], cwd=work)
+        expect(sorted(filter(None, reply.stdout.split("\n"))) == offered, f"completion of {words}: {reply.stdout.split()}")
+
+
+def check_mime(prefix):
+    file = os.path.join(prefix, "share/mime/packages/orlo.xml")
+    if shutil.which("xmllint"):
+        for path, value in (("//*[local-name()='mime-type']/@type", "text/x-orlo"),
+                            ("//*[local-name()='glob']/@pattern", "*.orlo"),
+                            ("//*[local-name()='sub-class-of']/@type", "text/plain")):
+            found = run(["xmllint", "--nonet", "--xpath", f"string({path})", file])
+            expect(found.stdout.strip() == value, f"MIME type: {found.stdout.strip()} instead of {value}")
+    if shutil.which("update-mime-database"):
+        made = run(["update-mime-database", os.path.join(prefix, "share/mime")])
+        expect(made.returncode == 0, f"MIME type: {made.stdout}")
+        with open(os.path.join(prefix, "share/mime/globs"), encoding="utf-8") as globs:
+            expect("text/x-orlo:*.orlo" in globs.read(), "MIME type: *.orlo is not known after the database has been updated")
+
+
+def main():
+    parser = argparse.ArgumentParser(description="install into a temporary prefix and try it there")
+    parser.add_argument("--cmake", required=True, help="the cmake that has configured the build folder")
+    parser.add_argument("--build", required=True, help="the build folder")
+    parser.add_argument("--version", required=True, help="the project's version")
+    options = parser.parse_args()
+
+    with tempfile.TemporaryDirectory(prefix="orlo-install-") as folder:
+        prefix, work = os.path.join(folder, "prefix"), os.path.join(folder, "a folder")
+        os.mkdir(work)
+        installed = run([options.cmake, "--install", options.build, "--prefix", prefix])
+        if installed.returncode != 0:
+            sys.exit(f"cmake --install ended with {installed.returncode}:\n{installed.stdout}")
+        check_files(prefix)
+        check_program(prefix, options.version, work)
+        check_pages(prefix)
+        shutil.rmtree(work)
+        os.mkdir(work)
+        check_completion(prefix, work)
+        check_mime(prefix)
+    print("\n".join(faults or ["installed, and works from another folder"]))
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

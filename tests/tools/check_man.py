@@ -1,0 +1,62 @@
+"""Are the man pages clean and complete: check_man.py --orlo PROGRAM PAGE...
+
+"mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) must have every option that the
+usage text names, and orlo(5) every word of the keyword table. Ends with 77 when mandoc is missing.
+"""
+
+import argparse
+import os
+import re
+import shutil
+import subprocess
+import sys
+
+KEYWORDS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../src/lang/keywords.cpp")
+
+
+def lint(mandoc, page):
+    run = subprocess.run([mandoc, "-T", "lint", page], check=False, text=True, timeout=60,
+                         stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+    faults = run.stdout.splitlines()
+    return faults or ([f"{page}: mandoc ended with {run.returncode}"] if run.returncode != 0 else [])
+
+
+def missing_options(orlo, text):
+    usage = subprocess.run([orlo], check=False, text=True, stderr=subprocess.PIPE, timeout=60).stderr
+    options = re.findall(r"^  -(\w)", usage, re.M)
+    if not options:
+        sys.exit("the usage text has no options")
+    return [f"orlo.1 lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
+
+
+def missing_keywords(text):
+    with open(KEYWORDS, encoding="utf-8") as file:
+        keywords = [a + b for a, b in re.findall(r"\{'(\w)', '(\w)', \w+,", file.read())]
+    if len(keywords) < 20:
+        sys.exit("the keyword table reads otherwise than before")
+    items = " ".join(re.findall(r"^\.It (.*)", text, re.M)).lower()
+    return [f"orlo.5 lacks {keyword}" for keyword in keywords if not re.search(rf"\b{keyword}\b", items)]
+
+
+def main():
+    parser = argparse.ArgumentParser(description="check the man pages")
+    parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("pages", nargs="+", help="orlo.1, orlo.5")
+    options = parser.parse_args()
+    mandoc = shutil.which("mandoc")
+    if not mandoc:
+        print("skipped: mandoc is not installed")
+        return 77
+
+    faults = []
+    for page in options.pages:
+        with open(page, encoding="utf-8") as file:
+            text = file.read()
+        faults += lint(mandoc, page)
+        faults += missing_options(options.orlo, text) if page.endswith(".1") else missing_keywords(text)
+    print("\n".join(faults or [f"{len(options.pages)} pages are clean and complete"]))
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

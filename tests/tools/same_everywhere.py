@@ -1,0 +1,169 @@
+"""The same bytes everywhere: same_everywhere.py --orlo PROGRAM --folder FOLDER VARIANT
+
+Runs every case, and every example as a score and as a MIDI file, with the program and with a variant of it, and compares
+all that comes out: status, screen, standard output and every file of the run. Only the banner's date may differ.
+
+Variants, which are built in FOLDER/VARIANT:
+  COMPILER-O0, COMPILER-O2, COMPILER-O3    by another compiler, with another optimisation
+  sanitizers                               with AddressSanitizer and UndefinedBehaviorSanitizer
+  aarch64                                  for 64-bit Arm, run by an emulator
+  no-fma                                   the program itself with the mathematical functions that the C library has for
+                                           processors which can't multiply and add in one step: they round otherwise
+Ends with status 77 where a variant can't be had.
+"""
+
+import argparse
+import glob
+import multiprocessing
+import os
+import platform
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+TESTS = os.path.abspath(os.path.join(os.path.dirname(__file__), ".."))
+ROOT = os.path.dirname(TESTS)
+
+sys.path.insert(0, TESTS)
+from run_case import difference, environment, hide_date, parse_args, parse_case, prepare, read_file
+from pieces import included_files
+
+SKIPPED = 77
+SHOWN = 10  # runs whose differences are printed
+ARM_LIBRARIES = "/usr/aarch64-linux-gnu"
+EXAMPLE_OPTIONS = {"score": ["-t", "-l", "run.log", "-x", "trace.txt"], "midi": ["-m", "-l", "run.log", "-x", "trace.txt"]}
+
+reference, other = None, None  # of a worker
+
+
+class Program:
+    """A way to run the program."""
+
+    def __init__(self, command, seconds=60, variables=None):
+        self.command = command  # what stands before the arguments
+        self.seconds = seconds  # that a run may take
+        self.variables = variables or {}
+
+
+def skip(reason):
+    print(f"skipped: {reason}")
+    sys.exit(SKIPPED)
+
+
+def need(*commands):
+    for command in commands:
+        if not shutil.which(command):
+            skip(f"{command} is missing")
+
+
+def build(folder, compiler, flags, *settings):
+    """Builds the program; returns its path."""
+    need(compiler)
+    configure = ["cmake", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DORLO_TESTS=OFF",
+                 f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_CXX_FLAGS_RELEASE={flags}", *settings]
+    make = ["cmake", "--build", folder, "--target", "orlo", "--parallel", str(os.cpu_count())]
+    for command in (configure, make):
+        run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+        if run.returncode != 0:
+            sys.exit(f"{run.stdout}\n{' '.join(command)}: failed")
+    return os.path.join(folder, "orlo")
+
+
+def variant(name, orlo, folder):
+    """The program in another shape."""
+    optimised = re.fullmatch(r"(.+)-(O[023])", name)
+    if optimised:
+        return Program([build(folder, optimised[1], f"-{optimised[2]}")])
+    if name == "sanitizers":
+        return Program([build(folder, "g++", "-O1", "-DORLO_SANITIZE=ON")])
+    if name == "aarch64":
+        need("qemu-aarch64")
+        arm = build(folder, "aarch64-linux-gnu-g++", "-O2", "-DCMAKE_SYSTEM_NAME=Linux", "-DCMAKE_SYSTEM_PROCESSOR=aarch64")
+        return Program(["qemu-aarch64", "-L", ARM_LIBRARIES, arm], seconds=300)
+    if name == "no-fma":
+        if platform.machine() != "x86_64":
+            skip("these functions are there for x86 only")
+        return Program([orlo], variables={"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-FMA,-FMA4,-AVX2"})
+    return sys.exit(f"no variant has the name '{name}'")
+
+
+def prepare_example(path, folder):
+    for name, source in [("in.orlo", path), *included_files(path)]:
+        os.makedirs(os.path.join(folder, os.path.dirname(name)), exist_ok=True)
+        shutil.copy(source, os.path.join(folder, name))
+
+
+def all_runs():
+    """What is run: pairs of a case or piece and the way a piece is run."""
+    cases = sorted(glob.glob(os.path.join(TESTS, "cases", "*", "*.case")))
+    pieces = sorted(glob.glob(os.path.join(ROOT, "examples", "*.orlo")))
+    if not cases or not pieces:
+        sys.exit("there are no cases or no examples")
+    return [(piece, way) for piece in pieces for way in EXAMPLE_OPTIONS] + [(case, None) for case in cases]
+
+
+def outcome(program, path, way):
+    """All that a run leaves behind, by name, without the banner's date."""
+    with tempfile.TemporaryDirectory(prefix="orlo-same-") as folder:
+        if way is None:
+            _, sections = parse_case(read_file(path))
+            prepare(sections, folder)
+            args = parse_args(sections)
+        else:
+            prepare_example(path, folder)
+            args = [*EXAMPLE_OPTIONS[way], "in.orlo", "out"]
+        try:
+            run = subprocess.run([*program.command, *args], cwd=folder, env=environment() | program.variables,
+                                 stdin=subprocess.DEVNULL, capture_output=True, timeout=program.seconds, check=False)
+        except subprocess.TimeoutExpired:
+            return {"status": f"still running after {program.seconds} seconds".encode()}
+        result = {"status": str(run.returncode).encode(), "screen": hide_date(run.stderr), "stdout": run.stdout}
+        for place, _, names in os.walk(folder):
+            for name in names:
+                file = os.path.join(place, name)
+                result[os.path.relpath(file, folder)] = hide_date(read_file(file))
+    return result
+
+
+def start_worker(*programs):
+    global reference, other
+    reference, other = programs
+
+
+def compare(run):
+    """Makes a run with both programs; returns it with how they differ."""
+    one, two = (outcome(program, *run) for program in (reference, other))
+    report = []
+    for name in sorted(one.keys() | two.keys()):
+        if name in one and name in two:
+            report += difference(name, one[name], two[name])
+        else:
+            report.append(f"only one of the two has: {name}")
+    return run, report
+
+
+def main():
+    parser = argparse.ArgumentParser(description="compare the program with a variant of itself")
+    parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("--folder", required=True, help="where variants are built")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="runs at the same time")
+    parser.add_argument("variant")
+    options = parser.parse_args()
+    orlo = os.path.abspath(options.orlo)
+    programs = Program([orlo]), variant(options.variant, orlo, os.path.abspath(os.path.join(options.folder, options.variant)))
+
+    runs, differing = all_runs(), 0
+    with multiprocessing.Pool(options.jobs, start_worker, programs) as pool:
+        for (path, way), report in pool.imap(compare, runs, chunksize=16):
+            if report:
+                differing += 1
+                if differing <= SHOWN:
+                    print("\n  ".join([f"{os.path.relpath(path, ROOT)}{f', as {way}' if way else ''}:", *report]))
+    print(f"{options.variant}: {len(runs)} runs, {differing} of them differ")
+    return 1 if differing else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
