@@ -1,7 +1,8 @@
 // One frame serves every generator: it is written once over the type of the generator's data, and the compiler finds get_set and
 // make_value by that type. Data sets live in vectors, which are given back on every path; exhausted memory in one of them becomes
 // an error number here.
-// Outside p2 the loop ends with the block, which has a number of events by then; in p2 with its span, unless steps use up nothing.
+// Outside p2 the loop ends with the block, which has a number of events by then; in p2 with its span, where steps that use up
+// nothing and reports of a full block are counted.
 
 #include "ddf/ddf.h"
 

@@ -1,5 +1,6 @@
 // Each formula keeps its 32-bit and 64-bit steps apart, because a score must not depend on them being merged.
-// Loops that refuse a draw end because the generator's sequence holds other values than the refused one.
+// A loop that refuses one value ends because the sequence of draws holds others; the step of a walk, whose window can be narrower
+// than two draws lie apart, ends at the latest after WINDOW_DRAWS.
 
 #include "ddf/distributions.h"
 

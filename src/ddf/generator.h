@@ -24,10 +24,10 @@ struct Place {
     std::uint64_t index;   // events generated before it
     std::uint64_t count;   // events covered; in p2 those of a count span
     float         span;    // as in the frame
-    float         elapsed; // seconds since the start of a time span in p2
+    float         elapsed; // seconds since the span began in p2, by the intervals' magnitudes; 0 elsewhere
     float         first;   // beats, first covered event; 0 for a count span
     float         last;    // beats, last covered event; 0 for a count span
-    const Event  *event;   // the event to be filled; null in p2
+    const Event  *event;   // the event behind the cursor, which is filled unless a fuse is pending; null in p2
 };
 
 /// A random range between two bounds; a single value is a range with equal bounds.
@@ -40,10 +40,10 @@ struct RangeData {
 /// Moves over blanks, line ends, comments and separators until nothing moves. @return 0 or an error
 [[nodiscard]] int skip_items(Input &in);
 
-/// Reads "(" and the span: beats, -n for n events, "T" or "T*f". @return 0, 36, 40, 53
+/// Reads "(" and the span: beats, -n for n events, "T" or "T*f". @return 0, 36, 40, 53, or an error of reading
 [[nodiscard]] int get_dynfunc_dur(float &span, Input &in);
 
-/// Reads a set's weight, and what may stand behind it. @return 0, or missing when there is none
+/// Reads a set's weight, and what may stand behind it. @return 0, missing when there is none, or an error of reading
 [[nodiscard]] int get_weight(Frame &frame, Input &in, int missing);
 
 /// Events of a count span: its magnitude, truncated.
@@ -58,10 +58,10 @@ struct RangeData {
 /// Reads an optional distribution letter. @return its code, 0 without one
 [[nodiscard]] int get_rrange_type(Input &in);
 
-/// Reads a value, or "[" letter value value "]", with the bounds in order. @return 0, 37, 39, 41
+/// Reads a value, or "[" letter value value "]", with the bounds in order. @return 0, 37, 39, 41, or an error of reading
 [[nodiscard]] int get_range(RangeData &range, Input &in);
 
-/// Reads a value, or "[" values "]", behind the values that are there. @return 0, 39, 41
+/// Reads a value, or "[" values "]", behind the values that are there. @return 0, 39, 41, or an error of reading
 [[nodiscard]] int get_values(std::vector<float> &values, Input &in);
 
 /// How an element of a list is chosen.

@@ -8,6 +8,8 @@
 #include "input/scanners.h"
 #include "lang/values.h"
 
+#include <cmath>
+
 namespace orlo {
 namespace {
 
@@ -36,6 +38,8 @@ int get_bounds(WalkSet &set, Input &in)
         return result;
     if (set.low > set.high)
         swapf(set.low, set.high);
+    if (!std::isfinite(set.high - set.low)) // a walk has no place in a range without a width
+        return BAD_WALK_RANGE;
     return take_optional(']', in);
 }
 

@@ -29,7 +29,7 @@ struct GroupSet {
 
 bool ends_group(char c) { return is_blank(c) || c == ']' || c == ')' || c == ',' || c == '/'; }
 
-// group -> value { ( "'" | ":" ) value }
+// group -> value { [ "'" | ":" ] value } [ "'" | ":" ]
 int get_S2_element(GroupSet &set, Input &in)
 {
     const std::size_t start = set.values.size();
