@@ -32,7 +32,8 @@ import tempfile
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-COPIED = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src", "tests", "examples", "bench"]
+COPIED = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src", "tests", "examples", "bench", "docs", "packaging", "completions", "README.md",
+          "LICENSE"]
 
 BUILD_LIMIT = 600  # seconds
 UNIT_LIMIT = 60
