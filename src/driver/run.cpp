@@ -74,7 +74,9 @@ bool clean_up(Files &files, bool complete)
     free_variable_list();
     close_read(files.in);
     close_read(files.tmp);
-    bool written = close_written(files.out) || report_lost(out_fname);
+    bool written = close_written(files.out);
+    if (!written)
+        written = report_lost(out_fname);
     if (!close_written(fecho) && complete)
         written = report_lost(exp_fname);
     MKLOG = 0; // what the log has lost is told on the screen alone

@@ -23,19 +23,14 @@ bool stands_at(const char *line, std::uint32_t pos, const char *word)
     return std::strncmp(line + pos, word, std::strlen(word)) == 0;
 }
 
-// a "#" in a line that is skipped: blocks inside are counted; closed tells whether the block that is skipped ends here
-int skip_directive(Input &in, bool &closed)
+// a "#" in a line that is skipped: blocks inside are counted
+// true when the block that is skipped ends here
+bool skip_directive(Input &in)
 {
-    closed = false;
     ++in.pos;
-    if (is_if(in.line, in.pos) != 0) {
+    if (is_if(in.line, in.pos) != 0)
         ++IF_MATCH;
-    } else if (is_endif(in.line, in.pos) != 0) {
-        if (const int result = do_endif(in); result != OK)
-            return result;
-        closed = IF_MATCH == start_level;
-    }
-    return OK;
+    return do_endif(in) == OK && IF_MATCH == start_level;
 }
 
 // skipped-block -> characters "#" "endif", with blocks inside it
@@ -49,7 +44,7 @@ int skip_false_block(Input &in)
             result     = result < 0 ? static_cast<int>(EOF_IN_IF) : result;
             flags.line = false;
         } else if (peek(in) == '#' && !flags.line && !flags.block) {
-            result = skip_directive(in, closed);
+            closed = skip_directive(in);
         } else {
             follow_comment(flags, peek(in), in.line[in.pos + 1]);
             ++in.pos;

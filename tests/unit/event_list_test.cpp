@@ -600,5 +600,10 @@ TEST_F(EventList, OfThreeFieldsIsListedWithoutValues)
     EXPECT_EQ("\nST   0.000\tD   1.000\tBT  0.000\tCODE 0\t", times);
 }
 
+TEST_F(EventList, OfNoEventsIsListedAsNothing)
+{
+    EXPECT_EQ("", output_of([&] { EXPECT_EQ("", file_of([&](std::FILE *file) { TraverseList(list, file, n); })); }));
+}
+
 } // namespace
 } // namespace orlo

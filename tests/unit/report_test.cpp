@@ -269,5 +269,25 @@ TEST_F(Report, ErrorsAndMessagesAreNeverSuppressed)
     EXPECT_EQ("notice", screen_of([] { Mprintf("notice"); }));
 }
 
+TEST_F(Report, AConversionWithoutAnArgumentStandsForItself)
+{
+    EXPECT_EQ("d", screen_of([] { Mprintf("%d"); }));
+    EXPECT_EQ("7 s", screen_of([] { Mprintf("%d %s", 7); }));
+}
+
+TEST_F(Report, ACharacterBehindTextOfAnyLengthArrives)
+{
+    for (std::size_t length = 4606; length <= 4609; ++length) {
+        const std::string text(length, 'w');
+        EXPECT_EQ(text + "xy", screen_of([&] { Mprintf("%s%c%c", text.c_str(), 'x', 'y'); })) << length;
+    }
+}
+
+TEST_F(Report, AnErrorBeforeTheLogIsOpenGoesToTheScreen)
+{
+    MKLOG = 1;
+    EXPECT_EQ("\n\nERROR: Line 4: Yikes, out of memory!\np4\n^\n", screen_of([] { error_no(OUT_OF_MEMORY, 4, "p4", 0); }));
+}
+
 } // namespace
 } // namespace orlo

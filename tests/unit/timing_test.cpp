@@ -504,5 +504,18 @@ TEST_F(Timing, TwoNumbersAreExchanged)
     EXPECT_EQ(1.0F, b);
 }
 
+TEST_F(Timing, ALoopThatBeginsWithAChordMemberHasOneEventMore)
+{
+    fill(2, 1.0F);
+    P_NO     = 4;
+    EVENTS   = 2;
+    EVENT_NO = 3;
+    ASSERT_EQ(1, StoreInQ(queue, 0, 5.0F));
+    queue->code = 1;
+    EXPECT_EQ(OK, fill_to_end(list, cursor, queue, in));
+    EXPECT_EQ(3U, EVENTS);
+    EXPECT_EQ(3U, EVENT_NO); // which the event stored last was already
+}
+
 } // namespace
 } // namespace orlo
