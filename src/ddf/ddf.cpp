@@ -166,10 +166,9 @@ template <typename Data> int generate(Section &section, Input &in)
         return result;
     if (const int result = get_sets(data, frame, in); result != OK)
         return result;
-    if constexpr (!std::is_same_v<Data, Expression>) // which is refused in p2
-        if (P_NO == 2)
-            return frame.span < 0.0F ? fill_p2_events(data, frame, section, in) : fill_p2_beats(data, frame, section, in);
-    return fill_events(data, frame, section, in);
+    if (P_NO != 2)
+        return fill_events(data, frame, section, in);
+    return frame.span < 0.0F ? fill_p2_events(data, frame, section, in) : fill_p2_beats(data, frame, section, in);
 }
 
 int generate_by_code(Code code, Section &section, Input &in)

@@ -13,7 +13,7 @@
 namespace orlo {
 namespace {
 
-bool is_separator(char c) { return c == '/' || c == '\'' || c == ',' || c == ':'; }
+bool is_separator(char c) { return is_blank(c) || c == '/' || c == '\'' || c == ',' || c == ':'; }
 
 // the section ends here: nothing more fits into the block
 int block_full(Section &section, const Input &in, Warning warning)
