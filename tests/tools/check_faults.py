@@ -339,6 +339,17 @@ def screen_is_full():
 
 
 @check
+def full_block_is_reported_a_hundred_thousand_times():
+    """Each step of a count span in p2 that finds the block full is reported, up to a limit."""
+    for steps, warnings in (100000, 99999), (100001, 100000), (100002, 100000):
+        write("in.orlo", b"i1 = 3 0 1 {\np2 ra(-%d 1 1)\np3 1\n}\n" % steps)
+        status, screen = run("in.orlo", "out.sco")
+        expect((status, b""), 0)
+        if screen.count(b"DDF data truncated") != warnings:
+            raise Failure(f"{screen.count(b'DDF data truncated')} warnings of {steps} steps")
+
+
+@check
 def screen_is_closed():
     """What is meant for the screen reaches no file that was opened in its place."""
     write("in.orlo", PIECE)

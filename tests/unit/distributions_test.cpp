@@ -426,6 +426,27 @@ TEST(Window, TakesADrawForEachAttempt)
     EXPECT_GT(most, 2);
 }
 
+TEST(Window, HoldsBothOfItsEnds)
+{
+    int at_low  = 0;
+    int at_high = 0;
+    for (std::uint32_t seed = 1; seed <= 50; ++seed) {
+        seed_draws(seed);
+        const float first = draw_uniform();
+        for (const float side : {0.125F, -0.125F}) {
+            float position = first + side; // the window's end is the first draw, where the sum is exact
+            if (position - side != first || position < 0.125F || position > 0.875F)
+                continue;
+            ++(side > 0.0F ? at_low : at_high);
+            seed_draws(seed);
+            static_cast<void>(rwindow(position, 0.25F));
+            EXPECT_EQ(first, position) << seed << ' ' << side;
+        }
+    }
+    EXPECT_GT(at_low, 0);
+    EXPECT_GT(at_high, 0);
+}
+
 TEST(Window, ThatNoDrawCanHitEndsAfterTwoToThe24)
 {
     constexpr float FROM = 1e-6F; // between 2147 and 2148 times 2^-31
