@@ -15,3 +15,10 @@ install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN man EXCLUDE)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
   FILES_MATCHING PATTERN "*.orlo" PATTERN "*.inc" PATTERN "*.orc" PATTERN "*.csd" PATTERN "*.md" PATTERN "*.svg")
+
+# what editors read, where a Debian system's editors look for it; VS Code has no such place
+install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles FILES_MATCHING PATTERN "*.vim")
+install(FILES editors/emacs/orlo-mode.el DESTINATION ${CMAKE_INSTALL_DATADIR}/emacs/site-lisp)
+install(FILES editors/textmate/orlo.tmLanguage.json editors/textmate/orlo-csd.tmLanguage.json editors/README.md
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/orlo/editors)
+install(DIRECTORY editors/vscode DESTINATION ${CMAKE_INSTALL_DATADIR}/orlo/editors)

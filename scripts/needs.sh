@@ -25,6 +25,10 @@ needs_for_more=(
     "lintian=lintian"
     "dpkg-dev=dpkg-shlibdeps"
     "libxml2-utils=xmllint"
+    "vim=vim"
+    "emacs-nox=emacs"
+    "nodejs=node"
+    "npm=npm"
 )
 # scripts/test --coverage
 needs_for_coverage=(

@@ -1,8 +1,8 @@
 """Is everything installed, and does it work there: check_install.py --cmake CMAKE --build FOLDER --version VERSION
 
 Installs into a temporary prefix and looks at what is there from another folder: the program and its version, an example
-and one with include files, the man pages, the completion in a real bash, the MIME type. What needs a program that is
-missing (mandoc, bash, xmllint) is left out.
+and one with include files, the man pages, the completion in a real bash, the MIME type, what Vim and Emacs make of a piece. What needs a
+program that is missing (mandoc, bash, xmllint, vim, emacs) is left out.
 """
 
 import argparse
@@ -15,7 +15,11 @@ import tempfile
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../..")
 FILES = ["bin/orlo", "share/man/man1/orlo.1", "share/man/man5/orlo.5", "share/bash-completion/completions/orlo",
-         "share/mime/packages/orlo.xml", "share/doc/orlo/LICENSE"]
+         "share/mime/packages/orlo.xml", "share/doc/orlo/LICENSE",
+         "share/vim/vimfiles/syntax/orlo.vim", "share/vim/vimfiles/ftdetect/orlo.vim", "share/vim/vimfiles/ftplugin/orlo.vim",
+         "share/vim/vimfiles/compiler/orlo.vim", "share/emacs/site-lisp/orlo-mode.el",
+         "share/orlo/editors/README.md", "share/orlo/editors/orlo.tmLanguage.json", "share/orlo/editors/orlo-csd.tmLanguage.json",
+         "share/orlo/editors/vscode/package.json", "share/orlo/editors/vscode/syntaxes/orlo.tmLanguage.json"]
 COMPLETIONS = [  # what is typed, what is offered
     (["orlo", "-"], ["-l", "-m", "-s", "-t", "-x"]),
     (["orlo", "-s", ""], ["folder", "piece.orlo"]),
@@ -100,6 +104,19 @@ def check_mime(prefix):
             expect("text/x-orlo:*.orlo" in globs.read(), "MIME type: *.orlo is not known after the database has been updated")
 
 
+def check_editors(prefix, work):
+    piece = os.path.join(work, "piece.orlo")
+    if shutil.which("vim"):
+        vim = ["vim", "-Nu", "NONE", "-i", "NONE", "-n", "-es", "--cmd", f"set rtp^={prefix}/share/vim/vimfiles",
+               "--cmd", "filetype plugin on | syntax on", piece, "-c", "if b:current_syntax !=# 'orlo' | cquit | endif | qall!"]
+        made = run(vim, stdin=subprocess.DEVNULL)
+        expect(made.returncode == 0, f"Vim does not know a piece: {made.stdout}")
+    if shutil.which("emacs"):
+        made = run(["emacs", "-Q", "--batch", "-L", f"{prefix}/share/emacs/site-lisp", "-l", "orlo-mode", piece,
+                    "--eval", "(princ major-mode)"])
+        expect(made.stdout.strip().endswith("orlo-mode"), f"Emacs does not know a piece: {made.stdout}")
+
+
 def main():
     parser = argparse.ArgumentParser(description="install into a temporary prefix and try it there")
     parser.add_argument("--cmake", required=True, help="the cmake that has configured the build folder")
@@ -119,6 +136,7 @@ def main():
         shutil.rmtree(work)
         os.mkdir(work)
         check_completion(prefix, work)
+        check_editors(prefix, work)
         check_mime(prefix)
     print("\n".join(faults or ["installed, and works from another folder"]))
     return 1 if faults else 0
