@@ -185,7 +185,8 @@ class Grammar:
         region("block_comment", "block-comment", r"/\*", [(r"\*/", "")], "block_comment", content="block-comment")
         match("comment_in_line", "block-comment", r"/\*[^*]*\*/")   # in a score line
         region("direct", "score-line", ">", [("$", "")], "direct", content="score-line")
-        ends = {"define": [("", "#")], "condition": [(r"\)", ""), ("$", "")], "include": [("", r"[^ \t|]"), ("$", "")]}
+        command = any_of([either_case(word) + r"\(" for word in self.vocabulary.settings["GLOBAL"]])
+        ends = {"define": [("", "#")], "const": [("", f"[#>]|{command}"), ("$", "")], "undef": [("", "[#>]"), ("$", "")], "condition": [(r"\)", ""), ("$", "")], "include": [("", r"[^ \t|]"), ("$", "")]}
         for word in self.vocabulary.directives:
             if DIRECTIVES[word]:
                 region(word, "directive", "#" + word, ends.get(DIRECTIVES[word], [("$", "")]), DIRECTIVES[word],
@@ -210,13 +211,16 @@ class Grammar:
 
     def blocks(self):
         match, region = self.match, self.region
-        match("ignored", "ignored", r"[ \t]*[^ \t].*", behind=r"\}")
-        region("instrument", "block", "i", [(r"\}", "")], "header", ahead=r"[ \t]*[-0-9$~]", end_kind="bracket")
+        match("ignored", "ignored", r".+", behind=r"\}")
+        region("instrument", "block", "i", [(r"\}", "")], "header", ahead=r"[ \t]*(?:[-0-9$~]|$)", end_kind="bracket")
         region("braces", "bracket", r"\{", [("", r"\}")], "block")
         match("equals", "operator", "=")
+        match("sign", "operator", "[-+]", ahead="[$~]")
+        match("any_block", "block", "i", ahead="[-0-9$]")
+        match("stray_brace", "bracket", "[{}]")   # of a block whose header is in a macro
         for name, pattern, ahead in (("section", "p[0-9]+", ""), ("section_of_macro", "p", r"\$")):
             region(name, "pfield", pattern, [("", rf"{NEXT_SECTION}|\}}")], "section_number", ahead=ahead)
-        match("pfield", "pfield", "p[0-9]+")
+        match("pfield", "pfield", "[pP][0-9]+")
         region("output", "bracket", r"\(", [(r"\)", ""), ("", r"\}")], "output")
 
     def words_of_sections(self):
@@ -257,7 +261,7 @@ class Grammar:
         self.region("ex_brackets", "bracket", r"\[", [(r"\]", ""), ("", r"[})]")], "ex_equation")
         self.match("fraction", "operator", r"\*", behind="T")
         self.match("choice", "choice", r"[x*]")
-        self.match("rounding", "choice", "i")
+        self.match("rounding", "choice", "[iIfF]")
         self.match("span", "span", "T")
         self.match("star", "operator", r"\*")
 
@@ -291,7 +295,8 @@ class Grammar:
         lines = ["if", "endif", "include"]
         context("block_comment", "block_comment")
         context("file")
-        context("top", *comments, *calls, *self.vocabulary.directives, "direct", "macro_body", "setting", "tempo", "instrument", "ignored")
+        context("top", *comments, *calls, *self.vocabulary.directives, "direct", "macro_body", "setting", "tempo", "instrument", "section",
+                "section_of_macro", "stray_brace", "ignored")
         context("direct", "comment", "comment_in_line", *calls)
         context("define", *comments, "parameters", "macro_name")
         context("parameters", *comments, "parameter", "separator", "argument_separator")
@@ -299,18 +304,18 @@ class Grammar:
         context("const", *comments, *calls, "constant_name", "number")
         context("condition", *comments, *calls, "parenthesis", "number")
         context("include", "file")
-        flat = [*calls, "any_type", "any_setting", "any_generator", "pfield", "any_rest", "any_note", "any_repeat", "span", "number",
+        flat = [*calls, "any_block", "any_type", "any_setting", "any_generator", "pfield", "any_rest", "any_note", "any_repeat", "span", "number",
                 "any_word", "slashes", "loop", "separator", "any_operator"]
         context("macro_body", *comments, *flat, "chord", "any_bracket")
         context("arguments", *flat, "argument_separator", "chord", "any_bracket")
         context("equation", *calls, "constant_name", "term", "unsigned", "operator")
-        context("header", *comments, *lines, *calls, "equals", "number", "separator", "braces")
+        context("header", *comments, *lines, *calls, "equals", "sign", "number", "separator", "braces")
         context("block", *comments, *lines, *calls, "setting_of_block", "section", "section_of_macro")
         context("output", *calls, "output_type")
         context("setting", *comments, *lines, *calls, "parenthesis", "number", "separator")
         context("tempo", *comments, *lines, *calls, "parenthesis", "number", "curve", "separator")
         context("to_curve", "separator")
-        self.lists([*comments, *lines, *calls])
+        self.lists([*comments, *lines, *calls, "sign"])
 
     def lists(self, common):
         context = self.context
@@ -325,8 +330,9 @@ class Grammar:
             context(f"range_{mode}", f"distribution_{mode}")
             inside = [*common, "parenthesis", "span", "fraction", "number", "last_value", "star", "separator",
                       *(written[mode] if mode == "note" else [])]
-            own = {"ra": [f"range_{mode}"], "mo": [f"range_{mode}", "weight_and_curve", "constant_and_curve"],
-                   "ms": ["weight_and_curve", "constant_and_curve"], "se": ["choice"], "s2": ["choice", "chord"]}
+            # on a line of its own a curve is taken for a note, where there are notes
+            curve = ["weight_and_curve", "constant_and_curve", *(["curve"] if mode != "note" else [])]
+            own = {"ra": [f"range_{mode}"], "mo": [f"range_{mode}", *curve], "ms": curve, "se": ["choice"], "s2": ["choice", "chord"]}
             for word in self.vocabulary.generators:
                 if word == "ex":
                     context(f"ex_{mode}", *common, "parenthesis", "span", "fraction", "rounding", "number", "pfield", "separator",

@@ -171,7 +171,7 @@ def injection(vocabulary):
 # Vim
 
 def vim(pattern, ahead="", behind=""):
-    behind = rf"\%({translate(behind, VIM)}\)\@<=" if behind else ""
+    behind = rf"\%({translate(behind, VIM)}\)\@1<=" if behind else ""
     return '"' + behind + translate(pattern, VIM) + (rf"\%({translate(ahead, VIM)}\)\@=" if ahead else "") + '"'
 
 
@@ -185,7 +185,8 @@ def vim_rule(rule, top):
         return f"syntax match {group} {vim(rule.pattern, rule.ahead, rule.behind)}{contained}"
     end_group = f" matchgroup={camel(rule.end_kind)}" if rule.end_kind != rule.kind else ""
     ends = "".join(f" end={vim(*end)}" for end in rule.ends)
-    return (f"syntax region {group} matchgroup={camel(rule.kind)} start={vim(rule.pattern, rule.ahead, rule.behind)}"
+    alone = " excludenl" if any("$" in end[0] for end in rule.ends) else ""   # leaves the end of the line to what is around it
+    return (f"syntax region {group}{alone} matchgroup={camel(rule.kind)} start={vim(rule.pattern, rule.ahead, rule.behind)}"
             f"{end_group}{ends} contains=@orlo_in_{rule.context}{contained}")
 
 

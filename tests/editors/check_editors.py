@@ -3,7 +3,7 @@
 CHECK is
   places    every mark of places.orlo is as it says, and the program accepts that file
   words     every word of the program's tables is coloured as what it is, in either case, in its places and in no other
-  examples  no character of an example but blanks is without a colour
+  examples  no character of an example, or of the manual's, but blanks is without a colour
   errors    an error of the program leads to its file, line and column
   lint      the editor's own tools have nothing to say about its files
   agree     all editors colour examples and places.orlo alike; EDITOR is "all"
@@ -238,7 +238,7 @@ def check_words(editor, options):
 
 
 def example_files(folder):
-    """The examples, and the orlo text of the Csound documents as files of its own."""
+    """The examples, the orlo text of the Csound documents and of the manual and the tutorial."""
     files = sorted(glob.glob(os.path.join(ROOT, "examples", "*.orlo")) + glob.glob(os.path.join(ROOT, "examples", "*.inc")))
     for path in sorted(glob.glob(os.path.join(ROOT, "examples", "csd", "*.csd"))):
         with open(path, encoding="ascii") as file:
@@ -246,6 +246,14 @@ def example_files(folder):
         name = os.path.join(folder, os.path.basename(path)[:-4] + "-csd.orlo")
         with open(name, "w", encoding="ascii") as file:
             file.write(text[1])
+        files.append(name)
+    for page in ("manual", "tutorial"):
+        blocks = re.findall(r"^```orlo(?: [^\n]*)?\n(.*?)^```", read("docs", page + ".md"), re.M | re.S)
+        if not blocks:
+            sys.exit(f"{page}.md has no blocks")
+        name = os.path.join(folder, page + ".orlo")
+        with open(name, "w", encoding="ascii") as file:
+            file.write("\n".join(blocks))
         files.append(name)
     # a file of includes is no .orlo file for an editor that goes by names
     for index, path in enumerate(files):
