@@ -90,8 +90,7 @@ def words():
     def suffix(form):
         return "x?" if re.search(r"\b..x\b", form) else "[0-7]?" if re.search(r"\b..N", form) else ""
 
-    settings = {place: chosen(lambda word, code, places, at=place: code.startswith("CMD_") and at in places and forms[word].islower()
-                              or re.fullmatch(r"[a-z]{2}\([A-Z]\)", forms[word]) and at in places)
+    settings = {place: chosen(lambda word, code, places, at=place: at in places and re.fullmatch(word + r"\(.*\)", forms[word]))
                 for place in ("GLOBAL", "BLOCK")}
     curves = re.search(r"constexpr CurveLetter letters\[\] = \{(.*?)\n\};", read("src", "ddf", "curves.cpp"), re.S)[1]
     ranges = re.search(r"int is_rrange_type\(char c\)\n\{(.*?)return 1;", read("src", "ddf", "generator.cpp"), re.S)[1]
@@ -186,7 +185,8 @@ class Grammar:
         match("comment_in_line", "block-comment", r"/\*[^*]*\*/")   # in a score line
         region("direct", "score-line", ">", [("$", "")], "direct", content="score-line")
         command = any_of([either_case(word) + r"\(" for word in self.vocabulary.settings["GLOBAL"]])
-        ends = {"define": [("", "#")], "const": [("", f"[#>]|{command}"), ("$", "")], "undef": [("", "[#>]"), ("$", "")], "condition": [(r"\)", ""), ("$", "")], "include": [("", r"[^ \t|]"), ("$", "")]}
+        ends = {"define": [("", "#")], "const": [("", f"[#>]|{command}"), ("$", "")], "undef": [("", "[#>]"), ("$", "")],
+                "condition": [(r"\)", ""), ("$", "")], "include": [("", r"[^ \t|]"), ("$", "")]}
         for word in self.vocabulary.directives:
             if DIRECTIVES[word]:
                 region(word, "directive", "#" + word, ends.get(DIRECTIVES[word], [("$", "")]), DIRECTIVES[word],
@@ -230,7 +230,8 @@ class Grammar:
         listed = {"no": "note", "rh": "rhythm"}
         for word, mode in listed.items():
             self.region(f"{mode}s", "input-type", with_suffix(vocabulary, word), ends, f"section_{mode}")
-        self.match("input_type", "input-type", any_of([with_suffix(vocabulary, word) for word in vocabulary.inputs if word not in listed]))
+        plain = [with_suffix(vocabulary, word) for word in vocabulary.inputs if word not in listed]
+        self.match("input_type", "input-type", any_of(plain))
         self.match("output_type", "output-type", any_of([with_suffix(vocabulary, word) for word in vocabulary.outputs]))
         self.match("any_type", "input-type", any_of(inputs), ahead=NO_WORD)
         for name, place, block_only in (("setting", "GLOBAL", False), ("setting_of_section", "BLOCK", False),
@@ -295,8 +296,8 @@ class Grammar:
         lines = ["if", "endif", "include"]
         context("block_comment", "block_comment")
         context("file")
-        context("top", *comments, *calls, *self.vocabulary.directives, "direct", "macro_body", "setting", "tempo", "instrument", "section",
-                "section_of_macro", "stray_brace", "ignored")
+        context("top", *comments, *calls, *self.vocabulary.directives, "direct", "macro_body", "setting", "tempo", "instrument",
+                "section", "section_of_macro", "stray_brace", "ignored")
         context("direct", "comment", "comment_in_line", *calls)
         context("define", *comments, "parameters", "macro_name")
         context("parameters", *comments, "parameter", "separator", "argument_separator")
@@ -304,8 +305,8 @@ class Grammar:
         context("const", *comments, *calls, "constant_name", "number")
         context("condition", *comments, *calls, "parenthesis", "number")
         context("include", "file")
-        flat = [*calls, "any_block", "any_type", "any_setting", "any_generator", "pfield", "any_rest", "any_note", "any_repeat", "span", "number",
-                "any_word", "slashes", "loop", "separator", "any_operator"]
+        flat = [*calls, "any_block", "any_type", "any_setting", "any_generator", "pfield", "any_rest", "any_note", "any_repeat", "span",
+                "number", "any_word", "slashes", "loop", "separator", "any_operator"]
         context("macro_body", *comments, *flat, "chord", "any_bracket")
         context("arguments", *flat, "argument_separator", "chord", "any_bracket")
         context("equation", *calls, "constant_name", "term", "unsigned", "operator")
@@ -332,7 +333,8 @@ class Grammar:
                       *(written[mode] if mode == "note" else [])]
             # on a line of its own a curve is taken for a note, where there are notes
             curve = ["weight_and_curve", "constant_and_curve", *(["curve"] if mode != "note" else [])]
-            own = {"ra": [f"range_{mode}"], "mo": [f"range_{mode}", *curve], "ms": curve, "se": ["choice"], "s2": ["choice", "chord"]}
+            own = {"ra": [f"range_{mode}"], "mo": [f"range_{mode}", *curve], "ms": curve, "se": ["choice"],
+                   "s2": ["choice", "chord"]}
             for word in self.vocabulary.generators:
                 if word == "ex":
                     context(f"ex_{mode}", *common, "parenthesis", "span", "fraction", "rounding", "number", "pfield", "separator",

@@ -14,10 +14,10 @@ import json
 import os
 import re
 import sys
-import warnings
 
-with warnings.catch_warnings():
-    warnings.simplefilter("ignore", DeprecationWarning)
+try:
+    from re import _parser as sre_parse
+except ImportError:   # before Python 3.11
     import sre_parse
 
 HERE = os.path.dirname(os.path.abspath(__file__))

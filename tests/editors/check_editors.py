@@ -75,7 +75,8 @@ def textmate(files, work):
                 "source.csound.csd": os.path.join(HERE, "csd.tmLanguage.json"),
                 "injectTo": {"source.csound.csd": ["orlo.csd.injection"]}}
     jobs = [["source.csound.csd" if name.endswith(".csd") else "source.orlo", name] for name in files]
-    status, output = run(["node", os.path.join(HERE, "textmate_kinds.js"), node_modules(work), json.dumps(grammars), json.dumps(jobs)])
+    script = os.path.join(HERE, "textmate_kinds.js")
+    status, output = run(["node", script, node_modules(work), json.dumps(grammars), json.dumps(jobs)])
     if status != 0:
         sys.exit(f"node ended with {status}:\n{output}")
     return json.loads(output), {scope(kind): kind for kind in KINDS}
@@ -93,10 +94,10 @@ def with_result(command, folder, env, cwd=None):
 
 def vim_command(script):
     need("vim")
-    if run(["vim", "-Nu", "NONE", "-i", "NONE", "-n", "-es", "--cmd", "if !has('syntax') || !exists('*hlget') | cquit | endif | qall!"])[0]:
-        raise Missing("vim has no syntax colouring")
-    return ["vim", "-Nu", "NONE", "-i", "NONE", "-n", "-es",
-            "--cmd", f"set runtimepath^={EDITORS}/vim | filetype plugin on | syntax on", "-S", os.path.join(HERE, script)]
+    plain = ["vim", "-Nu", "NONE", "-i", "NONE", "-n", "-es"]
+    if run([*plain, "--cmd", "if !has('syntax') || !exists('*hlget') | cquit | endif | qall!"])[0] != 0:
+        raise Missing("this vim has no syntax colouring, or is older than 8.2.3578")
+    return [*plain, "--cmd", f"set runtimepath^={EDITORS}/vim | filetype plugin on | syntax on", "-S", os.path.join(HERE, script)]
 
 
 def vim(files, _):
@@ -107,7 +108,8 @@ def vim(files, _):
 
 def emacs_command(function):
     need("emacs")
-    return ["emacs", "-Q", "--batch", "-L", os.path.join(EDITORS, "emacs"), "-l", os.path.join(HERE, "emacs_kinds.el"), "-f", function]
+    return ["emacs", "-Q", "--batch", "-L", os.path.join(EDITORS, "emacs"), "-l", os.path.join(HERE, "emacs_kinds.el"),
+            "-f", function]
 
 
 def emacs(files, _):
@@ -335,7 +337,8 @@ def check_agree(_, options):
     return f"{', '.join(found)}: {count} characters"
 
 
-FAULTY = "te(90)\ni1 = 4 0 4 { ; a block\n\tp2 1\n\tp3 rd(2) 1\n\tp4 RA(T .5 [1 2]) 3\n}\n"   # a warning in line 4, an error in line 5
+# a warning in line 4, an error in line 5
+FAULTY = "te(90)\ni1 = 4 0 4 { ; a block\n\tp2 1\n\tp3 rd(2) 1\n\tp4 RA(T .5 [1 2]) 3\n}\n"
 
 
 def check_errors(editor, options):
@@ -349,8 +352,9 @@ def check_errors(editor, options):
         if editor == "textmate":
             matcher = json.loads(read("editors", "vscode", "package.json"))["contributes"]["problemPatterns"][0]
             task = re.search(r'"command": "(.*)"', read("editors", "README.md"))[1].replace('\\"', '"').replace("\\\\", "\\")
-            command = task.replace("${file}", piece).replace("${fileDirname}", folder).replace("${fileBasenameNoExtension}", "a piece")
-            _, output = run(["sh", "-c", command], env)
+            for name, value in (("file", piece), ("fileDirname", folder), ("fileBasenameNoExtension", "a piece")):
+                task = task.replace("${" + name + "}", value)
+            _, output = run(["sh", "-c", task], env)
             found = [[os.path.basename(hit[matcher["file"]]), int(hit[matcher["line"]]), hit[matcher["severity"]][0]]
                      for hit in re.finditer(matcher["regexp"], output, re.M)]
             expected = [["a piece.orlo", 4, "W"], ["a piece.orlo", 5, "E"]]
@@ -444,7 +448,8 @@ def check_lint(editor, options):
         return {"textmate": lint_textmate, "vim": lint_vim, "emacs": lint_emacs}[editor](folder, options)
 
 
-CHECKS = {"lint": check_lint, "places": check_places, "words": check_words, "examples": check_examples, "agree": check_agree, "errors": check_errors}
+CHECKS = {"places": check_places, "words": check_words, "examples": check_examples, "errors": check_errors, "lint": check_lint,
+          "agree": check_agree}
 
 
 def main():
