@@ -305,7 +305,8 @@ class Grammar:
         context("const", *comments, *calls, "constant_name", "number")
         context("condition", *comments, *calls, "parenthesis", "number")
         context("include", "file")
-        flat = [*calls, "any_block", "any_type", "any_setting", "any_generator", "pfield", "any_rest", "any_note", "any_repeat", "span",
+        flat = [*calls, "any_block", "any_type", "any_setting", "any_generator", "pfield", "any_rest", "any_note",
+                "any_repeat", "span",
                 "number", "any_word", "slashes", "loop", "separator", "any_operator"]
         context("macro_body", *comments, *flat, "chord", "any_bracket")
         context("arguments", *flat, "argument_separator", "chord", "any_bracket")
