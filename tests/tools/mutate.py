@@ -32,8 +32,7 @@ import tempfile
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-COPIED = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src", "tests", "examples", "bench", "docs", "packaging", "completions", "README.md",
-          "LICENSE"]
+NOT_COPIED = ["build"]  # nor what is hidden
 
 BUILD_LIMIT = 600  # seconds
 UNIT_LIMIT = 60
@@ -197,11 +196,13 @@ class Tree:
         self.folder, self.build = folder, os.path.join(folder, "build")
         self.scratch = os.path.join(folder, "scratch")  # temporary files of the tests
         os.makedirs(self.scratch)
-        for name in COPIED:
+        for name in os.listdir(ROOT):
+            if name.startswith(".") or name in NOT_COPIED:
+                continue
             source = os.path.join(ROOT, name)
             if os.path.isdir(source):
                 shutil.copytree(source, os.path.join(folder, name), ignore=shutil.ignore_patterns("__pycache__"))
-            elif os.path.exists(source):
+            else:
                 shutil.copy2(source, folder)
         self.environment = os.environ | {"CCACHE_DIR": os.path.join(folder, "ccache"), "TMPDIR": self.scratch}
         options = ["-DCMAKE_BUILD_TYPE=Release", "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -w", "-DORLO_TESTS=ON"]
