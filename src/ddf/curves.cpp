@@ -32,7 +32,7 @@ float plot(int code, double x, float start, float end, double exponent)
         shape = x;
         break;
     case Curve::square:
-        shape = std::pow(x, 2.0);
+        shape = x * x;
         break;
     case Curve::root:
         shape = std::pow(x, 0.5);

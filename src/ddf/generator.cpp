@@ -11,6 +11,7 @@
 #include "events/timing.h"
 #include "input/scanners.h"
 #include "lang/values.h"
+#include "output/number_text.h"
 #include "output/numerics.h"
 
 #include <algorithm>
@@ -241,7 +242,7 @@ float curve_at(const Place &place, float curve, float exponent, float start, flo
     if (code < TIME_CURVE)
         return pplot_val(place.index, place.count, code, start, end, power);
     const float time = place.event->beat - place.first;
-    std::printf("\ntime = %f", static_cast<double>(time));
+    std::printf("\ntime = %f", printable(static_cast<double>(time)));
     return tplot_val(code - TIME_CURVE, time, place.last + place.first, start, end, power);
 }
 

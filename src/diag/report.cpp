@@ -64,7 +64,7 @@ void put_conversion(Text &out, const MprintfArg &arg)
         put_block(out, number, put_real(number, arg.single, 7, 2));
         break;
     case MprintfArg::Kind::real:
-        put_block(out, number, number + std::snprintf(number, sizeof number, "%7.2f", arg.real));
+        put_block(out, number, number + std::snprintf(number, sizeof number, "%7.2f", printable(arg.real)));
         break;
     case MprintfArg::Kind::character:
         put(out, arg.character);

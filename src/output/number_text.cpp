@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -49,13 +50,15 @@ char *put_aligned(char *text, const char *start, const char *end, int width)
 
 } // namespace
 
+double printable(double value) { return std::isnan(value) ? std::copysign(value, -1.0) : value; }
+
 char *put_real(char *text, float value, int width, int decimals)
 {
     const auto bits     = std::bit_cast<std::uint32_t>(value);
     const auto exponent = static_cast<int>(bits >> MANTISSA_BITS & 0xFF);
     const int  shift    = (exponent == 0 ? 1 : exponent) - EXPONENT_BIAS;
     if (shift > LARGEST_SHIFT)
-        return text + std::snprintf(text, LONGEST_NUMBER, "%*.*f", width, decimals, static_cast<double>(value));
+        return text + std::snprintf(text, LONGEST_NUMBER, "%*.*f", width, decimals, printable(static_cast<double>(value)));
 
     const std::uint64_t mantissa = (bits & (HIDDEN_BIT - 1)) | (exponent == 0 ? 0 : HIDDEN_BIT);
     const std::uint64_t product  = mantissa * powers_of_ten[decimals];

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdio>
 #include <limits>
 #include <random>
@@ -26,6 +28,8 @@ std::string whole_text(std::int32_t value, int width)
 
 std::string library_text(float value, int width, int decimals)
 {
+    if (std::isnan(value))
+        return std::string(static_cast<std::size_t>(std::max(width - 4, 0)), ' ') + "-nan";
     char text[80];
     std::snprintf(text, sizeof text, "%*.*f", width, decimals, static_cast<double>(value));
     return text;
@@ -69,6 +73,24 @@ TEST(NumberText, AgreesWithTheLibraryAtTheEdges)
                               549755813888.0F, 549755781120.0F, -549755813888.0F, 0.5F, 1.5F, -0.0004F})
         for (int decimals = 0; decimals <= 7; ++decimals)
             EXPECT_EQ(real_text(value, decimals + 6, decimals), library_text(value, decimals + 6, decimals)) << value;
+}
+
+TEST(NumberText, WhatIsNoNumberIsWrittenOneWay)
+{
+    for (const float value : {std::nanf(""), -std::nanf(""), std::nanf("1"), -std::nanf("1")}) {
+        EXPECT_EQ(real_text(value, 9, 3), "     -nan");
+        EXPECT_EQ(real_text(value, 0, 0), "-nan");
+        EXPECT_TRUE(std::isnan(orlo::printable(static_cast<double>(value))));
+        EXPECT_TRUE(std::signbit(orlo::printable(static_cast<double>(value))));
+    }
+}
+
+TEST(NumberText, WhatIsANumberIsPrintable)
+{
+    for (const double value : {0.0, 1.5, -1.5, std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()})
+        EXPECT_EQ(orlo::printable(value), value);
+    EXPECT_FALSE(std::signbit(orlo::printable(0.0)));
+    EXPECT_TRUE(std::signbit(orlo::printable(-0.0)));
 }
 
 TEST(NumberText, ThreeThousandthsAreRightAlignedInEight) { EXPECT_EQ(real_text(1.5F, 8, 3), "   1.500"); }

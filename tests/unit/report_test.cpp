@@ -55,6 +55,13 @@ TEST_F(Report, RealsHaveWidthSevenAndTwoDecimals)
     EXPECT_EQ("[123456789.00]", screen_of([] { Mprintf("[%f]", 123456789.0); }));
 }
 
+TEST_F(Report, WhatIsNoNumberIsPrintedOneWay)
+{
+    EXPECT_EQ("[   -nan]", screen_of([] { Mprintf("[%f]", std::numeric_limits<double>::quiet_NaN()); }));
+    EXPECT_EQ("[   -nan]", screen_of([] { Mprintf("[%f]", -std::numeric_limits<double>::quiet_NaN()); }));
+    EXPECT_EQ("[   -nan]", screen_of([] { Mprintf("[%f]", std::numeric_limits<float>::quiet_NaN()); }));
+}
+
 TEST_F(Report, TheLongestRealIsPrintedWhole)
 {
     const std::string text = screen_of([] { Mprintf("%f", std::numeric_limits<double>::max()); });
