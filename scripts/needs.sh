@@ -30,6 +30,13 @@ needs_for_more=(
     "nodejs=node"
     "npm=npm"
 )
+# scripts/test --all
+needs_for_all=(
+    "g++=g++"
+    "clang=clang++"
+    "g++-aarch64-linux-gnu=aarch64-linux-gnu-g++"
+    "qemu-user=qemu-aarch64"
+)
 # scripts/test --coverage
 needs_for_coverage=(
     "gcovr=gcovr"
