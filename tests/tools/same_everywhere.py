@@ -1,8 +1,8 @@
 """The same bytes everywhere: same_everywhere.py --orlo PROGRAM --folder FOLDER VARIANT
 
-Runs every case, and every example as a score and as a MIDI file, with the program and with a variant of it, and compares
-all that comes out: status, screen, standard output and every file of the run. Only the banner's date may differ. That the
-program itself does what the cases say is tested elsewhere.
+Runs every case, every example as a score and as a MIDI file, and random pieces, with the program and with a variant of it, and
+compares all that comes out: status, screen, standard output and every file of the run. Only the banner's date may differ.
+That the program itself does what the cases say is tested elsewhere.
 
 Variants, which are built in FOLDER/VARIANT:
   COMPILER-O0, COMPILER-O2, COMPILER-O3    by another compiler, with another optimisation
@@ -29,13 +29,16 @@ ROOT = os.path.dirname(TESTS)
 sys.path.insert(0, TESTS)
 from run_case import difference, environment, hide_date, parse_args, parse_case, prepare, read_file
 from pieces import included_files
+from random_piece import random_piece
 
 SKIPPED = 77
+RANDOM = "random_piece.py "  # a piece of this seed
 SHOWN = 10  # runs whose differences are printed
 ARM_LIBRARIES = "/usr/aarch64-linux-gnu"
 NO_FMA = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-FMA,-FMA4,-AVX2"}
 SINES = "import math; print([math.sin(i / 1000) for i in range(10000)])"
-EXAMPLE_OPTIONS = {"score": ["-t", "-l", "run.log", "-x", "trace.txt"], "midi": ["-m", "-l", "run.log", "-x", "trace.txt"]}
+RANDOM_PIECES = 200
+PIECE_OPTIONS = {"score": ["-t", "-l", "run.log", "-x", "trace.txt"], "midi": ["-m", "-l", "run.log", "-x", "trace.txt"]}
 
 reference, other = None, None  # of a worker
 
@@ -99,13 +102,22 @@ def prepare_example(path, folder):
         shutil.copy(source, os.path.join(folder, name))
 
 
+def prepare_piece(name, folder):
+    if name.startswith(RANDOM):
+        with open(os.path.join(folder, "in.orlo"), "w", encoding="ascii") as file:
+            file.write(random_piece(int(name.removeprefix(RANDOM)))[0])
+    else:
+        prepare_example(name, folder)
+
+
 def all_runs():
     """What is run: pairs of a case or piece and the way a piece is run."""
     cases = sorted(glob.glob(os.path.join(TESTS, "cases", "*", "*.case")))
     pieces = sorted(glob.glob(os.path.join(ROOT, "examples", "*.orlo")))
     if not cases or not pieces:
         sys.exit("there are no cases or no examples")
-    return [(piece, way) for piece in pieces for way in EXAMPLE_OPTIONS] + [(case, None) for case in cases]
+    drawn = [(f"{RANDOM}{seed}", "midi" if random_piece(seed)[1] else "score") for seed in range(RANDOM_PIECES)]
+    return [(piece, way) for piece in pieces for way in PIECE_OPTIONS] + drawn + [(case, None) for case in cases]
 
 
 def outcome(program, path, way):
@@ -116,8 +128,8 @@ def outcome(program, path, way):
             prepare(sections, folder)
             args = parse_args(sections)
         else:
-            prepare_example(path, folder)
-            args = [*EXAMPLE_OPTIONS[way], "in.orlo", "out"]
+            prepare_piece(path, folder)
+            args = [*PIECE_OPTIONS[way], "in.orlo", "out"]
         try:
             run = subprocess.run([*program.command, *args], cwd=folder, env=environment() | program.variables,
                                  stdin=subprocess.DEVNULL, capture_output=True, timeout=program.seconds, check=False)
@@ -139,7 +151,7 @@ def start_worker(*programs):
 def compare(run):
     """Makes a run with both programs; returns it with how they differ."""
     one, two = (outcome(program, *run) for program in (reference, other))
-    report = []
+    report = ["the piece has a fault"] if run[0].startswith(RANDOM) and one["status"] != b"0" else []
     for name in sorted(one.keys() | two.keys()):
         if name in one and name in two:
             report += difference(name, one[name], two[name])
@@ -164,7 +176,8 @@ def main():
             if report:
                 differing += 1
                 if differing <= SHOWN:
-                    print("\n  ".join([f"{os.path.relpath(path, ROOT)}{f', as {way}' if way else ''}:", *report]))
+                    name = path if path.startswith(RANDOM) else os.path.relpath(path, ROOT)
+                    print("\n  ".join([f"{name}{f', as {way}' if way else ''}:", *report]))
     print(f"{options.variant}: {len(runs)} runs, {differing} of them differ")
     return 1 if differing else 0
 
