@@ -16,7 +16,8 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 
 find_program(ORLO_DPKG_DEB dpkg-deb)
 find_program(ORLO_SHLIBDEPS dpkg-shlibdeps)
-if(ORLO_DPKG_DEB AND ORLO_SHLIBDEPS)
+find_program(ORLO_FILE file)
+if(ORLO_DPKG_DEB AND ORLO_SHLIBDEPS AND ORLO_FILE)
   set(CPACK_GENERATOR DEB)
 else()
   set(CPACK_GENERATOR TGZ)
@@ -31,12 +32,14 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS csound)
 
 # what a .deb wants besides what is installed: changelog, copyright, man pages compressed
-if(CPACK_GENERATOR STREQUAL "DEB")
-  string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH, where it is set
-  configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog @ONLY)
-  set(CPACK_ORLO_DEBIAN_FILES ${PROJECT_BINARY_DIR}/packaging/changelog ${PROJECT_SOURCE_DIR}/packaging/copyright)
-  set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/finish_deb.cmake)
-endif()
+# (set whatever the generator is: -G may name another one, and Debian's tools may come later than the build folder)
+string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH, where it is set
+configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog @ONLY)
+set(CPACK_ORLO_DEBIAN_FILES ${PROJECT_BINARY_DIR}/packaging/changelog ${PROJECT_SOURCE_DIR}/packaging/copyright)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/finish_deb.cmake)
+
+# by its component, so that install_manifest.txt goes on listing what "cmake --install" did, perhaps as root
+set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};${PROJECT_NAME};Unspecified;/")
 
 set(CPACK_SOURCE_GENERATOR TGZ)
 set(CPACK_SOURCE_PACKAGE_FILE_NAME orlo-${PROJECT_VERSION})

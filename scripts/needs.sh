@@ -43,6 +43,11 @@ needs_for_coverage=(
     "g++=g++"
 )
 
+# scripts/try-fresh
+needs_for_fresh=(
+    "debootstrap=debootstrap"
+)
+
 # is_here COMMAND[:COMMAND...] or FILE
 is_here() {
     local -a commands
@@ -91,6 +96,7 @@ get() {
         [[ ${#packages[@]} -gt 0 ]] || return 0
     fi
     echo "missing, and can't be installed from here: ${packages[*]}" >&2
+    if is_here apt-get; then echo "as root: apt-get update && apt-get install ${packages[*]}" >&2; fi
     return 1
 }
 

@@ -16,7 +16,7 @@ import sys
 import tarfile
 import tempfile
 
-DEB_TOOLS = ("dpkg-deb", "dpkg-shlibdeps", "lintian")
+DEB_TOOLS = ("dpkg-deb", "dpkg-shlibdeps", "file", "lintian")
 DEB_FILES = ["usr/bin/orlo", "usr/share/man/man1/orlo.1.gz", "usr/share/man/man5/orlo.5.gz", "usr/share/doc/orlo/copyright",
              "usr/share/doc/orlo/changelog.gz", "usr/share/doc/orlo/examples/csd/first.csd",
              "usr/share/bash-completion/completions/orlo", "usr/share/mime/packages/orlo.xml",
