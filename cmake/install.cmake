@@ -2,11 +2,11 @@
 
 include(GNUInstallDirs)
 
-install(TARGETS orlo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS orlo orlo-view RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(FILES docs/man/orlo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/man/orlo.1 docs/man/orlo-view.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/orlo.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
-install(FILES completions/orlo DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES completions/orlo completions/orlo-view DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES packaging/orlo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
 
 # manual and tutorial with their pictures, and the examples: *.csd can be rendered where they are, or from anywhere

@@ -29,6 +29,9 @@ needs_for_more=(
     "emacs-nox=emacs"
     "nodejs=node"
     "npm=npm"
+    "chromium=chromium"
+    "chromium-driver=chromedriver"
+    "python3-selenium=/usr/lib/python3/dist-packages/selenium/__init__.py"
 )
 # scripts/test --all
 needs_for_all=(

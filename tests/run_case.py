@@ -3,9 +3,12 @@
 A case is a plain ASCII file: a line "# " with the sentence it shows, more "# " lines if need be, then sections.
 A section begins with a line "--- NAME [WORDS]" and runs to the next such line or the end of the file.
 
+  --- program NAME      the program, in the folder of --orlo (default: the one that --orlo names)
   --- args              the arguments, quoted as in a shell (default: in.orlo out.sco)
   --- file NAME         a file made in the case's own empty folder before the run
   --- dir NAME          an empty folder made there
+  --- env               lines NAME=VALUE for the environment
+  --- stdin             the standard input (default: empty)
   --- status            the exit status (default: 0)
   --- screen            exact standard error without the banner
   --- screen whole      exact standard error, date and time of the banner replaced by DATE and TIME
@@ -17,8 +20,8 @@ A section begins with a line "--- NAME [WORDS]" and runs to the next such line o
   --- log NAME          exact contents of a log without the banner
   --- missing NAME      a file that must not exist after the run
 
-Words after file, screen, stdout, out and log: "escaped" reads \\n \\t \\r \\0 \\\\ and \\xNN as bytes, "noeol" leaves
-out the section's last line end. Everything else is literal, trailing blanks included.
+Words after file, stdin, screen, stdout, out and log: "escaped" reads \\n \\t \\r \\0 \\\\ and \\xNN as bytes, "noeol" leaves
+out the section's last line end. A file may be "hex", too. Everything else is literal, trailing blanks included.
 """
 
 import argparse
@@ -34,9 +37,12 @@ TIME_LIMIT = 10  # seconds that a run may take
 
 # section: (takes a name, words that may follow)
 SECTIONS = {
+    "program": (True, set()),
     "args": (False, set()),
-    "file": (True, {"escaped", "noeol"}),
+    "file": (True, {"hex", "escaped", "noeol"}),
     "dir": (True, set()),
+    "env": (False, set()),
+    "stdin": (False, {"escaped", "noeol"}),
     "status": (False, set()),
     "screen": (False, {"whole", "has", "lacks", "escaped", "noeol"}),
     "stdout": (False, {"escaped", "noeol"}),
@@ -151,7 +157,7 @@ def check_sections(sections):
             if (section.kind, section.name) in seen:
                 raise CaseError(f"line {section.line_no}: this section stands twice")
             seen.add((section.kind, section.name))
-        if section.kind in ("dir", "missing") and b"".join(section.lines).strip():
+        if section.kind in ("program", "dir", "missing") and b"".join(section.lines).strip():
             raise CaseError(f"line {section.line_no}: '{section.kind}' holds no text")
         section.text()  # a fault in it is found here
     if not any(section.kind in CHECKS for section in sections):
@@ -175,7 +181,7 @@ def sanitizer_report(text):
 
 def environment():
     """The environment for a run of the program, also one that is built with sanitizers."""
-    return os.environ | {
+    return {name: value for name, value in os.environ.items() if name != "COLUMNS"} | {
         "LC_ALL": "C",
         "ASAN_OPTIONS": "detect_leaks=1:exitcode=99:allocator_may_return_null=1:detect_stack_use_after_return=1",
         "UBSAN_OPTIONS": "print_stacktrace=1:halt_on_error=1:exitcode=99",
@@ -240,6 +246,20 @@ def parse_status(sections):
     return int(status)
 
 
+def parse_environment(sections):
+    lines = b"".join(section.text() for section in sections if section.kind == "env").decode().splitlines()
+    if not all("=" in line for line in lines):
+        raise CaseError("env: a line is not NAME=VALUE")
+    return environment() | dict(line.split("=", 1) for line in lines)
+
+
+def parse_program(sections, orlo):
+    names = [section.name for section in sections if section.kind == "program"]
+    if len(names) > 1:
+        raise CaseError("one program at a time")
+    return os.path.join(os.path.dirname(orlo), names[0]) if names else orlo
+
+
 def check_screen(section, screen):
     if "has" in section.words:
         return [f"screen lacks: {visible(phrase)}" for phrase in section.phrases() if phrase not in screen]
@@ -263,14 +283,15 @@ def check_file(section, folder):
 def run_case(orlo, path, seconds):
     """Runs one case; returns its title and the list of what is wrong."""
     title, sections = parse_case(read_file(path))
-    args, status = parse_args(sections), parse_status(sections)
+    args, status, env = parse_args(sections), parse_status(sections), parse_environment(sections)
+    program = parse_program(sections, orlo)
+    given = b"".join(section.text() for section in sections if section.kind == "stdin")
     expected_out = b"".join(section.text() for section in sections if section.kind == "stdout")
     faults = []
     with tempfile.TemporaryDirectory(prefix="orlo-case-") as folder:
         prepare(sections, folder)
         try:
-            run = subprocess.run([orlo, *args], cwd=folder, env=environment(), stdin=subprocess.DEVNULL,
-                                 capture_output=True, timeout=seconds, check=False)
+            run = subprocess.run([program, *args], cwd=folder, env=env, input=given, capture_output=True, timeout=seconds, check=False)
         except subprocess.TimeoutExpired:
             return title, [f"still running after {seconds} seconds: killed"]
         if sanitizer_report(run.stderr):

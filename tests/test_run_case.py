@@ -11,6 +11,10 @@ RUNNER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "run_case.py")
 
 # stands in for the program: prints a banner, copies its input to its output, obeys a few words in it
 PROGRAM = r"""#!/bin/sh
+if [ "$1" = show ]; then
+    echo "$MOOD $COLUMNS"
+    exec cat
+fi
 printf '\nOrlo (2.1.1, Apr 10 2012, 15:26:03)\ncredit\n\n\n' >&2
 printf 'Input\t= "%s"\nOutput\t= "%s" [Csound score-file]\n' "$1" "$2" >&2
 printf '\nhello\t1 \n' >&2
@@ -91,6 +95,16 @@ class RunCase(unittest.TestCase):
     def test_stdout_must_be_empty(self):
         self.fails("# a\n--- file in.orlo\nloud\n--- screen has\nhello\n", "stdout differs")
         self.passes("# a\n--- file in.orlo\nloud\n--- stdout\nloud\n")
+
+    def test_program_environment_and_standard_input(self):
+        os.symlink(self.program, os.path.join(self.folder.name, "other"))
+        shows = "# a\n--- program other\n--- args\nshow\n--- env\nMOOD=good\n--- stdin escaped\n\\x41\n--- stdout\ngood \n"
+        self.passes(shows + "A\n")
+        self.fails(shows + "B\n", "expected 'B', got 'A'")
+        self.passes("# a\n--- file in.orlo hex\n61 0a\n--- out out.sco\na\n")
+        self.fails("# a\n--- program a\n--- program b\n--- screen has\nx\n", "one program")
+        self.fails("# a\n--- program ../a\n--- screen has\nx\n", "outside")
+        self.fails("# a\n--- env\nMOOD\n--- screen has\nx\n", "not NAME=VALUE")
 
     def test_files(self):
         self.fails("# a\n--- file in.orlo\n--- out other\n", "other was not written")

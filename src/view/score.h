@@ -27,6 +27,12 @@ struct Event {
     int line;           ///< line of the file, 1 is the first; 0 in a MIDI file
 };
 
+/// Where pitches stand.
+struct PitchField {
+    int   field = 0;            ///< number of the p-field, 5 is p5; 0: there is none
+    Pitch pitch = Pitch::none;  ///< what it holds
+};
+
 /// What could not be read, or was left out.
 struct Trouble {
     int line;          ///< line of the file, 1 is the first; 0 where there is none
@@ -44,6 +50,7 @@ struct Score {
     std::size_t troubles_left_out = 0;     ///< beyond those kept
     int pitch_field = 0;                   ///< number of the p-field with the pitch, 5 is p5; 0: there is none
     Pitch pitch = Pitch::none;             ///< what that p-field holds
+    std::vector<PitchField> pitches;       ///< of each instrument, where they differ; else empty, and the two above hold for all
     double end = 0;                        ///< end of the last event, the unit of Event::start
     bool beats = false;                    ///< start and duration are beats, not seconds
 };

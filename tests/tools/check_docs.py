@@ -13,6 +13,7 @@ An example is a fenced block whose first word says what it is:
   bytes of=N                what comes out, in hexadecimal
   screen of=N               what stands on the screen behind the banner
   stdout of=N               what stands on the standard output
+  roll of=N                 what orlo-view shows of the input, 60 columns and 12 rows
   trace of=N                what option -x has written to the file N.exp
   console of=N              lines that Csound shows when it renders a document, among others, in this order
   form                      how something is written, not an example
@@ -34,7 +35,7 @@ import tempfile
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
 import run_case
 
-SHOWN = ("score", "values", "bytes", "screen", "stdout", "trace", "console")
+SHOWN = ("score", "values", "bytes", "screen", "stdout", "trace", "roll", "console")
 TIME_LIMIT = 60  # seconds
 CSOUND_TROUBLE = re.compile(r"sread:|swrite:|twarp:|note deleted|ftable.*illegal|uses \d+ p-fields but is given|error"
                             r"|overall samples out of range:.*[1-9]", re.I)
@@ -163,6 +164,12 @@ def run(example, orlo):
             path = os.path.join(folder, name)
             return run_case.read_file(path) if os.path.exists(path) else b""
 
+        def roll():
+            view = os.path.join(os.path.dirname(orlo), "orlo-view")
+            shown = subprocess.run([view, "-f", "txt", "-w", "60", "-r", "12", f"{example.name}.orlo"], cwd=folder,
+                                   env=run_case.environment(), capture_output=True, timeout=TIME_LIMIT, check=False)
+            return shown.stdout + shown.stderr
+
         output = contents(args[-1])
         example.got = {
             "status": done.returncode,
@@ -171,6 +178,7 @@ def run(example, orlo):
             "screen": screen.decode("latin-1"),
             "stdout": done.stdout.decode("latin-1"),
             "trace": contents(f"{example.name}.exp").decode("latin-1"),
+            "roll": roll().decode("latin-1") if any(block.kind == "roll" for block in example.shown) else "",
         }
 
 

@@ -14,7 +14,8 @@ import sys
 import tempfile
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../..")
-FILES = ["bin/orlo", "share/man/man1/orlo.1", "share/man/man5/orlo.5", "share/bash-completion/completions/orlo",
+FILES = ["bin/orlo", "bin/orlo-view", "share/man/man1/orlo-view.1", "share/bash-completion/completions/orlo-view",
+         "share/man/man1/orlo.1", "share/man/man5/orlo.5", "share/bash-completion/completions/orlo",
          "share/mime/packages/orlo.xml", "share/doc/orlo/LICENSE",
          "share/vim/vimfiles/syntax/orlo.vim", "share/vim/vimfiles/ftdetect/orlo.vim", "share/vim/vimfiles/ftplugin/orlo.vim",
          "share/vim/vimfiles/compiler/orlo.vim", "share/emacs/site-lisp/orlo-mode.el",
@@ -29,6 +30,15 @@ COMPLETIONS = [  # what is typed, what is offered
     (["orlo", "-m", "piece.orlo", ""], ["folder", "old.mid"]),
     (["orlo", "piece.orlo", "n"], []),
     (["orlo", "piece.orlo", "old.sco", ""], []),
+    (["orlo-view", "-"], ["--help", "--version", "-f", "-h", "-i", "-o", "-p", "-r", "-V", "-w"]),
+    (["orlo-view", "-f", ""], ["html", "svg", "txt"]),
+    (["orlo-view", "-i", "m"], ["midi"]),
+    (["orlo-view", "-o", "p"], ["piece.orlo"]),
+    (["orlo-view", "-w", ""], []),
+    (["orlo-view", "-p", "n"], ["none"]),
+    (["orlo-view", "-f", "txt", ""], ["folder", "old.mid", "old.sco", "piece.orlo"]),
+    (["orlo-view", "n"], []),
+    (["orlo-view", "old.sco", ""], []),
 ]
 
 faults = []
@@ -64,6 +74,11 @@ def check_program(prefix, version, work):
     made = run([program, os.path.join(examples, "first.orlo"), "first.sco"], cwd=work)
     expect(made.returncode == 0, f"first.orlo: status {made.returncode}\n{made.stdout}")
     expect(os.path.isfile(os.path.join(work, "first.sco")), "first.orlo: no score")
+    view = os.path.join(prefix, "bin/orlo-view")
+    shown = run([view, "--version"])
+    expect(shown.stdout == f"orlo-view {version}\n", f"orlo-view: {shown.stdout}")
+    shown = run([view, "-f", "txt", os.path.join(examples, "first.orlo")], cwd=work)  # with the orlo beside it
+    expect(shown.returncode == 0 and "11 events" in shown.stdout, f"orlo-view first.orlo: {shown.stdout}")
     made = run([program, "quartet.orlo", os.path.join(work, "quartet.sco")], cwd=examples)
     expect(made.returncode == 0, f"quartet.orlo: status {made.returncode}\n{made.stdout}")
 
@@ -71,9 +86,9 @@ def check_program(prefix, version, work):
 def check_pages(prefix):
     if not shutil.which("mandoc"):
         return
-    for section in "15":
-        page = run(["mandoc", "-T", "lint", os.path.join(prefix, f"share/man/man{section}/orlo.{section}")])
-        expect(page.returncode == 0, f"orlo.{section}: {page.stdout}")
+    for name in ("orlo.1", "orlo-view.1", "orlo.5"):
+        page = run(["mandoc", "-T", "lint", os.path.join(prefix, f"share/man/man{name[-1]}/{name}")])
+        expect(page.returncode == 0, f"{name}: {page.stdout}")
 
 
 def check_completion(prefix, work):
@@ -83,10 +98,10 @@ def check_completion(prefix, work):
     for name in ("piece.orlo", "old.sco", "old.mid"):
         with open(os.path.join(work, name), "w", encoding="ascii"):
             pass
-    script = 'source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _orlo; printf "%s\\n" "${COMPREPLY[@]}"'
+    script = 'source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); "_${1//-/_}"; printf "%s\\n" "${COMPREPLY[@]}"'
     for words, offered in COMPLETIONS:
-        reply = run(["bash", "--norc", "-c", script, os.path.join(prefix, "share/bash-completion/completions/orlo"), *words], cwd=work)
-        expect(sorted(filter(None, reply.stdout.split("\n"))) == offered, f"completion of {words}: {reply.stdout.split()}")
+        reply = run(["bash", "--norc", "-c", script, os.path.join(prefix, "share/bash-completion/completions", words[0]), *words], cwd=work)
+        expect(sorted(filter(None, reply.stdout.split("\n"))) == sorted(offered), f"completion of {words}: {reply.stdout.split()}")
 
 
 def check_mime(prefix):

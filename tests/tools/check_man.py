@@ -1,7 +1,7 @@
-"""Are the man pages clean and complete: check_man.py --orlo PROGRAM PAGE...
+"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM PAGE...
 
-"mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) must have every option that the
-usage text names, and orlo(5) every word of the keyword table. Ends with 77 when mandoc is missing.
+"mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) and orlo-view(1) must have every option
+that the usage text names, and orlo(5) every word of the keyword table. Ends with 77 when mandoc is missing.
 """
 
 import argparse
@@ -21,12 +21,12 @@ def lint(mandoc, page):
     return faults or ([f"{page}: mandoc ended with {run.returncode}"] if run.returncode != 0 else [])
 
 
-def missing_options(orlo, text):
-    usage = subprocess.run([orlo], check=False, text=True, stderr=subprocess.PIPE, timeout=60).stderr
+def missing_options(command, page, text):
+    usage = subprocess.run(command, check=False, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60).stdout
     options = re.findall(r"^  -(\w)", usage, re.M)
     if not options:
         sys.exit("the usage text has no options")
-    return [f"orlo.1 lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
+    return [f"{os.path.basename(page)} lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
 
 
 def missing_keywords(text):
@@ -41,7 +41,8 @@ def missing_keywords(text):
 def main():
     parser = argparse.ArgumentParser(description="check the man pages")
     parser.add_argument("--orlo", required=True, help="the program")
-    parser.add_argument("pages", nargs="+", help="orlo.1, orlo.5")
+    parser.add_argument("--view", required=True, help="the program orlo-view")
+    parser.add_argument("pages", nargs="+", help="orlo.1, orlo-view.1, orlo.5")
     options = parser.parse_args()
     mandoc = shutil.which("mandoc")
     if not mandoc:
@@ -53,7 +54,11 @@ def main():
         with open(page, encoding="utf-8") as file:
             text = file.read()
         faults += lint(mandoc, page)
-        faults += missing_options(options.orlo, text) if page.endswith(".1") else missing_keywords(text)
+        if page.endswith(".1"):
+            command = [options.view, "-h"] if "view" in os.path.basename(page) else [options.orlo]
+            faults += missing_options(command, page, text)
+        else:
+            faults += missing_keywords(text)
     print("\n".join(faults or [f"{len(options.pages)} pages are clean and complete"]))
     return 1 if faults else 0
 

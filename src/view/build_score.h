@@ -1,0 +1,27 @@
+// build_score.h: what the readers of files share while they fill a score. Reads and prints nothing.
+#pragma once
+
+#include "view/score.h"
+
+#include <cstddef>
+#include <string>
+
+namespace orlo::view {
+
+/// What a reader accepts at most; what is beyond is left out, and told.
+struct Limits {
+    std::size_t bytes  = std::size_t{1} << 30; ///< of a file
+    std::size_t values = 50'000'000;           ///< p-fields of all events together
+};
+
+/// Notes what could not be read; counts it when there are MAX_TROUBLES already.
+/// @param line line of the file, 0 where there is none
+void add_trouble(Score &score, int line, std::string text);
+
+/// "p4" for 4.
+std::string field_name(int field);
+
+/// Sets the score's end, and brings its troubles in order. To be called once, when all events are there.
+void finish_score(Score &score);
+
+} // namespace orlo::view

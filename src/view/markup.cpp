@@ -1,0 +1,188 @@
+// Bytes are copied as they are but for those that mean something to the reader of the text. A broken UTF-8 sequence would make
+// the whole document unreadable, so every sequence is measured before it is copied.
+#include "view/markup.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+namespace orlo::view {
+namespace {
+
+constexpr std::string_view UNKNOWN = "\xEF\xBF\xBD"; // U+FFFD
+
+bool continues(std::string_view text, std::size_t at)
+{
+    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
+}
+
+// the second byte rules out overlong forms, surrogates and what lies beyond U+10FFFF
+bool second_fits(unsigned first, unsigned second)
+{
+    switch (first) {
+    case 0xE0:
+        return second >= 0xA0;
+    case 0xED:
+        return second < 0xA0;
+    case 0xF0:
+        return second >= 0x90;
+    case 0xF4:
+        return second < 0x90;
+    default:
+        return true;
+    }
+}
+
+// bytes of the character at a place, 0 where it is no UTF-8
+std::size_t character_length(std::string_view text, std::size_t at)
+{
+    const unsigned    first  = static_cast<unsigned char>(text[at]);
+    const std::size_t length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
+    for (std::size_t i = 1; i < length; i++) {
+        if (!continues(text, at + i))
+            return 0;
+    }
+    if (length > 2 && !second_fits(first, static_cast<unsigned char>(text[at + 1])))
+        return 0;
+    return length;
+}
+
+std::string_view entity(char c)
+{
+    switch (c) {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    default:
+        return {};
+    }
+}
+
+bool is_control(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    return (byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7F;
+}
+
+// U+FFFE and U+FFFF are no characters of XML
+bool is_no_character(std::string_view sequence) { return sequence == "\xEF\xBF\xBE" || sequence == "\xEF\xBF\xBF"; }
+
+} // namespace
+
+std::string joined(std::initializer_list<std::string_view> texts)
+{
+    std::string out;
+    for (const std::string_view text : texts)
+        out += text;
+    return out;
+}
+
+std::string escaped(std::string_view text)
+{
+    std::string out;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t      length   = character_length(text, i);
+        const std::string_view sequence = text.substr(i, length);
+        if (length == 0 || is_control(text[i]) || is_no_character(sequence))
+            out += UNKNOWN;
+        else if (const std::string_view name = entity(text[i]); !name.empty())
+            out += name;
+        else
+            out += sequence;
+        i += length == 0 ? 1 : length;
+    }
+    return out;
+}
+
+std::string json_text(std::string_view text)
+{
+    constexpr std::string_view hex = "0123456789abcdef";
+    std::string                out = "\"";
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = character_length(text, i);
+        const auto        byte   = static_cast<unsigned char>(text[i]);
+        if (length == 0) {
+            out += UNKNOWN;
+        } else if (byte < 0x20 || text[i] == '<' || text[i] == '"' || text[i] == '\\') {
+            out += "\\u00";
+            out += hex[byte >> 4U];
+            out += hex[byte & 15U];
+        } else {
+            out += text.substr(i, length);
+        }
+        i += length == 0 ? 1 : length;
+    }
+    return out + '"';
+}
+
+std::string number_text(double value, int digits)
+{
+    std::array<char, 64> text{};
+    if (value == 0)
+        return "0";
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits).ptr;
+    return {text.data(), end};
+}
+
+void put_json(std::string &out, double value)
+{
+    if (std::isnan(value)) {
+        out += "null";
+        return;
+    }
+    if (std::isinf(value)) {
+        out += value < 0 ? "\"-inf\"" : "\"inf\"";
+        return;
+    }
+    std::array<char, 64> text{};
+    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
+}
+
+void put_tenths(std::string &out, std::int64_t tenths)
+{
+    std::array<char, 32> text{};
+    if (tenths < 0)
+        out += '-';
+    const std::int64_t size = std::abs(tenths);
+    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), size / 10).ptr);
+    if (size % 10 != 0) {
+        out += '.';
+        out += static_cast<char>('0' + size % 10);
+    }
+}
+
+std::string shortened(std::string_view text, std::size_t most)
+{
+    std::size_t characters = 0;
+    std::size_t cut        = 0; // where the last character that stays beside an ellipsis ends
+    for (std::size_t i = 0; i < text.size(); i++) {
+        if (continues(text, i))
+            continue;
+        if (++characters == most)
+            cut = i;
+    }
+    return characters <= most ? std::string(text) : std::string(text.substr(0, cut)) + "\xE2\x80\xA6";
+}
+
+std::string count_text(std::size_t count)
+{
+    std::string text = std::to_string(count);
+    for (std::size_t at = text.size(); at > 3; at -= 3)
+        text.insert(at - 3, 1, ',');
+    return text;
+}
+
+std::string counted(std::size_t count, std::string_view noun)
+{
+    return joined({count_text(count), " ", noun, count == 1 ? "" : "s"});
+}
+
+} // namespace orlo::view

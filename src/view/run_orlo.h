@@ -1,0 +1,20 @@
+// run_orlo.h: has the program orlo make a score of its input. Owns the temporary file of that score, which is gone when the call is
+// over, and also when a signal ends the program.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace orlo::view {
+
+/// Runs the orlo that lies beside this program, else the one on PATH.
+/// @param name the input; "-" is the standard input
+/// @param most bytes that the score may have
+/// @param score the score that came out
+/// @param messages what orlo has said, at most MOST_MESSAGES bytes
+/// @return what went wrong, empty when nothing did
+[[nodiscard]] std::string make_score(const std::string &name, std::size_t most, std::string &score, std::string &messages);
+
+inline constexpr std::size_t MOST_MESSAGES = 1'000'000;
+
+} // namespace orlo::view

@@ -1,0 +1,177 @@
+// Readers of scores and MIDI files: values that a roll does not show, and limits that files of a sensible size do not reach.
+
+#include "view/files.h"
+#include "view/midi_reader.h"
+#include "view/score_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+using namespace orlo::view;
+
+Score score_of(std::string_view text, const Limits &limits = {})
+{
+    Score score;
+    read_score(text, limits, score);
+    return score;
+}
+
+std::vector<double> field_of(const Score &score, int field)
+{
+    std::vector<double> values;
+    for (const Event &event : score.events)
+        values.push_back(field_value(score, event, field));
+    return values;
+}
+
+std::vector<double> starts_of(const Score &score)
+{
+    std::vector<double> starts;
+    for (const Event &event : score.events)
+        starts.push_back(event.start);
+    return starts;
+}
+
+TEST(ScoreReader, KeepsFieldsAsTheyAreWritten)
+{
+    const Score score = score_of("i1.5 .5 -2 1e3 \"x\" -.25\n");
+    ASSERT_EQ(score.events.size(), 1U);
+    const Event &event = score.events[0];
+    EXPECT_EQ(event.fields, 6);
+    EXPECT_EQ(field_value(score, event, 1), 1.5);
+    EXPECT_EQ(field_value(score, event, 3), -2);
+    EXPECT_EQ(event.duration, 2);
+    EXPECT_EQ(field_value(score, event, 4), 1000);
+    EXPECT_TRUE(std::isnan(field_value(score, event, 5)));
+    EXPECT_EQ(field_value(score, event, 6), -.25);
+    EXPECT_TRUE(std::isnan(field_value(score, event, 7)));
+    EXPECT_TRUE(std::isnan(field_value(score, event, 0)));
+    EXPECT_EQ(score.field_names, (std::vector<std::string>{"p1", "p2", "p3", "p4", "p5", "p6"}));
+    EXPECT_EQ(score.instruments, std::vector<std::string>{"1.5"});
+    EXPECT_EQ(event.line, 1);
+}
+
+// values as Csound's own reader gives them for the same text
+TEST(ScoreReader, CarriesAndRampsAsCsoundDoes)
+{
+    const Score score = score_of("i1 0 1 5 6\ni2 0 1 9\ni1 + . 7\ni1 ^+2 2 8 !\ni1 . . 3\n i1 ^-1 1\n4\ni1 20 1 100 6\n"
+                                 "i1 22 1 np4 pp4\ni1 24 1 1 2\n");
+    EXPECT_EQ(starts_of(score), (std::vector<double>{0, 0, 1, 3, 3, 2, 20, 22, 24}));
+    EXPECT_EQ(field_of(score, 4), (std::vector<double>{5, 9, 7, 8, 3, 4, 100, 1, 1}));
+    const std::vector<double> p5 = field_of(score, 5);
+    EXPECT_EQ(p5[2], 6);
+    EXPECT_TRUE(std::isnan(p5[3]));
+    EXPECT_EQ(p5[7], 100);
+    const Score ramps = score_of("i1 0 1 1\ni1 4 1 <\ni1 2 1 <\ni1 8 1 5\n");
+    EXPECT_EQ(field_of(ramps, 4), (std::vector<double>{1, 3, 2, 5}));
+}
+
+// seconds and the ramp between them as Csound's own reader gives them
+TEST(ScoreReader, TurnsBeatsIntoSecondsAsCsoundDoes)
+{
+    const Score score = score_of("t 0 60 4 120\ni1 0 1 1\ni1 2 1 <\ni1 6 1 2\ni1 8 1 2\n");
+    EXPECT_EQ(starts_of(score), (std::vector<double>{0, 1.75, 4, 5}));
+    EXPECT_EQ(score.events[0].duration, .9375);
+    EXPECT_EQ(score.events[1].duration, .6875);
+    EXPECT_EQ(score.events[2].duration, .5);
+    EXPECT_EQ(field_value(score, score.events[1], 4), 1.4375);
+    EXPECT_EQ(score.end, 5.5);
+}
+
+TEST(ScoreReader, DropsInstrumentsWithoutEvents)
+{
+    const Score score = score_of("i3 x 1\ni\"a\" 0 1\ni4 0\ni2 0 1\n");
+    EXPECT_EQ(score.instruments, (std::vector<std::string>{"\"a\"", "2"}));
+    EXPECT_EQ(score.events[1].instrument, 1);
+}
+
+TEST(ScoreReader, ReadsAsManyFieldsAsItMay)
+{
+    const Limits limits{1000, 8};
+    const Score  at = score_of("i1 0 1 2\ni1 1 1 2\n", limits);
+    EXPECT_EQ(at.values.size(), 8U);
+    EXPECT_TRUE(at.troubles.empty());
+    for (const char *text : {"i1 0 1 2\ni1 1 1 2\ni1 2 1 2\n", "i1 0 1 2\ni1 1 1 2 3\ni1 2 1\n", "i1 0 1 2 3\ni1 1\ni1 1\n"}) {
+        const Score past = score_of(text, limits);
+        EXPECT_LE(past.values.size(), 8U);
+        ASSERT_EQ(past.troubles.size(), 1U) << text;
+        EXPECT_EQ(past.troubles[0].text, "more than 8 p-fields: the rest of the score is left out");
+    }
+}
+
+TEST(ScoreReader, RefersToEventsOfOneInstrumentAlone)
+{
+    const Score score = score_of("i1 0 1 pp4\ni1 1 1 np4\ni2 2 1 5\ni2 3 1 pp9999\n");
+    EXPECT_EQ(score.troubles.size(), 3U);
+    EXPECT_TRUE(std::isnan(field_value(score, score.events[1], 4)));
+}
+
+std::string midi_file(const std::string &track)
+{
+    using namespace std::string_literals;
+    return "MThd\0\0\0\6\0\0\0\1\1\xe0"s + "MTrk\0\0\0"s + static_cast<char>(track.size()) + track;
+}
+
+TEST(MidiReader, ReadsAsManyNotesAsItMay)
+{
+    using namespace std::string_literals;
+    const std::string bytes = midi_file("\0\x90\x3c\x40\x0a\x3c\0\0\x3d\x41\x0a\x3d\0\0\xff\x2f\0"s);
+    Score             at;
+    EXPECT_TRUE(read_midi(bytes, {1000, 10}, at));
+    EXPECT_EQ(at.events.size(), 2U);
+    EXPECT_TRUE(at.troubles.empty());
+    EXPECT_EQ(field_of(at, 1), (std::vector<double>{1, 1}));
+    EXPECT_EQ(field_of(at, 4), (std::vector<double>{60, 61}));
+    EXPECT_EQ(field_of(at, 5), (std::vector<double>{64, 65}));
+    EXPECT_DOUBLE_EQ(at.events[1].start, 10 / 960.0);
+    EXPECT_EQ(at.field_names[4], "velocity");
+    Score past;
+    EXPECT_TRUE(read_midi(bytes, {1000, 9}, past));
+    EXPECT_EQ(past.events.size(), 1U);
+    ASSERT_EQ(past.troubles.size(), 1U);
+    EXPECT_EQ(past.troubles[0].text, "track 1: more than 1 notes: the rest is left out");
+}
+
+TEST(MidiReader, SurvivesEveryShorterFile)
+{
+    using namespace std::string_literals;
+    const std::string bytes = midi_file("\0\x90\x3c\x40\x0a\x3c\0\0\xff\x51\3\1\2\3\0\xf0\1\xf7\0\xff\x2f\0"s);
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        Score score;
+        EXPECT_EQ(read_midi(std::string_view{bytes}.substr(0, length), {}, score), length >= 14) << length;
+        EXPECT_FALSE(score.troubles.empty() && length > 0) << length;
+    }
+}
+
+TEST(Files, ReadsAsManyBytesAsItMay)
+{
+    const std::string name = testing::TempDir() + "/view-bytes";
+    std::ofstream{name} << "12345678";
+    std::string bytes;
+    EXPECT_EQ(read_file(name, 8, bytes), "");
+    EXPECT_EQ(bytes, "12345678");
+    EXPECT_EQ(read_file(name, 7, bytes), "it has more than 7 bytes");
+    EXPECT_EQ(read_file("/dev/zero", 100'000, bytes), "it has more than 100000 bytes");
+    EXPECT_EQ(read_file("/dev/null", 0, bytes), "");
+    EXPECT_EQ(bytes, "");
+    std::remove(name.c_str());
+}
+
+TEST(Files, KnowsKinds)
+{
+    EXPECT_EQ(kind_of("a.orlo", ""), Input::orlo);
+    EXPECT_EQ(kind_of("a.orlo", "MThd"), Input::midi);
+    EXPECT_EQ(kind_of("a", "; i1 = 3\n i 12 ="), Input::orlo);
+    EXPECT_EQ(kind_of("a", "I1=4"), Input::orlo);
+    EXPECT_EQ(kind_of("a", "i1 0 1 = 4\ni\ni- = 1\ni1"), Input::score);
+    EXPECT_EQ(kind_of("a", ""), Input::score);
+}
+
+} // namespace
