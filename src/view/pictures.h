@@ -20,4 +20,4 @@ std::string svg_picture(const Score &score);
 /// @param rows height of the roll without its axis, >= 5
 std::string text_roll(const Score &score, int columns, int rows);
 
-}  // namespace orlo::view
+} // namespace orlo::view
