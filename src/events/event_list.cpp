@@ -21,7 +21,8 @@ float        PFACTOR     = 1.0F;
 
 namespace {
 
-float last_dur = 0.0F; // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
+float last_dur    = 0.0F;  // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
+bool  has_members = false; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
 
 // links an event after another one
 void link_after(Event *event, Event *before)
@@ -116,6 +117,7 @@ int InsertBegTime(Event *&list, std::int32_t n, std::int32_t &fused, float dur, 
         last_dur     = magnitude;
     } else if (fused != 0) {
         event->code  = 1;
+        has_members  = true;
         event->start = list->start;
         event->beat  = list->beat;
         link_after(event, list);
@@ -139,7 +141,8 @@ int StorePfield(Event *&cursor, Event *&list, std::int32_t pfield, std::int32_t 
         Event *copy = CopyEvent(cursor, n);
         if (copy == nullptr)
             return 0;
-        copy->code = 1;
+        copy->code  = 1;
+        has_members = true;
         link_after(copy, cursor);
         step_onto(copy, cursor, list);
         fused = 0;
@@ -243,13 +246,14 @@ void GetListStats(const Event *list, ListStats &stats)
 
 void ClearLFusedCode(Event *list)
 {
-    if (list == nullptr)
+    if (list == nullptr || !has_members)
         return;
     Event *event = list;
     do {
         event->code = 0;
         event       = event->next;
     } while (event != list);
+    has_members = false;
 }
 
 int RemoveRests(Event *&list)
@@ -267,7 +271,7 @@ int RemoveRests(Event *&list)
         } else {
             if (last == nullptr)
                 first = event;
-            else
+            else if (last->next != event) // memory that is not written need not travel back
                 last->next = event;
             last = event;
         }
