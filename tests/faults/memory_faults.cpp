@@ -188,10 +188,10 @@ int judge(const Report &report)
     const bool constant = report.line.starts_with("#const") && report.line.find('~') == std::string::npos;
     const bool loop     = report.line.find('<') != std::string::npos;
     if (constant)
-        return report.text == orlo::error_text(orlo::NO_MEMORY_CONSTANT) ? orlo::NO_MEMORY_CONSTANT : 0;
-    if (report.text == orlo::error_text(orlo::OUT_OF_MEMORY))
-        return orlo::OUT_OF_MEMORY;
-    return loop && report.text == orlo::error_text(orlo::MISPLACED_LOOP) ? orlo::MISPLACED_LOOP : 0;
+        return report.text == orlo::error_text(102) ? 102 : 0;
+    if (report.text == orlo::error_text(32))
+        return 32;
+    return loop && report.text == orlo::error_text(45) ? 45 : 0;
 }
 
 // How often each error ended a run.
@@ -204,9 +204,9 @@ struct Tally {
 
 void count(Tally &tally, int number)
 {
-    tally.memory += number == orlo::OUT_OF_MEMORY ? 1 : 0;
-    tally.constant += number == orlo::NO_MEMORY_CONSTANT ? 1 : 0;
-    tally.loop += number == orlo::MISPLACED_LOOP ? 1 : 0;
+    tally.memory += number == 32 ? 1 : 0;
+    tally.constant += number == 102 ? 1 : 0;
+    tally.loop += number == 45 ? 1 : 0;
 }
 
 // what is wrong with a run that ended, or an empty text
