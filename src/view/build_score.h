@@ -12,6 +12,7 @@ namespace orlo::view {
 struct Limits {
     std::size_t bytes  = std::size_t{1} << 30; ///< of a file
     std::size_t values = 50'000'000;           ///< p-fields of all events together
+    std::size_t open   = 5'000'000;            ///< ramps and references to other events of a section
 };
 
 /// Notes what could not be read; counts it when there are MAX_TROUBLES already.

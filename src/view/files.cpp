@@ -66,6 +66,12 @@ std::string write_all(int file, std::string_view bytes)
     return "";
 }
 
+// false when there is no such file; "-" is an open one
+bool look_at(const std::string &name, int standard, struct stat &about)
+{
+    return (name == "-" ? fstat(standard, &about) : stat(name.c_str(), &about)) == 0;
+}
+
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // head -> "i" [ "-" ] digits "="
@@ -127,11 +133,11 @@ std::string write_file(const std::string &name, std::string_view bytes)
     return fault;
 }
 
-bool same_file(const std::string &a, const std::string &b)
+bool same_file(const std::string &in, const std::string &out)
 {
     struct stat first {};
     struct stat second {};
-    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && S_ISREG(first.st_mode) &&
+    return look_at(in, STDIN_FILENO, first) && look_at(out, STDOUT_FILENO, second) && S_ISREG(first.st_mode) &&
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 

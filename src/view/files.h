@@ -18,8 +18,8 @@ namespace orlo::view {
 /// @return what went wrong; empty when nothing did
 [[nodiscard]] std::string write_file(const std::string &name, std::string_view bytes);
 
-/// Are two names those of one file that exists?
-bool same_file(const std::string &a, const std::string &b);
+/// Are two names those of one file that exists? "-" is the standard input, or output.
+bool same_file(const std::string &in, const std::string &out);
 
 /// Name without folders; of "-" it is "(standard input)".
 std::string title_of(const std::string &name);

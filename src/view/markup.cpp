@@ -2,6 +2,7 @@
 // the whole document unreadable, so every sequence is measured before it is copied.
 #include "view/markup.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -163,9 +164,7 @@ std::string shortened(std::string_view text, std::size_t most)
 {
     std::size_t characters = 0;
     std::size_t cut        = 0; // where the last character that stays beside an ellipsis ends
-    for (std::size_t i = 0; i < text.size(); i++) {
-        if (continues(text, i))
-            continue;
+    for (std::size_t i = 0; i < text.size(); i += std::max<std::size_t>(character_length(text, i), 1)) {
         if (++characters == most)
             cut = i;
     }

@@ -20,6 +20,7 @@ constexpr double      USUAL_QUARTER = 0.5; // seconds, where no tempo is given
 constexpr std::size_t CHANNELS      = 16;
 constexpr std::size_t KEYS          = 128;
 constexpr std::size_t FIELDS        = 5;
+constexpr int         MOST_TRACKS   = 65535; // that a header can tell
 constexpr std::size_t NO_NOTE       = static_cast<std::size_t>(-1);
 
 // What is left of a track, or of the file.
@@ -110,8 +111,7 @@ bool take_quantity(Bytes &bytes, std::uint32_t &value)
 void strike(File &file, Track &track, int channel, int key, int velocity)
 {
     if (file.notes.size() == file.most_notes) {
-        if (!file.full)
-            trouble(file, track, "more than " + std::to_string(file.most_notes) + " notes: the rest is left out");
+        trouble(file, track, "more than " + std::to_string(file.most_notes) + " notes: the rest is left out");
         file.full = true;
         return;
     }
@@ -288,13 +288,15 @@ bool read_header(File &file, std::string_view data, std::uint32_t &tracks)
 
 void read_tracks(File &file, Bytes &bytes, std::uint32_t expected)
 {
-    std::uint32_t    tracks = 0;
+    int              tracks = 0;
     std::string_view name;
     std::string_view data;
-    while (!file.full && take_chunk(file, bytes, name, data))
+    while (!file.full && tracks < MOST_TRACKS && take_chunk(file, bytes, name, data))
         if (name == "MTrk")
-            read_track(file, data, static_cast<int>(++tracks));
-    if (tracks != expected && !file.full)
+            read_track(file, data, ++tracks);
+    if (tracks == MOST_TRACKS && !bytes.left.empty())
+        add_trouble(file.score, 0, "what stands behind " + std::to_string(MOST_TRACKS) + " tracks is left out");
+    if (tracks != static_cast<int>(expected) && !file.full)
         add_trouble(file.score, 0, "the header says " + std::to_string(expected) + " tracks, there are " + std::to_string(tracks));
 }
 
@@ -329,10 +331,10 @@ void make_events(File &file)
     std::array<int, CHANNELS>     instruments{};
     instruments.fill(-1);
     for (const Note &note : file.notes) {
-        const double start    = seconds_at(points, Between::steps, static_cast<double>(note.start));
-        const double duration = seconds_at(points, Between::steps, static_cast<double>(note.end)) - start;
-        score.events.push_back(
-            {score.values.size(), static_cast<int>(FIELDS), instrument_of(score, instruments, note.channel), start, duration, 0});
+        const double start      = seconds_at(points, Between::steps, static_cast<double>(note.start));
+        const double duration   = seconds_at(points, Between::steps, static_cast<double>(note.end)) - start;
+        const int    instrument = instrument_of(score, instruments, note.channel);
+        score.events.push_back({score.values.size(), static_cast<int>(FIELDS), instrument, start, duration, 0});
         score.values.insert(score.values.end(), {note.channel + 1.0, start, duration, static_cast<double>(note.key),
                                                  static_cast<double>(note.velocity)});
     }
@@ -353,7 +355,8 @@ bool read_midi(std::string_view bytes, const Limits &limits, Score &score)
     if (good) {
         read_tracks(file, rest, tracks);
         make_events(file);
-        score.field_names = {"channel", "start", "duration", "key", "velocity"};
+        for (const char *field : {"channel", "start", "duration", "key", "velocity"})
+            score.field_names.emplace_back(field);
         score.pitch_field = 4;
         score.pitch       = Pitch::key;
     }

@@ -31,11 +31,11 @@ double nice_step(const Range &range, double width, int most)
     return 20 * power;
 }
 
-// digits that tell multiples of a step apart
+// digits that tell multiples of a step apart; the size is not below the step
 int digits_of(double size, double step)
 {
     const double digits = std::floor(std::log10(size)) - std::floor(std::log10(step)) + 1;
-    return digits < 1 ? 1 : digits > 16 ? 16 : static_cast<int>(digits);
+    return digits > 16 ? 16 : static_cast<int>(digits);
 }
 
 // a label of plain digits where that is not too long, else with an exponent

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <limits>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace orlo::view {
 namespace {
@@ -235,11 +236,15 @@ double read_value(Reader &reader, Draft &draft, const Field &field, int number)
 // room for one more p-field?
 bool has_room(Reader &reader, const Draft &draft)
 {
-    if (reader.score.values.size() < reader.limits.values)
+    const bool many_open = reader.section.open.size() + draft.open.size() >= reader.limits.open;
+    if (!many_open && reader.score.values.size() < reader.limits.values)
         return true;
     if (!reader.full)
         trouble(reader, draft.line,
-                "more than " + std::to_string(reader.limits.values) + " p-fields: the rest of the score is left out");
+                "more than " +
+                    (many_open ? std::to_string(reader.limits.open) + " ramps and references in one section"
+                               : std::to_string(reader.limits.values) + " p-fields") +
+                    ": the rest of the score is left out");
     reader.full = true;
     return false;
 }
@@ -395,13 +400,13 @@ void read_base(Reader &reader)
 std::vector<std::size_t> in_time_order(const Reader &reader)
 {
     const std::vector<Event> &events = reader.score.events;
-    const auto        group = [&](std::size_t i) { return reader.group_of[static_cast<std::size_t>(events[i].instrument)]; };
-    std::vector<bool> wanted(reader.groups.size());
+    const auto group = [&](std::size_t i) { return reader.group_of[static_cast<std::size_t>(events[i].instrument)]; };
+    std::unordered_set<std::size_t> wanted; // as large as the section: there may be more groups, and many sections
     for (const Open &open : reader.section.open)
-        wanted[group(open.event)] = true;
+        wanted.insert(group(open.event));
     std::vector<std::size_t> order;
     for (std::size_t i = reader.section.first; i < events.size(); ++i)
-        if (wanted[group(i)])
+        if (wanted.contains(group(i)))
             order.push_back(i);
     std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
         return group(a) != group(b) ? group(a) < group(b) : events[a].start < events[b].start;

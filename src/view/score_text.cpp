@@ -101,10 +101,10 @@ Field read_number(std::string_view word, Mark mark)
 {
     Field            field{mark, 0, word};
     std::string_view digits = word;
-    const bool       plus   = !digits.empty() && digits.front() == '+';
+    const bool       plus   = digits.starts_with('+');
     if (plus)
         digits.remove_prefix(1);
-    const std::size_t sign = !plus && !digits.empty() && digits.front() == '-' ? 1 : 0;
+    const std::size_t sign = !plus && digits.starts_with('-') ? 1 : 0;
     if (digits.size() <= sign || (!is_digit(digits[sign]) && digits[sign] != '.'))
         return {is_not_finite(digits) ? Mark::not_finite : Mark::unknown, 0, word};
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), field.value);

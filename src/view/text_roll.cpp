@@ -16,8 +16,8 @@ namespace {
 constexpr int  LETTERS       = 26;
 constexpr int  LONGEST_LABEL = 12;
 constexpr int  LONGEST_NAME  = 60;
-constexpr int  TICK_COLUMNS  = 10;  // between two numbers of the axis, at least
-constexpr int  LOWEST_OCTAVE = -1;  // of key 0: key 60 is c4
+constexpr int  TICK_COLUMNS  = 10; // between two numbers of the axis, at least; few digits tell them apart, so that none is so long
+constexpr int  LOWEST_OCTAVE = -1; // of key 0: key 60 is c4
 constexpr char OTHERS        = '#'; // an instrument beyond the letters starts
 constexpr char OTHERS_SOUND  = '=';
 constexpr char SEVERAL       = '*'; // several instruments start
@@ -168,8 +168,7 @@ std::string axis(const Roll &roll)
             break;
         const std::string number                = number_text(tick * step);
         marks[static_cast<std::size_t>(column)] = '+';
-        if (column + static_cast<double>(number.size()) > roll.columns ||
-            column < static_cast<double>(numbers.size()) + (tick > 0 ? 1 : 0))
+        if (column + static_cast<double>(number.size()) > roll.columns)
             continue;
         numbers.resize(static_cast<std::size_t>(column), ' ');
         numbers += number;
@@ -177,14 +176,18 @@ std::string axis(const Roll &roll)
     return margin + marks + '\n' + margin + numbers + '\n';
 }
 
-const char *unit(const Score &score) { return score.beats ? "beats" : "seconds"; }
+std::string time_text(const Score &score)
+{
+    const std::string number = number_text(score.end);
+    return number + (score.beats ? " beat" : " second") + (number == "1" ? "" : "s");
+}
 
 std::string heading(const Score &score)
 {
     const std::size_t count = score.events.size();
     std::string       text =
         printable(score.title, LONGEST_NAME) + ": " + std::to_string(count) + (count == 1 ? " event, " : " events, ");
-    text += number_text(score.end) + " " + unit(score);
+    text += time_text(score);
     if (score.pitch_field > 0) {
         const std::string &field = score.field_names[static_cast<std::size_t>(score.pitch_field) - 1];
         const std::string  kind  = pitch_name(score.pitch);

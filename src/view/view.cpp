@@ -149,7 +149,7 @@ bool view(const Options &options)
     const Picture     picture = picture_of(options);
     const std::string target  = target_of(options, picture);
     if (same_file(options.in, target))
-        return complain(target + " would be overwritten: name another file with -o");
+        return complain((target == "-" ? shown_name(options) : target) + " would be overwritten: name another file with -o");
     Score score;
     if (!get_score(options, score))
         return false;

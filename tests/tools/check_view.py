@@ -1,6 +1,7 @@
 """What cases can't show of orlo-view: check_view.py --orlo PROGRAM --view PROGRAM
 
-Signals, the temporary file, orlo on PATH or missing, pipes that are closed, files that are too large.
+Signals, the temporary file, orlo on PATH or missing, pipes that are closed, files that are too large, pictures onto the score
+itself, names with characters of the shell, and what happens when files or memory can't be had.
 """
 
 import argparse
@@ -126,6 +127,40 @@ def check_pipes(view):
     expect("20000 events" in done.stdout, f"long standard input: {done.stderr}")
 
 
+def check_onto_itself(view):
+    place = Place(view)
+    path = os.path.join(place.path, "a $(x)'\";.sco")
+    write(path, "i1 0 1\n")
+    for redirected in ("- -o \"$1\" <\"$1\"", "- <\"$1\" >>\"$1\"", "\"$1\" >>\"$1\""):
+        done = subprocess.run(["sh", "-c", "./orlo-view -f txt " + redirected, "sh", path], cwd=place.path, env=place.env, text=True,
+                              capture_output=True, check=False)
+        expect(done.returncode == 1 and "would be overwritten" in done.stderr, f"{redirected}: {done}")
+    with open(path, encoding="ascii") as file:
+        expect(file.read() == "i1 0 1\n", "the score was changed")
+    piece = os.path.join(place.path, "a $(x)'\";.orlo")
+    os.rename(os.path.join(place.path, "piece.orlo"), piece)
+    write(os.path.join(place.path, "orlo"), "#!/bin/sh\ncat \"$2\" >/dev/null && echo 'i1 0 1' >\"$3\"\n", 0o755)
+    done = place.run("-f", "txt", piece)
+    expect(done.returncode == 0 and "1 event" in done.stdout, f"a name with characters of the shell: {done}")
+
+
+def check_want(view):
+    """No more files can be opened, no more memory can be had."""
+    place = Place(view)
+    done = subprocess.run(["bash", "-c", "ulimit -n 4; exec ./orlo-view -f txt piece.orlo"], cwd=place.path, env=place.env, text=True,
+                          capture_output=True, check=False)
+    expect(done.returncode == 1 and "can't run orlo: Too many open files" in done.stderr, f"no more files: {done}")
+    expect(place.left() == [], f"no more files: left over: {place.left()}")
+    with open(view, "rb") as file:
+        if b"__asan_init" in file.read():  # its own memory would be refused
+            return
+    with open(os.path.join(place.path, "large.sco"), "wb") as file:
+        file.truncate(1 << 30)
+    done = subprocess.run(["bash", "-c", "ulimit -v 600000; exec ./orlo-view -f txt large.sco"], cwd=place.path, env=place.env,
+                          text=True, capture_output=True, check=False)
+    expect(done.returncode == 1 and "not enough memory" in done.stderr, f"no more memory: {done}")
+
+
 def check_size(view):
     place = Place(view)
     path = os.path.join(place.path, "large.sco")
@@ -146,6 +181,8 @@ def main():
     check_ignored_signal(options.view)
     check_programs(options.view, os.path.abspath(options.orlo))
     check_pipes(options.view)
+    check_onto_itself(options.view)
+    check_want(options.view)
     check_size(options.view)
     print("\n".join(faults or ["signals, programs, pipes and sizes are as they should be"]))
     return 1 if faults else 0

@@ -290,12 +290,13 @@ TEST_F(Timing, AnyOtherMarkClosesALoop)
 TEST_F(Timing, ANewSectionStartsAfresh)
 {
     fill(2, 1.0F);
-    list->code       = 1;
-    list->next->code = 1;
-    P_NO             = 4;
-    EVENT_NO         = 9;
-    IN_TYPE          = TYPE_NO;
-    OUT_TYPE         = TYPE_HZ;
+    std::int32_t fused = 1;
+    ASSERT_NE(0, InsertBegTime(list, 2, fused, 0.0F, 0.0F, 0.0F)); // an event with a code
+    ASSERT_EQ(1, list->code + list->next->code);
+    P_NO     = 4;
+    EVENT_NO = 9;
+    IN_TYPE  = TYPE_NO;
+    OUT_TYPE = TYPE_HZ;
     IS_FUSED = IN_LOOP = WROTE_DATA = 1;
     PFACTOR                         = 2.0F;
     MAX_DEV                         = 0.5F;

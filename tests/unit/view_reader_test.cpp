@@ -106,6 +106,26 @@ TEST(ScoreReader, ReadsAsManyFieldsAsItMay)
     }
 }
 
+TEST(ScoreReader, TellsOnceThatThereAreTooManyFields)
+{
+    const Score past = score_of("i1 0 1 2\ni1 1 1 2\ni1 2 1 2 3 4 5\n", {1000, 9});
+    EXPECT_EQ(past.events.size(), 2U);
+    ASSERT_EQ(past.troubles.size(), 1U);
+}
+
+TEST(ScoreReader, FillsAsManyRampsAndReferencesAsItMay)
+{
+    const Limits limits{1000, 1000, 3};
+    const Score  at = score_of("i1 0 1 1\ni1 1 1 <\ni1 2 1 np4\ni1 3 1 pp4\ns\ni1 0 1 <\n", limits);
+    EXPECT_EQ(at.events.size(), 5U);
+    const Score past = score_of("i1 0 1 < < < <\n", limits);
+    EXPECT_TRUE(past.events.empty());
+    ASSERT_EQ(past.troubles.size(), 1U);
+    EXPECT_EQ(past.troubles[0].text, "more than 3 ramps and references in one section: the rest of the score is left out");
+    const Score carried = score_of("i1 0 1 < <\ni1 + 1\ni1 + 1\n", limits);
+    EXPECT_EQ(carried.events.size(), 1U);
+}
+
 TEST(ScoreReader, RefersToEventsOfOneInstrumentAlone)
 {
     const Score score = score_of("i1 0 1 pp4\ni1 1 1 np4\ni2 2 1 5\ni2 3 1 pp9999\n");
@@ -137,6 +157,31 @@ TEST(MidiReader, ReadsAsManyNotesAsItMay)
     EXPECT_EQ(past.events.size(), 1U);
     ASSERT_EQ(past.troubles.size(), 1U);
     EXPECT_EQ(past.troubles[0].text, "track 1: more than 1 notes: the rest is left out");
+}
+
+TEST(MidiReader, TellsNoWrongCountOfTracksWhenNotesAreLeftOut)
+{
+    using namespace std::string_literals;
+    std::string bytes = midi_file("\0\x90\x3c\x40\x0a\x3c\0\0\x3d\x41\x0a\x3d\0\0\xff\x2f\0"s);
+    bytes[11]         = 3; // tracks
+    Score past;
+    EXPECT_TRUE(read_midi(bytes, {1000, 9}, past));
+    EXPECT_EQ(past.troubles.size(), 1U);
+}
+
+TEST(MidiReader, ReadsAsManyTracksAsAHeaderCanTell)
+{
+    using namespace std::string_literals;
+    std::string bytes = "MThd\0\0\0\6\0\1\xff\xff\1\xe0"s;
+    for (int i = 0; i < 65535; ++i)
+        bytes += "MTrk\0\0\0\4\0\xff\x2f\0"s;
+    Score at;
+    EXPECT_TRUE(read_midi(bytes, {}, at));
+    EXPECT_TRUE(at.troubles.empty());
+    Score past;
+    EXPECT_TRUE(read_midi(bytes + "MTrk\0\0\0\4\0\xff\x2f\0"s, {}, past));
+    ASSERT_EQ(past.troubles.size(), 1U);
+    EXPECT_EQ(past.troubles[0].text, "what stands behind 65535 tracks is left out");
 }
 
 TEST(MidiReader, SurvivesEveryShorterFile)
