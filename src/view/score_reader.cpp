@@ -607,7 +607,7 @@ void read_other(Reader &reader, char letter)
 bool read_statement(Reader &reader)
 {
     const char letter = *reader.text.at++;
-    if (reader.section.skipped && letter != 's' && letter != 'e' && letter != 'c') {
+    if (reader.section.skipped && letter != 's' && letter != 'e') {
         skip_statement(reader);
         return true;
     }
