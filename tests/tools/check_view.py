@@ -100,6 +100,8 @@ def check_programs(view, orlo):
     done = place.run("-f", "txt", "piece.orlo", env={"PATH": place.temporary})
     expect(done.returncode == 1 and "can't run orlo" in done.stderr, f"no orlo: {done}")
     expect(place.left() == [], f"no orlo: left over: {place.left()}")
+    short, long = place.run("-V"), place.run("--version")
+    expect(short.returncode == 0 and short.stdout.startswith("orlo-view ") and short.stdout == long.stdout, f"version: {short} {long}")
     loud = Place(view, LOUD_ORLO)
     done = loud.run("-f", "txt", "piece.orlo")
     expect(done.returncode == 1 and done.stderr.count("x") == 1_000_000 and done.stdout == "",
