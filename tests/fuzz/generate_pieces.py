@@ -67,6 +67,8 @@ def weights(piece):
 def span(piece, p):
     if p == 2 and not piece.events:
         return piece.one(["T", str(piece.chance.randint(1, piece.beats + 1))])
+    if p == 2:  # a part of few events may be none, which leaves p2 blank
+        return piece.one(["T", f"-{piece.chance.randint(1, 8)}"])
     return piece.one(["T", "T", f"T*.{piece.chance.randint(1, 9)}", f"-{piece.chance.randint(1, 8)}", piece.number(1, 8)])
 
 
