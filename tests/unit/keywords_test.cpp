@@ -181,7 +181,7 @@ TEST_F(Keywords, AnswersAreOneOrZero)
 
 TEST_F(Keywords, TheRateMayBeSetAmongCommands)
 {
-    Input   in = line_of("(48000)");
+    Input   in   = line_of("(48000)");
     Event  *none = nullptr;
     Section section{none, nullptr, nullptr, true, false};
     EXPECT_EQ(OK, do_commands(CMD_SR, section, in));
