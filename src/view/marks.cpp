@@ -87,8 +87,9 @@ std::size_t slices_of(const Score &score) { return score.events.size() > MANY_A_
 
 template <class Thing> Thing &slice_of(Slices<Thing> &slices, const Event &event)
 {
-    const auto slice = static_cast<std::size_t>(fraction(slices.plan.time, event.start) * static_cast<double>(slices.count));
-    return slices.things[static_cast<std::size_t>(series_of(event)) * slices.count + std::min(slice, slices.count - 1)];
+    const double part  = std::clamp(fraction(slices.plan.time, event.start), 0.0, 1.0); // huge times may lie outside
+    const auto   slice = std::min(static_cast<std::size_t>(part * static_cast<double>(slices.count)), slices.count - 1);
+    return slices.things[static_cast<std::size_t>(series_of(event)) * slices.count + slice];
 }
 
 void add_piece(std::vector<Piece> &pieces, std::size_t series, std::string data)
