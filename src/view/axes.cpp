@@ -16,7 +16,7 @@ constexpr std::size_t LABEL_LETTERS = 9;
 std::string tenths_text(double pixels)
 {
     std::string text;
-    put_tenths(text, std::llround(pixels * 10));
+    put_tenths(text, tenths(pixels));
     return text;
 }
 

@@ -29,7 +29,7 @@ constexpr std::size_t FEW_DOTS = 2000;
 std::string pixels(double value)
 {
     std::string text;
-    put_tenths(text, std::llround(value * 10));
+    put_tenths(text, tenths(value));
     return text;
 }
 

@@ -31,8 +31,6 @@ struct Pen {
     std::int64_t x = 0, y = 0;
 };
 
-std::int64_t tenths(double pixels) { return std::llround(pixels * 10); }
-
 // "-" parts two numbers as well as a blank does
 void put_second(std::string &out, std::int64_t number)
 {

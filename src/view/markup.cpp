@@ -147,6 +147,12 @@ void put_json(std::string &out, double value)
     out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
 }
 
+std::int64_t tenths(double coordinate)
+{
+    constexpr double most = 1e15; // far outside of any drawing, and far enough from overflow
+    return std::isnan(coordinate) ? 0 : std::llround(std::clamp(coordinate * 10, -most, most));
+}
+
 void put_tenths(std::string &out, std::int64_t tenths)
 {
     std::array<char, 32> text{};

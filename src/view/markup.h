@@ -26,6 +26,9 @@ std::string number_text(double value, int digits = 6);
 /// A number as JSON, so that reading gives the same double; null for NaN, "inf" or "-inf" in quotes for the infinite.
 void put_json(std::string &out, double value);
 
+/// Tenths of a coordinate, rounded, at most 10^15 either way; 0 for NaN.
+std::int64_t tenths(double coordinate);
+
 /// A coordinate counted in tenths: 125 is "12.5", -120 is "-12".
 void put_tenths(std::string &out, std::int64_t tenths);
 

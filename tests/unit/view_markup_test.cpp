@@ -19,11 +19,22 @@ std::string json_number(double value)
     return out;
 }
 
-std::string tenths(std::int64_t value)
+std::string coordinate(std::int64_t value)
 {
     std::string out;
     put_tenths(out, value);
     return out;
+}
+
+TEST(Tenths, AreRoundedAndBounded)
+{
+    EXPECT_EQ(125, tenths(12.46));
+    EXPECT_EQ(-125, tenths(-12.46));
+    EXPECT_EQ(0, tenths(std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_EQ(999'999'999'999'990, tenths(99'999'999'999'999));
+    EXPECT_EQ(1'000'000'000'000'000, tenths(1e14));
+    EXPECT_EQ(1'000'000'000'000'000, tenths(std::numeric_limits<double>::infinity()));
+    EXPECT_EQ(-1'000'000'000'000'000, tenths(-std::numeric_limits<double>::max()));
 }
 
 TEST(Escaped, ReplacesWhatMarkupMeans)
@@ -86,11 +97,11 @@ TEST(JsonNumber, NamesWhatIsNone)
 
 TEST(Tenths, HaveADecimalWhereTheyNeedOne)
 {
-    EXPECT_EQ("12.5", tenths(125));
-    EXPECT_EQ("12", tenths(120));
-    EXPECT_EQ("-0.1", tenths(-1));
-    EXPECT_EQ("0", tenths(0));
-    EXPECT_EQ("-3", tenths(-30));
+    EXPECT_EQ("12.5", coordinate(125));
+    EXPECT_EQ("12", coordinate(120));
+    EXPECT_EQ("-0.1", coordinate(-1));
+    EXPECT_EQ("0", coordinate(0));
+    EXPECT_EQ("-3", coordinate(-30));
 }
 
 TEST(Shortened, CountsCharactersNotBytes)
