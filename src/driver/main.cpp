@@ -1,3 +1,8 @@
+#include "driver/memory_limit.h"
 #include "driver/run.h"
 
-int main(int argc, char **argv) { return orlo::run(argc, argv); }
+int main(int argc, char **argv)
+{
+    orlo::limit_memory();
+    return orlo::run(argc, argv);
+}

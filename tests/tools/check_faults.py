@@ -56,15 +56,15 @@ def read(name):
         return file.read()
 
 
-def start(*args, prepare=None, env=None, **more):
-    """Starts a run; its screen goes to the file "screen"."""
+def start(*args, through=(), prepare=None, env=None, **more):
+    """Starts a run, if need be through another command; its screen goes to the file "screen"."""
     def before():
         for number in SIGNALS:
             signal.signal(number, signal.SIG_DFL)  # whatever these checks were started with
         if prepare:
             prepare()
     with open("screen", "wb") as screen:
-        return subprocess.Popen([orlo, *args], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=screen,
+        return subprocess.Popen([*through, orlo, *args], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=screen,
                                 env=environment() | (env or {}), preexec_fn=before, **more)
 
 
@@ -205,6 +205,67 @@ def input_100_megabytes_of_digits():
     write_long_line(b"i1 = 3 0 1 { p2 ", b"1", b"")
     expect(run("in.orlo", "out.sco"), 1, b'\nERROR: Reached end-of-file before "}" was found.\n\n')
     check_memory()
+
+
+def with_mount(mount):
+    """The command that runs another one where something stands in place of a part of /proc."""
+    command = ["unshare", "--mount", "sh", "-c", f'{mount} && exec "$0" "$@"']
+    try:
+        tried = subprocess.run([*command, "true"], capture_output=True, text=True, timeout=TIME_LIMIT, check=False)
+    except OSError as reason:
+        raise Skip(str(reason)) from None
+    if tried.returncode != 0:
+        raise Skip(tried.stderr.strip())
+    return command
+
+
+def without_sanitizers():
+    with open(orlo, "rb") as file:
+        if b"__asan_init" in file.read():
+            raise Skip("the sanitizers' own memory would be refused")
+
+
+@check
+def memory_is_limited_to_what_the_system_has():
+    """More events than there is memory for end the run with a message, not by the system's hand."""
+    without_sanitizers()
+    write("in.orlo", b"i1 = 3 0 -1000000000000 {\np2 1\np3 1\n}\n")
+    for lines in b"MemAvailable:   64000 kB\nSwapFree:   0 kB\n", b"MemAvailable:   32000 kB\nSwapFree:   32000 kB\n":
+        write("meminfo", b"MemTotal:  100000 kB\n" + lines)
+        result = run("in.orlo", "out.sco", through=with_mount("mount --bind meminfo /proc/meminfo"))
+        expect(result, 1, b"\nERROR: Line 3: Yikes, out of memory!\np3 1 \n^\n")
+    check_memory()
+
+
+@check
+def memory_limit_that_is_set_stays():
+    """A lower limit than the one that the program sets itself is kept; a higher one is lowered to what the system has left."""
+    without_sanitizers()
+    mebibyte = 1 << 20
+    write("meminfo", b"MemAvailable: %d kB\n" % (160 << 10))
+    for given, least, most in (100, 100, 100), (1000, 150, 170):
+        def limit(given=given):
+            resource.setrlimit(resource.RLIMIT_DATA, (given * mebibyte, resource.RLIM_INFINITY))
+        process, writer = start_reading(through=with_mount("mount --bind meminfo /proc/meminfo"), prepare=limit)
+        with open(f"/proc/{process.pid}/limits", encoding="ascii") as lines:
+            told = next(int(line.split()[3]) for line in lines if line.startswith("Max data size"))
+        finish_input(writer)
+        expect(end(process), 0)
+        os.remove("pipe")
+        if not least * mebibyte <= told <= most * mebibyte:
+            raise Failure(f"limit of {told} bytes where {given} MiB were set and 160 MiB are left")
+
+
+@check
+def memory_of_unknown_size():
+    """Where the system doesn't tell what it has, a run goes on without a limit."""
+    write("in.orlo", PIECE)
+    mounts = "mount -t tmpfs none /proc", "mount --bind in.orlo /proc/meminfo", "mount --bind in.orlo /proc/$$/statm"
+    for mount in mounts:
+        expect(run("in.orlo", "out.sco", through=with_mount(mount)), 0)
+        if read("out.sco") != SCORE:
+            raise Failure(f"another score behind: {mount}")
+        os.remove("out.sco")
 
 
 @check
