@@ -113,7 +113,8 @@ def other_numbers(digits, suffix):
         value = float(digits)
         changed = [value + 1.0, 0.0 if value else 2.0]
         return [repr(number) + suffix for number in changed]
-    value = int(digits.replace("'", ""), 0)
+    octal = re.fullmatch(r"0[0-7]+", digits)
+    value = int(digits, 8) if octal else int(digits.replace("'", ""), 0)
     return [f"{number}{suffix}" for number in (value + 1, value - 1) if number >= 0]
 
 
