@@ -161,12 +161,12 @@ def places_of(path, text, errors):
 
 def draw_places(root, seed):
     """Every place of the source in a random order, each with one change."""
-    with open(os.path.join(root, "src/diag/messages.h"), encoding="ascii") as file:
+    with open(os.path.join(root, "src/diag/messages.h"), encoding="utf-8") as file:
         errors = re.findall(r"^    ([A-Z]\w+)\s*= -?\d+,", file.read().split("enum Warning")[0], re.M)
     places = []
     for path in sorted(glob.glob("src/**/*.*", root_dir=root, recursive=True)):
         if path.endswith((".cpp", ".h")):
-            with open(os.path.join(root, path), encoding="ascii") as file:
+            with open(os.path.join(root, path), encoding="utf-8") as file:
                 places += places_of(path, file.read(), errors)
     chance = random.Random(seed)
     chance.shuffle(places)
@@ -317,13 +317,13 @@ def try_change(trees, suite, change):
     try:
         started = time.monotonic()
         path = os.path.join(tree.folder, change.path)
-        with open(path, encoding="ascii") as file:
+        with open(path, encoding="utf-8") as file:
             text = file.read()
         line_no = text.count("\n", 0, change.at) + 1
         changed = text[:change.at] + change.after + text[change.at + len(change.before):]
         record = {"file": change.path, "line": line_no, "before": change.before, "after": change.after,
                   "column": change.at - (text.rfind("\n", 0, change.at) + 1) + 1, "text": text.splitlines()[line_no - 1].strip()}
-        with open(path, "w", encoding="ascii") as file:
+        with open(path, "w", encoding="utf-8") as file:
             file.write(changed)
         if not tree.make():
             record["result"] = "not compiled"
@@ -332,7 +332,7 @@ def try_change(trees, suite, change):
         else:
             record["by"] = suite.notice(tree, change.path)
             record["result"] = "noticed" if record["by"] else "unnoticed"
-        with open(path, "w", encoding="ascii") as file:
+        with open(path, "w", encoding="utf-8") as file:
             file.write(text)
         record["seconds"] = round(time.monotonic() - started, 1)
         return record
@@ -343,12 +343,12 @@ def try_change(trees, suite, change):
 def find_again(results, root):
     """The unnoticed changes of an earlier run, where the line still stands."""
     changes = []
-    with open(results, encoding="ascii") as file:
+    with open(results, encoding="utf-8") as file:
         records = [json.loads(line) for line in file]
     for record in records:
         if record["result"] != "unnoticed":
             continue
-        with open(os.path.join(root, record["file"]), encoding="ascii") as file:
+        with open(os.path.join(root, record["file"]), encoding="utf-8") as file:
             text = file.read()
         starts = [0] + [match.end() for match in re.finditer("\n", text)]
         same = [start for start in starts if text[start:].split("\n", 1)[0].strip() == record["text"]]
@@ -362,7 +362,7 @@ def find_again(results, root):
 
 def read_list():
     """Changes that are known to change nothing: file, code, before, after."""
-    with open(os.path.join(ROOT, "tests", "mutation-survivors.md"), encoding="ascii") as file:
+    with open(os.path.join(ROOT, "tests", "mutation-survivors.md"), encoding="utf-8") as file:
         return set(re.findall(r"^- (\S+): `(.*)`: `(.*)` -> `(.*)`: \S", file.read(), re.M))
 
 
@@ -416,7 +416,7 @@ def main():
                 records.append(record)
                 print(f"{counted} {show(record)} ({record['seconds']} s)", flush=True)
                 if options.results:
-                    with open(options.results, "w", encoding="ascii") as file:
+                    with open(options.results, "w", encoding="utf-8") as file:
                         file.writelines(json.dumps(each) + "\n" for each in records)
                 if record["result"] in ("noticed", "unnoticed"):
                     counted += 1
