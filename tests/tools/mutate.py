@@ -57,7 +57,7 @@ AREAS = {
     "input/equations": "constants", "input/": "reader", "lang/data_list": "data", "lang/global_block": "global",
     "lang/tempo_command": "tempo", "lang/settings": "global iblock", "lang/": "iblock reader data",
     "events/tempo_map": "tempo", "events/timing": "timing", "events/": "events timing", "output/midi": "midi",
-    "output/": "score midi",
+    "output/": "score midi", "view/": "view",
 }
 
 NOT_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|^[ \t]*#(?:[^\n\\]|\\.)*|\bstatic_assert\s*\([^;]*;', re.S | re.M)
@@ -266,7 +266,8 @@ class Suite:
             print(f"left out, fails without a change: {', '.join(failing)}", flush=True)
         self.quick = "--gtest_filter=-" + ":".join(slow + failing)
         self.slow = "--gtest_filter=" + ":".join(slow) if slow else None
-        self.all_cases = sorted(glob.glob("tests/cases/*/*.case", root_dir=tree.folder))
+        self.all_cases = sorted(case for pattern in ("tests/cases/*/*.case", "tests/view/*.case")
+                                for case in glob.glob(pattern, root_dir=tree.folder))
         self.noticed_by = {}  # source file: cases that have noticed a change in it
         while True:
             status, output = tree.cases(self.all_cases)
@@ -286,7 +287,7 @@ class Suite:
         areas = " ".join(areas for beginning, areas in AREAS.items() if path.startswith("src/" + beginning)).split()
         rank = {area: number for number, area in reversed(list(enumerate(areas)))}
         rest = sorted((case for case in self.all_cases if case not in first),
-                      key=lambda case: rank.get(case.split("/")[2], len(rank)))
+                      key=lambda case: rank.get(case.split("/")[-2], len(rank)))
         return first + rest
 
     def notice(self, tree, path):

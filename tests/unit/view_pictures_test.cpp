@@ -1,5 +1,6 @@
 #include "view/pictures.h"
 
+#include "view/axes.h"
 #include "view/marks.h"
 #include "view/page_files.h"
 #include "view/plan.h"
@@ -197,6 +198,27 @@ TEST(Page, EscapesNames)
     EXPECT_FALSE(holds(page, "<script>alert"));
     EXPECT_EQ(2U, count_of(page, "</script>")); // data and script
     EXPECT_FALSE(holds(svg_picture(score), "<b>"));
+}
+
+TEST(Page, NamesInstrumentsWhereItKeepsEvents)
+{
+    Score score            = small_score();
+    score.instruments      = {"1", "\"bell\""};
+    const std::string page = html_page(score);
+    EXPECT_TRUE(holds(page, R"("instruments":["i1","\u0022bell\u0022"])"));
+    EXPECT_TRUE(holds(html_page(score_of(MANY_EVENTS + 1)), R"("instruments":[])"));
+}
+
+TEST(Grid, IsStrongAtOctavesAlone)
+{
+    const Score       score = small_score();
+    const Plan        plan  = plan_of(score);
+    const std::string roll  = roll_grid(plan, "780");
+    EXPECT_LT(0U, count_of(roll, "class=\"G\""));
+    EXPECT_LT(0U, count_of(roll, "class=\"g\""));
+    const std::string lane = lane_grid(plan.lanes[0], "780");
+    EXPECT_LT(0U, count_of(lane, "class=\"g\" x2=\"780\""));
+    EXPECT_EQ(0U, count_of(lane, "class=\"G\""));
 }
 
 TEST(Page, AsksTheNetworkForNothing)
