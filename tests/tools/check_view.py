@@ -8,6 +8,7 @@ import argparse
 import os
 import shutil
 import signal
+import stat
 import subprocess
 import sys
 import tempfile
@@ -129,6 +130,16 @@ def check_pipes(view):
     expect("20000 events" in done.stdout, f"long standard input: {done.stderr}")
 
 
+def check_mode(view):
+    """Who may read and write a file that is made is left to the umask."""
+    place = Place(view)
+    write(os.path.join(place.path, "a.sco"), "i1 0 1\n")
+    for mask, mode in (0, 0o666), (0o027, 0o640):
+        place.run("-f", "svg", "-o", f"{mask}.svg", "a.sco", umask=mask)
+        made = stat.S_IMODE(os.stat(os.path.join(place.path, f"{mask}.svg")).st_mode)
+        expect(made == mode, f"umask {mask:o}: mode {made:o}")
+
+
 def check_onto_itself(view):
     place = Place(view)
     path = os.path.join(place.path, "a $(x)'\";.sco")
@@ -183,6 +194,7 @@ def main():
     check_ignored_signal(options.view)
     check_programs(options.view, os.path.abspath(options.orlo))
     check_pipes(options.view)
+    check_mode(options.view)
     check_onto_itself(options.view)
     check_want(options.view)
     check_size(options.view)
