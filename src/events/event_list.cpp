@@ -39,11 +39,10 @@ void step_onto(Event *event, Event *&cursor, Event *&list)
     cursor = event;
 }
 
-// the values of an event for n p-fields
+// the values of an event for n p-fields, 3 or more
 void copy_values(Event *event, const Event *source, std::int32_t n)
 {
-    if (n > 3)
-        std::copy_n(source->pf, n - 3, event->pf);
+    std::copy_n(source->pf, n - 3, event->pf);
 }
 
 // magnitude of a time in whole seconds

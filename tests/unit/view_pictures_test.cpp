@@ -209,16 +209,51 @@ TEST(Page, NamesInstrumentsWhereItKeepsEvents)
     EXPECT_TRUE(holds(html_page(score_of(MANY_EVENTS + 1)), R"("instruments":[])"));
 }
 
-TEST(Grid, IsStrongAtOctavesAlone)
+// thirteen keys from c to c, ten pixels each, and two rows
+Plan octave_plan()
+{
+    Plan plan{};
+    plan.pitched      = true;
+    plan.keys         = {59.5, 72.5};
+    plan.pitch_height = 130;
+    plan.rows         = 2;
+    return plan;
+}
+
+TEST(Grid, HasStripesAtBlackKeys)
+{
+    const std::string grid = roll_grid(octave_plan(), "780");
+    EXPECT_EQ(5U, count_of(grid, "<rect"));
+    for (const char *top : {"20", "40", "60", "90", "110"}) // b flat, a flat, f sharp, e flat, c sharp
+        EXPECT_EQ(1U, count_of(grid, joined({R"(<rect class="k" y=")", top, R"(" width="780" height="10"/>)"}))) << top;
+}
+
+TEST(Grid, IsStrongAtOctavesAndAboveTheRows)
+{
+    const Plan        plan = octave_plan();
+    const std::string grid = roll_grid(plan, "780");
+    EXPECT_EQ(3U, count_of(grid, "class=\"G\""));
+    for (const char *y : {"5", "125", "130"})
+        EXPECT_EQ(1U, count_of(grid, joined({R"(<line class="G" x2="780" y1=")", y, R"(" y2=")", y, R"("/>)"}))) << y;
+    // the other keys that are named, and the rows, of which this plan names none
+    EXPECT_EQ(count_of(roll_labels(plan, 0), "<text") - 2 + 2, count_of(grid, "class=\"g\""));
+}
+
+TEST(Grid, IsWeakInLanes)
 {
     const Score       score = small_score();
-    const Plan        plan  = plan_of(score);
-    const std::string roll  = roll_grid(plan, "780");
-    EXPECT_LT(0U, count_of(roll, "class=\"G\""));
-    EXPECT_LT(0U, count_of(roll, "class=\"g\""));
-    const std::string lane = lane_grid(plan.lanes[0], "780");
+    const std::string lane  = lane_grid(plan_of(score).lanes[0], "780");
     EXPECT_LT(0U, count_of(lane, "class=\"g\" x2=\"780\""));
     EXPECT_EQ(0U, count_of(lane, "class=\"G\""));
+}
+
+TEST(Page, DrawsBarsBesideLanes)
+{
+    const Score       score = small_score();
+    const std::string page  = html_page(score);
+    for (const Lane &lane : lanes_of(score))
+        if (lane.count > 0)
+            EXPECT_TRUE(holds(page, joined({R"(class="b" d=")", histogram_bars(lane, {76, 8, 0}), "\""}))) << lane.name;
 }
 
 TEST(Page, AsksTheNetworkForNothing)
