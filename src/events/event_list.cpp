@@ -40,10 +40,7 @@ void step_onto(Event *event, Event *&cursor, Event *&list)
 }
 
 // the values of an event for n p-fields, 3 or more
-void copy_values(Event *event, const Event *source, std::int32_t n)
-{
-    std::copy_n(source->pf, n - 3, event->pf);
-}
+void copy_values(Event *event, const Event *source, std::int32_t n) { std::copy_n(source->pf, n - 3, event->pf); }
 
 // magnitude of a time in whole seconds
 std::uint64_t whole_seconds(float time)
