@@ -4,8 +4,9 @@
 
 #include "diag/report.h"
 
+#include "base/number_text.h"
+#include "base/switches.h"
 #include "diag/messages.h"
-#include "output/number_text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,9 +14,7 @@
 
 namespace orlo {
 
-int        MKLOG   = 0;
-int        SUPRESS = 0;
-std::FILE *fllog   = nullptr;
+std::FILE *fllog = nullptr;
 
 namespace {
 
@@ -81,7 +80,7 @@ bool is_conversion(char c) { return c == 'd' || c == 'f' || c == 'c' || c == 's'
 void show_line(const char *line, unsigned column)
 {
     put_buff(stderr, line, column);
-    if (MKLOG != 0 && fllog != nullptr)
+    if (MKLOG && fllog != nullptr)
         put_buff(fllog, line, column);
 }
 
@@ -91,7 +90,7 @@ void Mprintf_args(const char *format, const MprintfArg *args, int count)
 {
     Text out;
     out.first  = stderr;
-    out.second = MKLOG != 0 ? fllog : nullptr;
+    out.second = MKLOG ? fllog : nullptr;
     out.used   = 0;
 
     int next = 0;
@@ -148,7 +147,7 @@ void error_no(int number, unsigned long line_no, const char *line, unsigned colu
 
 void warning_no(int number, unsigned long line_no, const char *line, unsigned column)
 {
-    if (SUPRESS != 0)
+    if (SUPRESS)
         return;
     if (number <= 9) {
         Mprintf("\nWARNING: %s", warning_text(number));

@@ -7,9 +7,7 @@
 
 namespace orlo {
 
-extern int        MKLOG;   // 1: a log receives a copy of the screen, 0 at start; set by the options
-extern int        SUPRESS; // 1: warnings and optional notices stay silent, 0 at start; set by the options
-extern std::FILE *fllog;   // the open log, null without one; set by the driver
+extern std::FILE *fllog; // the open log, null without one; set by the driver
 
 /// One argument of Mprintf, tagged with the kind of value that it holds.
 struct MprintfArg {

@@ -2,10 +2,7 @@
 
 #include "driver/options.h"
 
-#include "diag/report.h"
-#include "events/tempo_map.h"
-#include "input/line_reader.h"
-#include "output/midi_conversion.h"
+#include "base/switches.h"
 
 #include <cstring>
 
@@ -57,19 +54,19 @@ int take_option(const char *option, int argc, const char *const *argv, int &next
     const char *rest = option + 2;
     switch (option[1]) {
     case 'l':
-        MKLOG = 1;
+        MKLOG = true;
         return take_name(log_fname, rest, argc, argv, next, "logfile");
     case 'm':
-        MKMIDI = 1;
+        MKMIDI = true;
         return 0;
     case 's':
-        SUPRESS = 1;
+        SUPRESS = true;
         return 0;
     case 't':
-        SHOW_TEMPOS = 1;
+        SHOW_TEMPOS = true;
         return 0;
     case 'x':
-        MKEXP = 1;
+        MKEXP = true;
         return take_name(exp_fname, rest, argc, argv, next, "macro-expansion file");
     default:
         return fail_with_usage();
@@ -100,8 +97,8 @@ int get_options(int argc, const char *const *argv)
 
 int check_fnames()
 {
-    const bool log   = MKLOG != 0;
-    const bool trace = MKEXP != 0;
+    const bool log   = MKLOG;
+    const bool trace = MKEXP;
     bool       clash = same(in_fname, out_fname);
 
     clash = clash || (log && (same(log_fname, out_fname) || same(log_fname, in_fname)));
@@ -130,11 +127,19 @@ void print_info(std::FILE *stream)
 {
     print_version(stream);
     std::fprintf(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
-    std::fputs(MKMIDI != 0 ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
-    if (MKLOG != 0)
+    std::fputs(MKMIDI ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
+    if (MKLOG)
         std::fprintf(stream, "Log \t= \"%s\"\n", log_fname);
-    if (MKEXP != 0)
+    if (MKEXP)
         std::fprintf(stream, "MExp\t= \"%s\"\n", exp_fname);
+}
+
+void reset_options()
+{
+    in_fname  = nullptr;
+    out_fname = nullptr;
+    log_fname = nullptr;
+    exp_fname = nullptr;
 }
 
 } // namespace orlo

@@ -22,4 +22,7 @@ void print_usage(std::FILE *stream);
 /// The banner of a run: version, file names, kind of output.
 void print_info(std::FILE *stream);
 
+/// No name is given.
+void reset_options();
+
 } // namespace orlo

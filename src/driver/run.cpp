@@ -3,32 +3,32 @@
 
 #include "driver/run.h"
 
+#include "base/clock.h"
+#include "base/conversions.h"
+#include "base/random.h"
+#include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "driver/options.h"
-#include "driver/temporary_file.h"
+#include "events/block.h"
 #include "events/event_list.h"
-#include "events/timing.h"
+#include "events/pfields.h"
+#include "events/tempo_map.h"
 #include "input/conditionals.h"
 #include "input/constants.h"
 #include "input/include_pass.h"
+#include "input/macro_expansion.h"
 #include "input/macros.h"
 #include "lang/global_block.h"
 #include "lang/iblock.h"
-#include "lang/keywords.h"
 #include "output/midi_conversion.h"
 #include "output/midi_file.h"
 #include "output/score_writer.h"
-
-#include <csignal>
-#include <fcntl.h>
-#include <unistd.h>
+#include "platform/standard_streams.h"
+#include "platform/temporary_file.h"
+#include "words/values.h"
 
 namespace orlo {
-
-double CUM_TIME    = 0.0;
-double LAST_IB_DUR = 0.0;
-
 namespace {
 
 constexpr int SUCCESS = 0;
@@ -39,6 +39,25 @@ struct Files {
     std::FILE *out; // the score or MIDI file
     std::FILE *tmp; // the temporary file while it is written
 };
+
+// Every room at its start, whatever was run before in this process.
+void reset()
+{
+    reset_switches();
+    reset_clock();
+    reset_draws();
+    reset_conversions();
+    reset_options();
+    reset_block();
+    reset_events();
+    reset_pfields();
+    reset_tempos();
+    reset_conditionals();
+    reset_macro_expansion();
+    free_macro_list();
+    free_variable_list();
+    reset_values();
+}
 
 // closes a stream that was written to, if it is open; false when anything was lost
 bool close_written(std::FILE *&stream)
@@ -79,7 +98,7 @@ bool clean_up(Files &files, bool complete)
         written = report_lost(out_fname);
     if (!close_written(fecho) && complete)
         written = report_lost(exp_fname);
-    MKLOG = 0; // what the log has lost is told on the screen alone
+    MKLOG = false; // what the log has lost is told on the screen alone
     if (!close_written(fllog) && complete)
         written = report_lost(log_fname);
     remove_temporary_file();
@@ -106,17 +125,6 @@ int finish(Files &files)
     return SUCCESS;
 }
 
-// A file must not take the number of a standard stream that is closed: it would receive what is meant for the screen.
-void open_standard_streams()
-{
-    int number = 0;
-    do // ends behind the standard streams, or when no file can be opened
-        number = open("/dev/null", O_RDWR);
-    while (number >= 0 && number <= STDERR_FILENO);
-    if (number >= 0)
-        close(number);
-}
-
 int open_file(std::FILE *&stream, const char *name, const char *mode)
 {
     stream = std::fopen(name, mode);
@@ -128,18 +136,19 @@ int open_file(std::FILE *&stream, const char *name, const char *mode)
 
 int open_files(Files &files)
 {
-    if (open_file(files.in, in_fname, "r") != SUCCESS)
-        return FAILURE;
-    if (open_file(files.out, out_fname, MKMIDI != 0 ? "wb" : "w") != SUCCESS)
-        return FAILURE;
-    if (MKEXP != 0 && open_file(fecho, exp_fname, "w") != SUCCESS)
-        return FAILURE;
+    if (const int failure = open_file(files.in, in_fname, "r"))
+        return failure;
+    if (const int failure = open_file(files.out, out_fname, MKMIDI ? "wb" : "w"))
+        return failure;
+    if (MKEXP)
+        if (const int failure = open_file(fecho, exp_fname, "w"))
+            return failure;
     files.tmp = open_temporary_file();
     if (files.tmp == nullptr) {
         std::fputs("\nERROR: Can't open temporary file\n\n", stderr);
         return FAILURE;
     }
-    return MKLOG != 0 ? open_file(fllog, log_fname, "w") : SUCCESS;
+    return MKLOG ? open_file(fllog, log_fname, "w") : SUCCESS;
 }
 
 // copies the input with its include files into the temporary file, which becomes the input
@@ -168,26 +177,27 @@ int nothing_written(std::uint32_t block)
     return OK;
 }
 
-int write_score(std::FILE *out, std::uint32_t block)
+// written tells whether there was anything to write
+int write_score(std::FILE *out, std::uint32_t block, bool &written)
 {
     std::fprintf(out, "\n;I-block #%u (i%d):", block, I_NO);
-    if (print_csound(note_list, out, MAX_PFIELDS) == 0)
-        return 0;
-    free_pfield_record();
-    return 1;
+    written = print_csound(note_list, out, MAX_PFIELDS);
+    if (written)
+        free_pfield_record();
+    return OK;
 }
 
-// 1, 0 when there is nothing to write, -1 for exhausted memory
-int write_midi(std::FILE *out)
+int write_midi(std::FILE *out, bool &written)
 {
     std::uint64_t length = 0;
     const int     result = List2MIDI(note_list, MAX_PFIELDS, length);
-    if (result <= 0)
-        return result;
+    written              = result > 0;
+    if (!written)
+        return result < 0 ? OUT_OF_MEMORY : OK;
     PutMidiHeader(out, 2);
     PutTrack1(out, note_list->start + note_list->dur + 1.0F);
     WriteTrack(out, note_list, length);
-    return 1;
+    return OK;
 }
 
 void report_statistics(std::uint32_t block)
@@ -210,17 +220,17 @@ int do_blocks(Input &in, std::FILE *out, bool &ended)
 {
     std::uint32_t block = 1;
     for (ended = false; !ended;) { // each round reads lines, up to the end of the input
-        if (const int result = parse_gblock(in, out); result > 0)
-            return result;
-        if (const int result = do_iblock(in, out, block); result > 0)
-            return result;
+        if (const int status = parse_gblock(in, out); status > 0)
+            return status;
+        if (const int error = do_iblock(in, out, block))
+            return error;
         if (std::ferror(in.stream) != 0) { // what follows in the input is lost
             Mprintf("\nERROR: Can't read temporary file\n\n");
             return FULLY_REPORTED;
         }
         if (input_used_up(in))
-            return ifdef_match() != 0 ? OK : MISSING_ENDIF;
-        ended = MKMIDI != 0;
+            return ifdef_match() ? OK : MISSING_ENDIF;
+        ended = MKMIDI;
         if (!ended && std::feof(in.stream) != 0)
             return OK;
     }
@@ -229,14 +239,13 @@ int do_blocks(Input &in, std::FILE *out, bool &ended)
 
 int run_input(Files &files, Input &in)
 {
-    in.stream        = files.in;
-    bool      ended  = false;
-    const int result = do_blocks(in, files.out, ended);
-    if (result != OK)
-        return fail_with(result, files, in);
+    in.stream  = files.in;
+    bool ended = false;
+    if (const int error = do_blocks(in, files.out, ended))
+        return fail_with(error, files, in);
     if (ended)
         return finish(files);
-    if (MKMIDI == 0)
+    if (!MKMIDI)
         std::fputs("\ne\n", files.out);
     Mprintf("\n\nGlobal cumulative duration of all i-blocks = %f (secs)\n", CUM_TIME);
     return finish(files);
@@ -246,13 +255,14 @@ int run_input(Files &files, Input &in)
 
 int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
 {
-    if (const int result = parse_iblock(in, note_list); result > 0)
-        return result;
-    const bool score   = MKMIDI == 0 && note_list != nullptr;
-    const int  written = score ? write_score(out, block) : write_midi(out);
-    if (written < 0)
-        return OUT_OF_MEMORY;
-    if (written == 0)
+    if (const int status = parse_iblock(in, note_list); status > 0)
+        return status;
+    if (note_list == nullptr)
+        return nothing_written(block);
+    bool written = false;
+    if (const int error = MKMIDI ? write_midi(out, written) : write_score(out, block, written))
+        return error;
+    if (!written)
         return nothing_written(block);
     report_statistics(block++);
     FreeListNodes(note_list);
@@ -261,16 +271,15 @@ int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as a file that can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is one that has reached its limit of size
-    open_standard_streams();
+    reset();
+    secure_standard_streams();
     if (get_options(argc, argv) != 0 || check_fnames() != 0)
         return FAILURE;
     Files files{};
     if (open_files(files) != SUCCESS)
-        return FAILURE;
+        return fail(files);
     print_info(stderr);
-    if (MKLOG != 0)
+    if (MKLOG)
         print_info(fllog);
     Input in{};
     if (combine_input(files, in) != SUCCESS)

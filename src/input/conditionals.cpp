@@ -28,7 +28,7 @@ bool stands_at(const char *line, std::uint32_t pos, const char *word)
 bool skip_directive(Input &in)
 {
     ++in.pos;
-    if (is_if(in.line, in.pos) != 0)
+    if (is_if(in.line, in.pos))
         ++IF_MATCH;
     return do_endif(in) == OK && IF_MATCH == start_level;
 }
@@ -73,31 +73,31 @@ int do_if(Input &in)
 
 } // namespace
 
-int is_if(const char *line, std::uint32_t pos) { return stands_at(line, pos, "if(") ? 1 : 0; }
+bool is_if(const char *line, std::uint32_t pos) { return stands_at(line, pos, "if("); }
 
-int is_endif(const char *line, std::uint32_t pos) { return stands_at(line, pos, "endif") ? 1 : 0; }
+bool is_endif(const char *line, std::uint32_t pos) { return stands_at(line, pos, "endif"); }
 
-int in_if0() { return IN_IF0 ? 1 : 0; }
+bool in_if0() { return IN_IF0; }
 
 int do_if_interface(Input &in) { return do_if(in); }
 
 int get_if(Input &in, float &condition)
 {
-    if (is_if(in.line, in.pos) == 0)
+    if (!is_if(in.line, in.pos))
         return BAD_IF;
     in.pos += 3;
     skip_blanks(in);
     if (peek(in) == '$') {
         ++in.pos;
-        if (const int result = expand_macro(in); result != OK)
-            return result;
+        if (const int error = expand_macro(in))
+            return error;
     }
     if (peek(in) == '~') {
         ++in.pos;
-        if (const int result = expand_variables(in); result != OK)
-            return result;
+        if (const int error = expand_variables(in))
+            return error;
     }
-    if (!is_digit(peek(in)) || get_f(condition, in) == 0)
+    if (!is_digit(peek(in)) || !get_f(condition, in))
         return IF_NEEDS_VALUE;
     skip_blanks(in);
     if (peek(in) != ')')
@@ -108,7 +108,7 @@ int get_if(Input &in, float &condition)
 
 int do_endif(Input &in)
 {
-    if (is_endif(in.line, in.pos) == 0)
+    if (!is_endif(in.line, in.pos))
         return BAD_ENDIF;
     in.pos += 5;
     if (IF_MATCH < 1)
@@ -117,6 +117,14 @@ int do_endif(Input &in)
     return OK;
 }
 
-int ifdef_match() { return IF_MATCH == 0 ? 1 : 0; }
+bool ifdef_match() { return IF_MATCH == 0; }
+
+void reset_conditionals()
+{
+    IF_MATCH    = 0;
+    IN_IF0      = false;
+    start_level = 0;
+    value       = 0.0F;
+}
 
 } // namespace orlo

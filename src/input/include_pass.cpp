@@ -145,8 +145,8 @@ int bad_file(const FileName &name)
 int include_file(Reader &in, std::FILE *out, std::uint32_t &calls)
 {
     FileName name;
-    if (const int result = take_name(in, name); result != OK)
-        return result;
+    if (const int error = take_name(in, name))
+        return error;
     std::FILE *file = std::fopen(name.text, "r");
     if (file == nullptr)
         return bad_file(name);
@@ -180,8 +180,8 @@ int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls)
             std::putc(c, out);
             follow_comments(state, c);
         } else if (take_keyword(reader, out, state)) {
-            if (const int result = include_file(reader, out, calls); result != OK)
-                return result;
+            if (const int error = include_file(reader, out, calls))
+                return error;
             state.line_comment = false;
             state.previous     = '|';
         }

@@ -44,8 +44,8 @@ int get_define(Input &in)
 // name -> letter { letter | digit | "_" }
 int get_name(std::string &name, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (!is_letter(peek(in)))
         return BAD_MACRO_NAME;
     for (; is_name_char(peek(in)); ++in.pos) {
@@ -59,8 +59,8 @@ int get_name(std::string &name, Input &in)
 // param -> name, which a line that was too long may continue on the next
 int get_param(std::string &name, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (!is_letter(peek(in)))
         return BAD_MACRO_NAME;
     for (;;) { // each round reads a line
@@ -86,11 +86,11 @@ int get_args(Macro &macro, Input &in)
             return result > 0 ? result : BAD_MACRO_SYNTAX;
         }
         std::string name;
-        if (const int result = get_param(name, in); result != OK)
-            return result;
+        if (const int error = get_param(name, in))
+            return error;
         macro.params.push_back(std::move(name));
-        if (const int result = skip_wc(in); result > 0)
-            return result;
+        if (const int error = skip_wc(in))
+            return error;
         if (peek(in) == '#' || peek(in) == '\'' || peek(in) == ',')
             ++in.pos;
         skip_blanks(in);
@@ -104,8 +104,8 @@ int get_args(Macro &macro, Input &in)
 // comments are copied too, and hide a "#"
 int get_body(std::string &body, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (peek(in) != '#')
         return MACRO_BODY_NEEDS_MARK;
     ++in.pos;
@@ -134,12 +134,12 @@ int get_body(std::string &body, Input &in)
 // define -> keyword name params body
 int get_macro(Macro &macro, Input &in)
 {
-    if (const int result = get_define(in); result != OK)
-        return result;
-    if (const int result = get_name(macro.name, in); result != OK)
-        return result;
-    if (const int result = get_args(macro, in); result != OK)
-        return result;
+    if (const int error = get_define(in))
+        return error;
+    if (const int error = get_name(macro.name, in))
+        return error;
+    if (const int error = get_args(macro, in))
+        return error;
     return get_body(macro.body, in);
 }
 
@@ -152,8 +152,8 @@ int store_macro(Macro &macro)
 int do_define(Input &in)
 {
     Macro macro;
-    if (const int result = get_macro(macro, in); result != OK)
-        return result;
+    if (const int error = get_macro(macro, in))
+        return error;
     return store_macro(macro);
 }
 
@@ -189,7 +189,7 @@ int run_directive(Input &in)
         return get_if(in, dropped);
     }
     case 'e':
-        if (is_endif(in.line, in.pos) != 0)
+        if (is_endif(in.line, in.pos))
             in.pos += 5;
         return OK;
     default:

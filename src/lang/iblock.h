@@ -6,10 +6,7 @@
 
 namespace orlo {
 
-inline constexpr std::int32_t MOST_PFIELDS = 128;
-inline constexpr float        MOST_BEATS   = 10000.0F;
-
-extern bool DID_P[MOST_PFIELDS + 1]; // by p-field number: its section is complete; cleared at the start of every block
+inline constexpr float MOST_BEATS = 10000.0F;
 
 /// Reads an i-block from its "i" and fills the event list.
 /// @return 0 behind the "}", END_OF_INPUT (also behind a skipped block), or an error

@@ -5,18 +5,16 @@
 
 #include "output/midi_conversion.h"
 
+#include "base/numerics.h"
 #include "diag/report.h"
-#include "events/timing.h"
-#include "events/value_queue.h"
-#include "output/numerics.h"
+#include "events/block.h"
+#include "output/midi_numbers.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
 namespace orlo {
-
-int MKMIDI = 0;
 
 namespace {
 
@@ -142,18 +140,12 @@ int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
 
 } // namespace
 
-std::uint64_t ticks(float seconds)
-{
-    const float count = seconds * TICKS_PER_SECOND;
-    return count < 0.0F ? 0 : to_uint64(static_cast<double>(count));
-}
-
 int List2MIDI(Event *&list, std::int32_t n, std::uint64_t &length)
 {
     length = 0;
     if (list == nullptr)
         return 0;
-    if (RemoveRests(list) == 0) {
+    if (!RemoveRests(list)) {
         Mprintf("\n\nOops i-block %d is all rests! ", I_NO);
         return 0;
     }

@@ -13,7 +13,7 @@
 #include "driver/run.h"
 #include "events/event_list.h"
 #include "input/line_reader.h"
-#include "lang/keywords.h"
+#include "words/keywords.h"
 
 #include <cstdint>
 #include <cstdio>

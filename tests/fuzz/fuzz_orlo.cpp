@@ -17,7 +17,7 @@
 
 #include "fuzz_orlo.h"
 
-#include "ddf/random.h"
+#include "base/random.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "driver/options.h"
@@ -29,9 +29,9 @@
 #include "input/line_reader.h"
 #include "input/macro_expansion.h"
 #include "lang/iblock.h"
-#include "lang/keywords.h"
-#include "lang/values.h"
-#include "output/conversions.h"
+#include "words/keywords.h"
+#include "words/values.h"
+#include "base/conversions.h"
 #include "output/midi_conversion.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "output/conversions.h"
+#include "base/conversions.h"
 
 #include <gtest/gtest.h>
 

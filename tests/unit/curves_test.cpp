@@ -1,4 +1,4 @@
-#include "ddf/curves.h"
+#include "base/curves.h"
 
 #include "diag/messages.h"
 #include "support.h"

@@ -1,4 +1,4 @@
-#include "ddf/distributions.h"
+#include "base/distributions.h"
 
 #include "support.h"
 

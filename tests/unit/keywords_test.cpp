@@ -1,11 +1,11 @@
-#include "lang/keywords.h"
+#include "words/keywords.h"
 
 #include "diag/messages.h"
 #include "events/event_list.h"
 #include "events/timing.h"
 #include "lang/pfield.h"
-#include "lang/values.h"
-#include "output/conversions.h"
+#include "words/values.h"
+#include "base/conversions.h"
 #include "support.h"
 
 namespace orlo {

@@ -1,6 +1,6 @@
-#include "output/numerics.h"
+#include "base/numerics.h"
 
-#include "ddf/random.h"
+#include "base/random.h"
 
 #include <gtest/gtest.h>
 

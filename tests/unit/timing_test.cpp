@@ -3,7 +3,7 @@
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "events/tempo_map.h"
-#include "lang/keywords.h"
+#include "words/keywords.h"
 #include "support.h"
 
 #include <cmath>

@@ -1,13 +1,12 @@
 // The octave of a note name is remembered for the whole run, so that a melody names it once. A tie is read by recursion, which ends
 // with the line: each level has consumed a digit and a comma.
 
-#include "lang/values.h"
+#include "words/values.h"
 
-#include "events/timing.h"
+#include "base/numerics.h"
+#include "base/switches.h"
+#include "events/block.h"
 #include "input/scanners.h"
-#include "lang/keywords.h"
-#include "output/midi_conversion.h"
-#include "output/numerics.h"
 
 namespace orlo {
 namespace {
@@ -15,13 +14,15 @@ namespace {
 constexpr std::int32_t MAX_OCTAVE = 9;
 constexpr float        REST       = -1.0F;
 
-std::int32_t last_octave = 4; // octave of a note that is written without one; written by get_pitch
+constexpr std::int32_t FIRST_OCTAVE = 4;
+
+std::int32_t last_octave = FIRST_OCTAVE; // octave of a note that is written without one; written by get_pitch
 
 // semitones above c of the letters a to g
 constexpr float pitch_classes[] = {9.0F, 11.0F, 0.0F, 2.0F, 4.0F, 5.0F, 7.0F};
 
 // modifiers -> { "s" | "f" | "n" | "+" | "-" }, the last two behind "nox" alone
-int take_modifiers(float &pitch_class, Input &in)
+bool take_modifiers(float &pitch_class, Input &in)
 {
     for (;; ++in.pos) { // ends with the line
         switch (peek(in)) {
@@ -34,37 +35,37 @@ int take_modifiers(float &pitch_class, Input &in)
         case 'n':
             break;
         case '+':
-            if (NX == 0)
-                return 0;
+            if (!NX)
+                return false;
             pitch_class += 0.5F;
             break;
         case '-':
-            if (NX == 0)
-                return 0;
+            if (!NX)
+                return false;
             pitch_class -= 0.5F;
             break;
         default:
-            return 1;
+            return true;
         }
     }
 }
 
-int get_whole(float &value, Input &in)
+bool get_whole(float &value, Input &in)
 {
-    if (get_f(value, in) == 0)
-        return 0;
+    if (!get_f(value, in))
+        return false;
     value = RoundF(value);
-    return 1;
+    return true;
 }
 
 } // namespace
 
-int get_input_type(float &value, Input &in)
+bool get_input_type(float &value, Input &in)
 {
-    if (is_last_variable(in) != 0) {
+    if (is_last_variable(in)) {
         value = LAST_VAL;
         ++in.pos;
-        return 1;
+        return true;
     }
     switch (IN_TYPE) {
     case TYPE_DB:
@@ -80,39 +81,39 @@ int get_input_type(float &value, Input &in)
     case TYPE_RH:
         return get_rdc(value, in);
     default:
-        return 0;
+        return false;
     }
 }
 
-int get_pitch(float &value, Input &in)
+bool get_pitch(float &value, Input &in)
 {
     const char letter = lower(peek(in));
     if (letter == 'r') {
         ++in.pos;
         value = REST;
-        return 1;
+        return true;
     }
     if (letter < 'a' || letter > 'g')
-        return 0;
+        return false;
     ++in.pos;
     float pitch_class = pitch_classes[letter - 'a'];
-    if (take_modifiers(pitch_class, in) == 0)
-        return 0;
-    if (is_digit(peek(in)) && (get_i(last_octave, in) == 0 || last_octave > MAX_OCTAVE))
-        return 0;
-    const std::int32_t octave = MKMIDI != 0 ? last_octave + 1 : last_octave;
+    if (!take_modifiers(pitch_class, in))
+        return false;
+    if (is_digit(peek(in)) && (!get_i(last_octave, in) || last_octave > MAX_OCTAVE))
+        return false;
+    const std::int32_t octave = MKMIDI ? last_octave + 1 : last_octave;
     value                     = static_cast<float>(octave * 12) + pitch_class;
-    return 1;
+    return true;
 }
 
-int get_rdc(float &value, Input &in)
+bool get_rdc(float &value, Input &in)
 {
     const char c = peek(in);
     if (!is_digit(c) && c != '-' && c != '+')
-        return 0;
+        return false;
     std::int32_t n = 0;
-    if (get_i(n, in) == 0)
-        return 0;
+    if (!get_i(n, in))
+        return false;
     float added = 4.0F / static_cast<float>(n < 0 ? -n : n);
     float beats = added;
     for (; peek(in) == '.'; ++in.pos) {
@@ -122,15 +123,15 @@ int get_rdc(float &value, Input &in)
     if (peek(in) == ',') {
         ++in.pos;
         float tied = 0.0F;
-        if (get_rdc(tied, in) == 0)
-            return 0;
+        if (!get_rdc(tied, in))
+            return false;
         beats += tied;
     }
     value = n < 0 ? -beats : beats;
-    return 1;
+    return true;
 }
 
-int in_limits(char c)
+bool in_limits(char c)
 {
     const bool digit = is_digit(c);
     const bool sign  = c == '-' || c == '+';
@@ -140,16 +141,18 @@ int in_limits(char c)
     case TYPE_RE:
     case TYPE_RH:
     case TYPE_TR:
-        return digit || sign || last || c == '.' ? 1 : 0;
+        return digit || sign || last || c == '.';
     case TYPE_IN:
-        return digit || sign ? 1 : 0;
+        return digit || sign;
     case TYPE_NO:
-        return digit || is_letter(c) ? 1 : 0;
+        return digit || is_letter(c);
     case TYPE_OP:
-        return digit || sign || last ? 1 : 0;
+        return digit || sign || last;
     default:
-        return 0;
+        return false;
     }
 }
+
+void reset_values() { last_octave = FIRST_OCTAVE; }
 
 } // namespace orlo

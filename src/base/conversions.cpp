@@ -1,18 +1,18 @@
 // Octave and pitch class are taken apart by truncation, so a pitch below 0 has a pitch class of 0 or less:
 // -1 is 4.00 - 0.01 = 3.99, -13 is 3.00 - 0.01 = 2.99.
 
-#include "output/conversions.h"
+#include "base/conversions.h"
 
-#include "output/numerics.h"
+#include "base/numerics.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace orlo {
 
-std::uint64_t SRATE = 44100;
-
 namespace {
+
+constexpr std::uint64_t START_SRATE = 44100;
 
 constexpr double LOWEST_C_HZ    = 16.35159783;
 constexpr double SEMITONE_RATIO = 1.059463094359; // 2^(1/12)
@@ -28,6 +28,8 @@ float octave(float pitch)
 float pitch_class(float pitch) { return mod(pitch, 12.0F); }
 
 } // namespace
+
+std::uint64_t SRATE = START_SRATE;
 
 float cpc_to_pch(float pitch) { return octave(pitch) + 4.0F + pitch_class(pitch) / 100.0F; }
 
@@ -51,5 +53,7 @@ float st_to_tr(float semitones) { return static_cast<float>(std::pow(SEMITONE_RA
 std::int32_t db_to_amp(std::int32_t decibels) { return to_int32(std::exp(decibels * LN10_BY_20)); }
 
 float amp_to_db(std::int32_t amplitude) { return static_cast<float>(std::log(static_cast<double>(amplitude)) / LN10_BY_20); }
+
+void reset_conversions() { SRATE = START_SRATE; }
 
 } // namespace orlo

@@ -2,7 +2,7 @@
 // bit. The words start from the seed by the "minimal standard" generator 16807 * x modulo 2^31 - 1 (Park and Miller, Communications
 // of the ACM 31(10), 1988), and the first 310 results are dropped. This is the sequence of the GNU C library's rand.
 
-#include "ddf/random.h"
+#include "base/random.h"
 
 #include <array>
 
@@ -52,5 +52,7 @@ std::int32_t draw_int()
 }
 
 float draw_uniform() { return static_cast<float>(draw_int()) * 4.656613e-10F; }
+
+void reset_draws() { generator.seeded = false; }
 
 } // namespace orlo

@@ -15,4 +15,7 @@ void seed_draws(std::uint32_t seed);
 /// Next number of the sequence times 2^-31, as a 32-bit float in [0, 1]; 1 itself comes from rounding.
 [[nodiscard]] float draw_uniform();
 
+/// Forgets the seed: the sequence starts again as that of seed 1.
+void reset_draws();
+
 } // namespace orlo

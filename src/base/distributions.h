@@ -39,6 +39,6 @@ enum class Range : int { uniform, low, high, triangular, gaussian, bilateral, be
 [[nodiscard]] int prob_result(const float *weights, int n);
 
 /// 1 when the weights add up to 1 within 0.00001, else 0.
-[[nodiscard]] int hundred_percent(const float *weights, int n);
+[[nodiscard]] bool hundred_percent(const float *weights, int n);
 
 } // namespace orlo

@@ -2,7 +2,7 @@
 // a process may touch: its data, heap and private writable mappings (getrlimit(2), since Linux 4.7); /proc/self/statm tells the
 // same count in pages, /proc/meminfo what is left in KiB (proc(5)).
 
-#include "driver/memory_limit.h"
+#include "platform/memory_limit.h"
 
 #include <cinttypes>
 #include <cstdio>

@@ -2,9 +2,9 @@
 // A loop that refuses one value ends because the sequence of draws holds others; the step of a walk, whose window can be narrower
 // than two draws lie apart, ends at the latest after WINDOW_DRAWS.
 
-#include "ddf/distributions.h"
+#include "base/distributions.h"
 
-#include "ddf/random.h"
+#include "base/random.h"
 
 #include <algorithm>
 #include <cmath>
@@ -149,15 +149,15 @@ int prob_result(const float *weights, int n)
     return n;
 }
 
-int hundred_percent(const float *weights, int n)
+bool hundred_percent(const float *weights, int n)
 {
     if (n < 1)
-        return 0;
+        return false;
     float sum = 0.0F;
     for (int i = 0; i < n; ++i)
         sum += weights[i];
     const auto s = static_cast<double>(sum);
-    return 0.99999 < s && s < 1.00001 ? 1 : 0;
+    return 0.99999 < s && s < 1.00001;
 }
 
 } // namespace orlo

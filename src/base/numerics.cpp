@@ -2,10 +2,11 @@
 // powers of two the subtraction rounds alike each time, so that once two steps were equal all further ones down to the lower power
 // are taken at once. A remainder so large that a step no longer changes it goes to the library's exact remainder.
 
-#include "output/numerics.h"
+#include "base/numerics.h"
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace orlo {
 namespace {
@@ -88,5 +89,7 @@ float mod(float x, float m)
     }
     return r;
 }
+
+void swapf(float &a, float &b) { std::swap(a, b); }
 
 } // namespace orlo

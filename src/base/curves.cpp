@@ -1,9 +1,6 @@
 // Both interpolators reduce the position to x in [0, 1] and share the shapes; everything is computed in 64 bits and narrowed once.
 
-#include "ddf/curves.h"
-
-#include "diag/messages.h"
-#include "input/scanners.h"
+#include "base/curves.h"
 
 #include <cmath>
 
@@ -11,17 +8,6 @@ namespace orlo {
 namespace {
 
 constexpr double HALF_PI = 1.5707963267948966;
-
-enum class Curve : int { line, square, root, power, sine, mirrored };
-
-struct CurveLetter {
-    char  letter;
-    Curve curve;
-};
-
-constexpr CurveLetter letters[] = {
-    {'c', Curve::mirrored}, {'e', Curve::square}, {'f', Curve::line}, {'l', Curve::root}, {'s', Curve::sine}, {'v', Curve::power},
-};
 
 // start + (end - start) * shape of x
 float plot(int code, double x, float start, float end, double exponent)
@@ -54,31 +40,6 @@ float plot(int code, double x, float start, float end, double exponent)
 }
 
 } // namespace
-
-int get_curve_type(Input &in, float &curve, float &exponent, bool time_allowed)
-{
-    int code     = static_cast<int>(Curve::line);
-    exponent     = 1.0F;
-    const char c = lower(peek(in));
-    for (const CurveLetter &entry : letters) {
-        if (c != entry.letter)
-            continue;
-        ++in.pos;
-        code = static_cast<int>(entry.curve);
-        if (entry.curve == Curve::power && (get_f(exponent, in) == 0 || !(exponent > 0.0F)))
-            return BAD_CURVE;
-        break;
-    }
-    skip_blanks(in);
-    if (peek(in) == '*') {
-        if (!time_allowed)
-            return BEAT_CURVE_NOT_HERE;
-        ++in.pos;
-        code += TIME_CURVE;
-    }
-    curve = static_cast<float>(code);
-    return OK;
-}
 
 float tplot_val(int code, float t, float total, float start, float end, double exponent)
 {

@@ -2,7 +2,7 @@
 // shifted: below 2^39 it fits into 64 bits, and the bits shifted out tell how to round. Larger values, infinities and what is no
 // number go through the C library.
 
-#include "output/number_text.h"
+#include "base/number_text.h"
 
 #include <bit>
 #include <charconv>

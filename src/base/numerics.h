@@ -20,4 +20,7 @@ namespace orlo {
 /// Remainder of x by m with the sign of x; 0 when m is 0. The quotient is truncated, so mod(-1, 12) is -1.
 [[nodiscard]] float mod(float x, float m);
 
+/// Exchanges two floats.
+void swapf(float &a, float &b);
+
 } // namespace orlo

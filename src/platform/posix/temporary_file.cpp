@@ -2,7 +2,7 @@
 // included, so that nothing foreign is ever followed or truncated; then another name is tried.
 // A signal handler may call little: unlink, signal and raise are allowed (POSIX.1-2017, 2.4.3).
 
-#include "driver/temporary_file.h"
+#include "platform/temporary_file.h"
 
 #include <csignal>
 #include <unistd.h>

@@ -28,4 +28,7 @@ extern std::uint64_t SRATE; // sampling rate in Hz, 44100 at start; set by "sr",
 /// Linear amplitude to decibels; minus infinity for 0.
 [[nodiscard]] float amp_to_db(std::int32_t amplitude);
 
+/// Sets the sampling rate back to its start.
+void reset_conversions();
+
 } // namespace orlo
