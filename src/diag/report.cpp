@@ -123,6 +123,13 @@ void show_line(const char *line, unsigned column)
     flush(out);
 }
 
+void show_with_line(const char *kind, const char *text, unsigned long line_no, const char *line, unsigned column)
+{
+    Mprintf("\n\n%s: Line %d: ", kind, line_no);
+    Mprintf("%s\n", text);
+    show_line(line, column);
+}
+
 } // namespace
 
 void start_log(std::FILE *log)
@@ -183,28 +190,22 @@ void error_no(int number, unsigned long line_no, const char *line, unsigned colu
 {
     if (number == FULLY_REPORTED)
         return;
-    if (number <= 9) {
+    if (number == TEXT_REPORTED)
+        show_line(line, column);
+    else if (error_has_line(number))
+        show_with_line("ERROR", error_text(number), line_no, line, column);
+    else
         Mprintf("\nERROR: %s\n\n", error_text(number));
-        return;
-    }
-    if (number != TEXT_REPORTED) {
-        Mprintf("\n\nERROR: Line %d: ", line_no);
-        Mprintf("%s\n", error_text(number));
-    }
-    show_line(line, column);
 }
 
 void warning_no(int number, unsigned long line_no, const char *line, unsigned column)
 {
     if (SUPRESS)
         return;
-    if (number <= 9) {
+    if (warning_has_line(number))
+        show_with_line("WARNING", warning_text(number), line_no, line, column);
+    else
         Mprintf("\nWARNING: %s", warning_text(number));
-        return;
-    }
-    Mprintf("\n\nWARNING: Line %d: ", line_no);
-    Mprintf("%s\n", warning_text(number));
-    show_line(line, column);
 }
 
 } // namespace orlo
