@@ -1,6 +1,7 @@
 // Names of enumerators, as the compiler writes them into the name of a function: so a table's names are said once.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -27,16 +28,16 @@ template <auto V> constexpr std::string_view name_of()
 /// The enumerators from First on that are among the next Count values.
 template <class Enum, int First, std::size_t Count> std::vector<Enumerator<Enum>> enumerators()
 {
-    std::vector<Enumerator<Enum>> found;
-    const auto                    take = [&found](int value, std::string_view name) {
-        if (!name.empty())
-            found.push_back({value, name});
-    };
-    [&take]<std::size_t... I>(std::index_sequence<I...>)
+    const auto names = []<std::size_t... I>(std::index_sequence<I...>)
     {
-        (take(First + static_cast<int>(I), name_of<static_cast<Enum>(First + static_cast<int>(I))>()), ...);
+        return std::array{name_of<static_cast<Enum>(First + static_cast<int>(I))>()...};
     }
     (std::make_index_sequence<Count>{});
+
+    std::vector<Enumerator<Enum>> found;
+    for (std::size_t i = 0; i < Count; ++i)
+        if (!names[i].empty())
+            found.push_back({First + static_cast<int>(i), names[i]});
     return found;
 }
 
