@@ -29,6 +29,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <iterator>
 #include <new>
@@ -60,6 +61,8 @@ void      *fuzz_malloc(std::size_t size);
 void      *fuzz_calloc(std::size_t count, std::size_t size);
 void      *fuzz_new(std::size_t size);
 std::FILE *fuzz_fopen(const char *name, const char *mode);
+int        fuzz_open(const char *name, int flags, ...);
+int        fuzz_mkstemp(char *name);
 int        fuzz_remove(const char *name);
 }
 
@@ -128,6 +131,15 @@ void silence_screen()
     stdout = nobody;
     stderr = nobody;
 #endif
+}
+
+// a run that fails early would leave those of the run before
+void remove_results()
+{
+    for (const char *name : {SCORE, TRACE, LOG}) {
+        std::error_code ignored;
+        std::filesystem::remove(std::filesystem::path{root} / name, ignored);
+    }
 }
 
 bool prepare()
@@ -237,13 +249,23 @@ void append_file(std::string &results, const char *name)
 // All files of a run lie in its folder. What a piece includes is looked for there alone: no name leads out.
 std::FILE *fuzz_fopen(const char *name, const char *mode)
 {
-    if (std::strcmp(mode, "wx") == 0) {
-        std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
-        return open_in_root(TEMPORARY, "w");
-    }
     if (std::strcmp(name, temporary_name) == 0)
         return open_in_root(TEMPORARY, mode);
     return mode[0] == 'r' && std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+}
+
+// what a run writes
+int fuzz_open(const char *name, int flags, ...)
+{
+    char path[2 * PATH_MAX];
+    std::snprintf(path, sizeof path, "%s/%s", root, name);
+    return open(name[0] == '/' ? name : path, flags, 0600);
+}
+
+int fuzz_mkstemp(char *name)
+{
+    std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
+    return fuzz_open(TEMPORARY, O_RDWR | O_CREAT | O_TRUNC);
 }
 
 // the temporary file, which the next run overwrites
@@ -269,6 +291,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view flags = input.substr(0, input.find('\n'));
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
     write_file(PIECE, piece);
+    remove_results();
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
     traced                 = line.trace;
