@@ -276,7 +276,6 @@ bool enter_folder(const char *pieces_folder, std::filesystem::path &folder)
     std::filesystem::copy(pieces_folder, folder);
     std::filesystem::create_directory(folder / "tmp");
     std::filesystem::current_path(folder);
-    unsetenv("TMPDIR");
     return true;
 }
 
