@@ -1,4 +1,4 @@
-"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM PAGE...
+"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM [--tables PROGRAM] PAGE...
 
 "mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) and orlo-view(1) must have every option
 that the usage text names, and orlo(5) every word of the keyword table. Ends with 77 when mandoc is missing.
@@ -11,7 +11,8 @@ import shutil
 import subprocess
 import sys
 
-KEYWORDS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../src/lang/keywords.cpp")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../src/tables"))
+import tables
 
 
 def lint(mandoc, page):
@@ -29,11 +30,8 @@ def missing_options(command, page, text):
     return [f"{os.path.basename(page)} lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
 
 
-def missing_keywords(text):
-    with open(KEYWORDS, encoding="utf-8") as file:
-        keywords = [a + b for a, b in re.findall(r"\{'(\w)', '(\w)', \w+,", file.read())]
-    if len(keywords) < 20:
-        sys.exit("the keyword table reads otherwise than before")
+def missing_keywords(program, text):
+    keywords = [row["word"] for row in tables.read(program)["keywords"]]
     items = " ".join(re.findall(r"^\.It (.*)", text, re.M)).lower()
     return [f"orlo.5 lacks {keyword}" for keyword in keywords if not re.search(rf"\b{keyword}\b", items)]
 
@@ -42,6 +40,7 @@ def main():
     parser = argparse.ArgumentParser(description="check the man pages")
     parser.add_argument("--orlo", required=True, help="the program")
     parser.add_argument("--view", required=True, help="the program orlo-view")
+    tables.add_option(parser)
     parser.add_argument("pages", nargs="+", help="orlo.1, orlo-view.1, orlo.5")
     options = parser.parse_args()
     mandoc = shutil.which("mandoc")
@@ -58,7 +57,7 @@ def main():
             command = [options.view, "-h"] if "view" in os.path.basename(page) else [options.orlo]
             faults += missing_options(command, page, text)
         else:
-            faults += missing_keywords(text)
+            faults += missing_keywords(options.tables, text)
     print("\n".join(faults or [f"{len(options.pages)} pages are clean and complete"]))
     return 1 if faults else 0
 
