@@ -1,7 +1,7 @@
-"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM [--tables PROGRAM] PAGE...
+"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM PAGE...
 
 "mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) and orlo-view(1) must have every option
-that the usage text names, and orlo(5) every word of the keyword table. Ends with 77 when mandoc is missing.
+that the usage text names. Ends with 77 when mandoc is missing.
 """
 
 import argparse
@@ -10,9 +10,6 @@ import re
 import shutil
 import subprocess
 import sys
-
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../src/tables"))
-import tables
 
 
 def lint(mandoc, page):
@@ -30,17 +27,10 @@ def missing_options(command, page, text):
     return [f"{os.path.basename(page)} lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
 
 
-def missing_keywords(program, text):
-    keywords = [row["word"] for row in tables.read(program)["keywords"]]
-    items = " ".join(re.findall(r"^\.It (.*)", text, re.M)).lower()
-    return [f"orlo.5 lacks {keyword}" for keyword in keywords if not re.search(rf"\b{keyword}\b", items)]
-
-
 def main():
     parser = argparse.ArgumentParser(description="check the man pages")
     parser.add_argument("--orlo", required=True, help="the program")
     parser.add_argument("--view", required=True, help="the program orlo-view")
-    tables.add_option(parser)
     parser.add_argument("pages", nargs="+", help="orlo.1, orlo-view.1, orlo.5")
     options = parser.parse_args()
     mandoc = shutil.which("mandoc")
@@ -56,8 +46,6 @@ def main():
         if page.endswith(".1"):
             command = [options.view, "-h"] if "view" in os.path.basename(page) else [options.orlo]
             faults += missing_options(command, page, text)
-        else:
-            faults += missing_keywords(options.tables, text)
     print("\n".join(faults or [f"{len(options.pages)} pages are clean and complete"]))
     return 1 if faults else 0
 
