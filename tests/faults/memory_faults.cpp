@@ -12,8 +12,8 @@
 #include "diag/report.h"
 #include "driver/run.h"
 #include "events/event_list.h"
+#include "events/pfields.h"
 #include "input/line_reader.h"
-#include "words/keywords.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -11,28 +11,17 @@
 // which switch the options on, and the first number: so many allocations succeed, all later ones fail. Without a number there
 // are MOST_ALLOCATIONS, so that "a billion events" ends in exhausted memory and not in a time-out.
 //
-// All runs share one process, so every variable of the program is set back before a run; what is private to a file is set back
-// through the functions that use it. The replay proves this: it runs all inputs forward and backward and wants the same results.
+// All runs share one process: the program sets itself back at the start of each. The replay proves this: it runs all inputs forward
+// and backward and wants the same results.
 // A run stays inside a folder of its own: what a piece includes is looked for there alone.
 
 #include "fuzz_orlo.h"
 
-#include "base/random.h"
-#include "diag/messages.h"
 #include "diag/report.h"
-#include "driver/options.h"
 #include "driver/run.h"
 #include "events/event_list.h"
-#include "events/tempo_map.h"
-#include "events/timing.h"
-#include "input/conditionals.h"
+#include "events/pfields.h"
 #include "input/line_reader.h"
-#include "input/macro_expansion.h"
-#include "lang/iblock.h"
-#include "words/keywords.h"
-#include "words/values.h"
-#include "base/conversions.h"
-#include "output/midi_conversion.h"
 
 #include <algorithm>
 #include <climits>
@@ -40,6 +29,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <iterator>
 #include <new>
@@ -71,6 +61,8 @@ void      *fuzz_malloc(std::size_t size);
 void      *fuzz_calloc(std::size_t count, std::size_t size);
 void      *fuzz_new(std::size_t size);
 std::FILE *fuzz_fopen(const char *name, const char *mode);
+int        fuzz_open(const char *name, int flags, ...);
+int        fuzz_mkstemp(char *name);
 int        fuzz_remove(const char *name);
 }
 
@@ -141,6 +133,15 @@ void silence_screen()
 #endif
 }
 
+// a run that fails early would leave those of the run before
+void remove_results()
+{
+    for (const char *name : {SCORE, TRACE, LOG}) {
+        std::error_code ignored;
+        std::filesystem::remove(std::filesystem::path{root} / name, ignored);
+    }
+}
+
 bool prepare()
 {
     const bool in_memory = std::filesystem::is_directory("/dev/shm"); // several times faster
@@ -153,90 +154,6 @@ bool prepare()
     write_file(PART, part_text);
     silence_screen();
     return true;
-}
-
-void set_input(Input &in, const char *line, std::FILE *stream)
-{
-    in        = Input{};
-    in.stream = stream;
-    std::strcpy(in.line, line);
-}
-
-// sets back what is private to a file of the program
-void reset_private_state()
-{
-    static std::FILE *empty = std::fopen("/dev/null", "r");
-    static Input      in;
-    float             ignored = 0.0F;
-
-    set_input(in, "c4", empty); // the remembered octave
-    static_cast<void>(get_pitch(ignored, in));
-    set_input(in, "if(0)", empty); // the remembered condition
-    static_cast<void>(do_if_interface(in));
-    do // the open blocks
-        set_input(in, "endif", empty);
-    while (do_endif(in) == OK);
-    set_input(in, "", empty); // the line whose expansions are counted
-    static_cast<void>(expand_macro(in));
-    seed_draws(1);
-}
-
-void reset_options()
-{
-    MKLOG       = 0;
-    MKMIDI      = 0;
-    SUPRESS     = 0;
-    SHOW_TEMPOS = 0;
-    MKEXP       = 0;
-    in_fname    = nullptr;
-    out_fname   = nullptr;
-    log_fname   = nullptr;
-    exp_fname   = nullptr;
-    fllog       = nullptr;
-    fecho       = nullptr;
-}
-
-void reset_block()
-{
-    I_NO        = 0;
-    STIME       = 0.0F;
-    SBEAT       = 0.0F;
-    BEATS       = 0.0F;
-    ETIME       = 0.0F;
-    EVENTS      = 0;
-    EVENT_NO    = 0;
-    CBEATS      = 0.0F;
-    LAST_VAL    = 0.0F;
-    P_NO        = 0;
-    IN_TYPE     = TYPE_RE;
-    OUT_TYPE    = TYPE_RE;
-    IN_LOOP     = 0;
-    NX          = 0;
-    MAX_DEV     = 0.0F;
-    MAX_DEV2    = 0.0F;
-    MAX_PFIELDS = 0;
-    IS_FUSED    = 0;
-    LUT         = nullptr;
-    WROTE_DATA  = 0;
-    PFACTOR     = 1.0F;
-    std::fill(std::begin(DID_P), std::end(DID_P), false);
-}
-
-// sets every variable of the program to its value at the start; what a run has allocated it has given back itself
-void reset()
-{
-    reset_private_state();
-    reset_options();
-    reset_block();
-    CUM_TIME     = 0.0;
-    LAST_IB_DUR  = 0.0;
-    SRATE        = 44100;
-    TEMPO        = 60.0F;
-    TOT_TEMPOS   = 1;
-    IN_COMMENT   = false;
-    IN_MACRO_DEF = 0;
-    std::fill(std::begin(TEMPO_LIST), std::end(TEMPO_LIST), TempoSegment{});
-    TEMPO_LIST[0] = {0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F};
 }
 
 // The command line that the first line stands for.
@@ -332,13 +249,23 @@ void append_file(std::string &results, const char *name)
 // All files of a run lie in its folder. What a piece includes is looked for there alone: no name leads out.
 std::FILE *fuzz_fopen(const char *name, const char *mode)
 {
-    if (std::strcmp(mode, "wx") == 0) {
-        std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
-        return open_in_root(TEMPORARY, "w");
-    }
     if (std::strcmp(name, temporary_name) == 0)
         return open_in_root(TEMPORARY, mode);
     return mode[0] == 'r' && std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+}
+
+// what a run writes
+int fuzz_open(const char *name, int flags, ...)
+{
+    char path[2 * PATH_MAX];
+    std::snprintf(path, sizeof path, "%s/%s", root, name);
+    return open(name[0] == '/' ? name : path, flags, 0600);
+}
+
+int fuzz_mkstemp(char *name)
+{
+    std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
+    return fuzz_open(TEMPORARY, O_RDWR | O_CREAT | O_TRUNC);
 }
 
 // the temporary file, which the next run overwrites
@@ -364,7 +291,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view flags = input.substr(0, input.find('\n'));
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
     write_file(PIECE, piece);
-    reset();
+    remove_results();
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
     traced                 = line.trace;
