@@ -31,8 +31,7 @@
 namespace orlo {
 namespace {
 
-constexpr int   BLOCK_FULL = -3;   // a step of p2 that found no room; no other result has this value
-constexpr float SLACK      = 5.0F; // beats that a span may reach past the last event without a warning
+constexpr int BLOCK_FULL = -3; // a step of p2 that found no room; no other result has this value
 
 // generators that ask nothing of their p-field before they are read
 template <typename Data> int check_pfield(const Data &, const Input &) { return OK; }
@@ -223,7 +222,7 @@ std::uint64_t covered_events(float span, const Section &section, const Input &in
     if (span < 0.0F)
         return count_of(span);
     const std::uint64_t count = ListSize(first, last, section, span);
-    if (span - SLACK > last && !SUPRESS) {
+    if (span - SPAN_SLACK > last && !SUPRESS) {
         warn(in, W_DURATION_ALTERED);
         Mprintf("Old duration = %f, New duration = %f\n", span, last);
     }

@@ -10,6 +10,8 @@
 
 namespace orlo {
 
+inline constexpr float SPAN_SLACK = 5.0F; // beats that a span may reach past the last event without a warning
+
 inline constexpr int MOST_STALLED_STEPS = 100000; // p2 steps in a row that use up nothing of a span of beats
 inline constexpr int MOST_FULL_WARNINGS = 100000; // warnings of a full block in one count span of p2
 

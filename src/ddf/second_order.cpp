@@ -13,17 +13,14 @@
 namespace orlo {
 namespace {
 
-constexpr std::size_t MAX_GROUPS = 128; // of one set
-constexpr std::size_t MAX_VALUES = 128; // of one group
-
 bool ends_group(char c) { return is_blank(c) || c == ']' || c == ')' || c == ',' || c == '/'; }
 
 // group -> value { [ "'" | ":" ] value } [ "'" | ":" ]
 int get_S2_element(GroupSet &set, Input &in)
 {
     const std::size_t start = set.values.size();
-    do { // at most MAX_VALUES values
-        if (set.values.size() - start == MAX_VALUES)
+    do { // at most MAX_GROUP_VALUES values
+        if (set.values.size() - start == MAX_GROUP_VALUES)
             return OUT_OF_BOUNDS;
         float value = 0.0F;
         if (!get_input_type(value, in))

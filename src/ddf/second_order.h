@@ -6,6 +6,9 @@
 
 namespace orlo {
 
+inline constexpr std::size_t MAX_GROUPS       = 128; // of one set
+inline constexpr std::size_t MAX_GROUP_VALUES = 128; // of one group
+
 struct GroupSet {
     std::vector<float>       values; // of all groups, one after another
     std::vector<std::size_t> ends;   // of each group, behind its last value

@@ -50,28 +50,13 @@ int take_name(const char *&name, const char *rest, int argc, const char *const *
 // option -> "-" letter [ name ]
 int take_option(const char *option, int argc, const char *const *argv, int &next)
 {
-    if (option[1] == '\0')
-        return fail_with_usage();
-    const char *rest = option + 2;
-    switch (option[1]) {
-    case 'l':
-        MKLOG = true;
-        return take_name(log_fname, rest, argc, argv, next, "logfile");
-    case 'm':
-        MKMIDI = true;
-        return 0;
-    case 's':
-        SUPRESS = true;
-        return 0;
-    case 't':
-        SHOW_TEMPOS = true;
-        return 0;
-    case 'x':
-        MKEXP = true;
-        return take_name(exp_fname, rest, argc, argv, next, "macro-expansion file");
-    default:
-        return fail_with_usage();
+    for (const Option &row : option_table) {
+        if (row.letter != option[1])
+            continue;
+        *row.on = true;
+        return row.name != nullptr ? take_name(*row.name, option + 2, argc, argv, next, row.missing) : 0;
     }
+    return fail_with_usage();
 }
 
 // An input that is not there clashes with nothing: that it can't be opened is told later.
@@ -119,14 +104,10 @@ int check_fnames()
 void print_usage(std::FILE *stream)
 {
     print_version(stream);
-    std::fputs("  Usage: orlo [options] infile outfile\n"
-               "  Options:\n"
-               "  -l <logfile>  screen ouput (text)\n"
-               "  -m            outfile is a MIDI file (format 1)\n"
-               "  -s            suppress non-error messages\n"
-               "  -t            verbose tempo information\n"
-               "  -x <expfile>  macro expansions (text)\n\n",
-               stream);
+    std::fputs("  Usage: orlo [options] infile outfile\n  Options:\n", stream);
+    for (const Option &row : option_table)
+        std::fprintf(stream, "  -%c %-9s  %s\n", row.letter, row.value, row.meaning);
+    std::fputs("\n", stream);
 }
 
 void print_info(std::FILE *stream)

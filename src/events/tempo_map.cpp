@@ -18,10 +18,7 @@ namespace {
 
 constexpr TempoSegment FIRST_SEGMENT{0.0F, 60.0F, 0.0F, 60.0F, static_cast<float>(Curve::square), 0.0F};
 
-constexpr char  type_letters[]   = "FELUSX"; // shown for the curve codes 0 to 5
-constexpr float MIN_TEMPO        = 1.0F;
-constexpr float MAX_TEMPO        = 4000.0F;
-constexpr float MAX_TEMPO_CHANGE = 10000.0F; // beats
+constexpr char type_letters[] = "FELUSX"; // shown for the curve codes 0 to 5
 
 } // namespace
 

@@ -5,7 +5,10 @@
 
 namespace orlo {
 
-inline constexpr std::int32_t MAX_TEMPOS = 50;
+inline constexpr std::int32_t MAX_TEMPOS       = 50;       // segments
+inline constexpr float        MIN_TEMPO        = 1.0F;     // beats per minute
+inline constexpr float        MAX_TEMPO        = 4000.0F;  // beats per minute
+inline constexpr float        MAX_TEMPO_CHANGE = 10000.0F; // beats at which a change starts or ends
 
 struct TempoSegment {
     float stime;  // beats, start of the change
@@ -38,10 +41,10 @@ void print_tempos();
 /// Index of the segment in force at a beat.
 [[nodiscard]] std::int32_t curtempo(float beat);
 
-/// Whether a tempo is from 1 to 4000 beats per minute.
+/// Whether a tempo is from MIN_TEMPO to MAX_TEMPO.
 [[nodiscard]] bool good_tempo(float tempo);
 
-/// Whether a time is from 0 to 10000 beats.
+/// Whether a time is from 0 to MAX_TEMPO_CHANGE.
 [[nodiscard]] bool good_time(float beats);
 
 /// Sets the map back to its start.

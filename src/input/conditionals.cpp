@@ -5,10 +5,13 @@
 #include "diag/messages.h"
 #include "input/comment_flags.h"
 #include "input/constants.h"
+#include "input/directives.h"
 #include "input/macro_expansion.h"
+#include "input/macros.h"
 #include "input/scanners.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace orlo {
 namespace {
@@ -18,9 +21,9 @@ bool         IN_IF0      = false; // a false block is being skipped
 std::int32_t start_level = 0;     // IF_MATCH before the block that is skipped
 float        value       = 0.0F;  // the condition that was read last
 
-bool stands_at(const char *line, std::uint32_t pos, const char *word)
+bool stands_at(const char *line, std::uint32_t pos, std::string_view word)
 {
-    return std::strncmp(line + pos, word, std::strlen(word)) == 0;
+    return std::strncmp(line + pos, word.data(), word.size()) == 0;
 }
 
 // a "#" in a line that is skipped: blocks inside are counted
@@ -73,9 +76,9 @@ int do_if(Input &in)
 
 } // namespace
 
-bool is_if(const char *line, std::uint32_t pos) { return stands_at(line, pos, "if("); }
+bool is_if(const char *line, std::uint32_t pos) { return stands_at(line, pos, IF_WORD) && line[pos + IF_WORD.size()] == '('; }
 
-bool is_endif(const char *line, std::uint32_t pos) { return stands_at(line, pos, "endif"); }
+bool is_endif(const char *line, std::uint32_t pos) { return stands_at(line, pos, ENDIF_WORD); }
 
 bool in_if0() { return IN_IF0; }
 
@@ -85,7 +88,7 @@ int get_if(Input &in, float &condition)
 {
     if (!is_if(in.line, in.pos))
         return BAD_IF;
-    in.pos += 3;
+    move_within_line(in, IF_WORD.size() + 1);
     skip_blanks(in);
     if (peek(in) == '$') {
         ++in.pos;
@@ -110,7 +113,7 @@ int do_endif(Input &in)
 {
     if (!is_endif(in.line, in.pos))
         return BAD_ENDIF;
-    in.pos += 5;
+    move_within_line(in, ENDIF_WORD.size());
     if (IF_MATCH < 1)
         return MISMATCHED_ENDIF;
     --IF_MATCH;

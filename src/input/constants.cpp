@@ -8,6 +8,7 @@
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "input/comment_flags.h"
+#include "input/directives.h"
 #include "input/equations.h"
 #include "input/macros.h"
 #include "input/scanners.h"
@@ -58,7 +59,7 @@ int get_name(std::string &name, Input &in)
 // definition -> "const" blank name number
 int get_var(std::string &name, double &value, Input &in)
 {
-    move_within_line(in, 5); // any five characters that begin with "c"
+    move_within_line(in, CONST_WORD.size()); // any five characters that begin with "c"
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);

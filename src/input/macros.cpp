@@ -7,6 +7,7 @@
 #include "diag/report.h"
 #include "input/comment_flags.h"
 #include "input/conditionals.h"
+#include "input/directives.h"
 
 #include <cstring>
 #include <functional>
@@ -34,7 +35,7 @@ int too_long(const char *what, std::size_t limit, const Input &in)
 // keyword -> "define" blank
 int get_define(Input &in)
 {
-    move_within_line(in, 6); // any six characters that begin with "d"
+    move_within_line(in, DEFINE_WORD.size()); // any six characters that begin with "d"
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);
@@ -160,9 +161,9 @@ int do_define(Input &in)
 // undefine -> "undef" blank name
 int do_undefine(Input &in)
 {
-    if (!resembles(in, "undef"))
+    if (!resembles(in, UNDEF_WORD))
         return BAD_DIRECTIVE;
-    move_within_line(in, 5);
+    move_within_line(in, UNDEF_WORD.size());
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);
@@ -190,7 +191,7 @@ int run_directive(Input &in)
     }
     case 'e':
         if (is_endif(in.line, in.pos))
-            in.pos += 5;
+            move_within_line(in, ENDIF_WORD.size());
         return OK;
     default:
         return do_undefine(in);
@@ -242,7 +243,7 @@ std::string_view take_name(const char *text, std::size_t &pos)
     return {text + start, pos - start};
 }
 
-void move_within_line(Input &in, unsigned characters)
+void move_within_line(Input &in, std::size_t characters)
 {
     for (; characters > 0 && peek(in) != '\0'; --characters)
         ++in.pos;

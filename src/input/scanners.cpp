@@ -78,7 +78,7 @@ bool get_i(std::int32_t &value, Input &in)
     if (!take_sign(in, true, negative))
         return false;
     const std::uint32_t first_digit = in.pos;
-    const std::uint64_t limit       = negative ? 32768 : 32767;
+    const std::uint64_t limit       = static_cast<std::uint64_t>(negative ? -MIN_INTEGER : MAX_INTEGER);
     const std::uint64_t magnitude   = take_digits_up_to(in, limit);
     if (magnitude > limit) {
         in.pos = first_digit;
@@ -95,10 +95,9 @@ bool get_ui(std::uint32_t &value, Input &in)
     bool negative = false;
     if (!take_sign(in, false, negative))
         return false;
-    const std::uint32_t     first_digit = in.pos;
-    constexpr std::uint64_t limit       = 65535;
-    const std::uint64_t     magnitude   = take_digits_up_to(in, limit);
-    if (magnitude > limit) {
+    const std::uint32_t first_digit = in.pos;
+    const std::uint64_t magnitude   = take_digits_up_to(in, MAX_UNSIGNED);
+    if (magnitude > MAX_UNSIGNED) {
         in.pos = first_digit;
         return false;
     }
@@ -128,7 +127,7 @@ bool get_li(std::int64_t &value, Input &in)
 bool get_db(float &value, Input &in)
 {
     float decibels = 0.0F;
-    if (!get_f(decibels, in) || !(decibels >= 0.0F && decibels <= 96.0F))
+    if (!get_f(decibels, in) || !(decibels >= 0.0F && decibels <= MAX_DECIBELS))
         return false;
     value = static_cast<float>(db_to_amp(to_int32(static_cast<double>(decibels))));
     return true;

@@ -16,10 +16,7 @@ namespace orlo {
 
 namespace {
 
-constexpr std::int32_t MANY_PFIELDS  = 50;
-constexpr float        LATE_START    = 240.0F;
-constexpr float        LONG_DURATION = 600.0F;
-constexpr int          SEPARATORS    = 4; // between two items of the header
+constexpr int SEPARATORS = 4; // between two items of the header
 
 int skip_separators(Input &in)
 {

@@ -41,9 +41,9 @@ int set_deviation(float &deviation, Input &in)
 {
     if (const int error = open_command(in))
         return error;
-    if (!get_f(deviation, in) || deviation < 0.0F || deviation > 100.0F)
+    if (!get_f(deviation, in) || deviation < 0.0F || deviation > MAX_DEVIATION)
         return BAD_DEVIATION;
-    if (deviation > 1.0F)
+    if (deviation > LARGE_DEVIATION)
         warn(in, W_LARGE_DEVIATION);
     return close_command(in);
 }

@@ -13,9 +13,6 @@
 namespace orlo {
 namespace {
 
-constexpr float FAST_TEMPO = 300.0F;
-constexpr float SLOW_TEMPO = 30.0F;
-constexpr float LATE_BEAT  = 600.0F;
 constexpr float SIMPLE_END = 1000.0F; // end of the segment of the short form, in beats
 
 void warn_of_tempo(const Input &in, float tempo, Warning fast, Warning slow)

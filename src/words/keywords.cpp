@@ -31,19 +31,19 @@ bool begins_keyword(char c)
     return std::any_of(std::begin(keywords), std::end(keywords), [c](const Keyword &keyword) { return keyword.a == lower(c); });
 }
 
-bool stands_at(const Input &in, Place place)
+bool stands_at(const Input &in, WordPlace place)
 {
     const Keyword *keyword = find_keyword(in);
     return keyword != nullptr && (keyword->places & place) != 0;
 }
 
-// digit-suffix -> [ digits ], 0 to 7
+// digit-suffix -> [ digits ], 0 to MAX_SUFFIX
 // kept in the slot of the p-field being read, when there is one
 bool take_digit_suffix(Input &in, std::int32_t *slots, const std::int32_t *otherwise)
 {
     std::int32_t value = 0;
     if (is_digit(peek(in))) {
-        if (!get_i(value, in) || value > 7)
+        if (!get_i(value, in) || value > MAX_SUFFIX)
             return false;
     } else if (otherwise != nullptr) {
         value = *otherwise;

@@ -10,7 +10,7 @@ namespace orlo {
 
 /// Where a word may stand: in a p-field section or a block, as an output type, in the global block. INPUT says that it is an input
 /// type where it stands in a section.
-enum Place : unsigned { NOWHERE = 0, BLOCK = 1, OUTPUT = 2, GLOBAL = 4, INPUT = 8 };
+enum WordPlace : unsigned { NOWHERE = 0, BLOCK = 1, OUTPUT = 2, GLOBAL = 4, INPUT = 8 };
 
 struct Keyword {
     char     a, b;
@@ -46,9 +46,11 @@ inline constexpr Keyword keywords[] = {
     {'x', 'x', TYPE_XX, OUTPUT},
 };
 
+inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits behind "re" and "bn"
+
 /// Reads the keyword at the position: one character for a token, two for a word, and the suffixes of "no", "op", "re", "bn".
-/// @return true with the position behind it; false for a letter that begins no keyword or a digit suffix above 7; true with nothing
-/// moved for another second letter, which the recognisers below keep away
+/// @return true with the position behind it; false for a letter that begins no keyword or a digit suffix above MAX_SUFFIX; true
+/// with nothing moved for another second letter, which the recognisers below keep away
 [[nodiscard]] bool get_command(std::int32_t &code, Input &in);
 
 /// Whether a command of a p-field or block, or an input type, stands at the position; "#" is one that does nothing, "od" and "sr"

@@ -11,8 +11,7 @@
 namespace orlo {
 namespace {
 
-constexpr std::int32_t MAX_OCTAVE = 9;
-constexpr float        REST       = -1.0F;
+constexpr float REST = -1.0F;
 
 constexpr std::int32_t FIRST_OCTAVE = 4;
 

@@ -3,7 +3,11 @@
 
 #include "input/line_reader.h"
 
+#include <cstdint>
+
 namespace orlo {
+
+inline constexpr std::int32_t MAX_OCTAVE = 9; // of a note name
 
 /// Reads one value in the section's input type; "z" is the last value. @return false where no such value stands
 [[nodiscard]] bool get_input_type(float &value, Input &in);

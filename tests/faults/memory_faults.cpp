@@ -13,8 +13,8 @@
 #include "driver/run.h"
 #include "events/arena.h"
 #include "events/event_list.h"
+#include "events/pfields.h"
 #include "input/line_reader.h"
-#include "words/keywords.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -11,28 +11,17 @@
 // which switch the options on, and the first number: so many allocations succeed, all later ones fail. Without a number there
 // are MOST_ALLOCATIONS, so that "a billion events" ends in exhausted memory and not in a time-out.
 //
-// All runs share one process, so every variable of the program is set back before a run; what is private to a file is set back
-// through the functions that use it. The replay proves this: it runs all inputs forward and backward and wants the same results.
+// All runs share one process: the program sets itself back at the start of each. The replay proves this: it runs all inputs forward
+// and backward and wants the same results.
 // A run stays inside a folder of its own: what a piece includes is looked for there alone.
 
 #include "fuzz_orlo.h"
 
-#include "base/random.h"
-#include "diag/messages.h"
 #include "diag/report.h"
-#include "driver/options.h"
 #include "driver/run.h"
 #include "events/event_list.h"
-#include "events/tempo_map.h"
-#include "events/timing.h"
-#include "input/conditionals.h"
+#include "events/pfields.h"
 #include "input/line_reader.h"
-#include "input/macro_expansion.h"
-#include "lang/iblock.h"
-#include "words/keywords.h"
-#include "words/values.h"
-#include "base/conversions.h"
-#include "output/midi_conversion.h"
 
 #include <algorithm>
 #include <climits>
@@ -153,90 +142,6 @@ bool prepare()
     write_file(PART, part_text);
     silence_screen();
     return true;
-}
-
-void set_input(Input &in, const char *line, std::FILE *stream)
-{
-    in        = Input{};
-    in.stream = stream;
-    std::strcpy(in.line, line);
-}
-
-// sets back what is private to a file of the program
-void reset_private_state()
-{
-    static std::FILE *empty = std::fopen("/dev/null", "r");
-    static Input      in;
-    float             ignored = 0.0F;
-
-    set_input(in, "c4", empty); // the remembered octave
-    static_cast<void>(get_pitch(ignored, in));
-    set_input(in, "if(0)", empty); // the remembered condition
-    static_cast<void>(do_if_interface(in));
-    do // the open blocks
-        set_input(in, "endif", empty);
-    while (do_endif(in) == OK);
-    set_input(in, "", empty); // the line whose expansions are counted
-    static_cast<void>(expand_macro(in));
-    seed_draws(1);
-}
-
-void reset_options()
-{
-    MKLOG       = 0;
-    MKMIDI      = 0;
-    SUPRESS     = 0;
-    SHOW_TEMPOS = 0;
-    MKEXP       = 0;
-    in_fname    = nullptr;
-    out_fname   = nullptr;
-    log_fname   = nullptr;
-    exp_fname   = nullptr;
-    fllog       = nullptr;
-    fecho       = nullptr;
-}
-
-void reset_block()
-{
-    I_NO        = 0;
-    STIME       = 0.0F;
-    SBEAT       = 0.0F;
-    BEATS       = 0.0F;
-    ETIME       = 0.0F;
-    EVENTS      = 0;
-    EVENT_NO    = 0;
-    CBEATS      = 0.0F;
-    LAST_VAL    = 0.0F;
-    P_NO        = 0;
-    IN_TYPE     = TYPE_RE;
-    OUT_TYPE    = TYPE_RE;
-    IN_LOOP     = 0;
-    NX          = 0;
-    MAX_DEV     = 0.0F;
-    MAX_DEV2    = 0.0F;
-    MAX_PFIELDS = 0;
-    IS_FUSED    = 0;
-    LUT         = nullptr;
-    WROTE_DATA  = 0;
-    PFACTOR     = 1.0F;
-    std::fill(std::begin(DID_P), std::end(DID_P), false);
-}
-
-// sets every variable of the program to its value at the start; what a run has allocated it has given back itself
-void reset()
-{
-    reset_private_state();
-    reset_options();
-    reset_block();
-    CUM_TIME     = 0.0;
-    LAST_IB_DUR  = 0.0;
-    SRATE        = 44100;
-    TEMPO        = 60.0F;
-    TOT_TEMPOS   = 1;
-    IN_COMMENT   = false;
-    IN_MACRO_DEF = 0;
-    std::fill(std::begin(TEMPO_LIST), std::end(TEMPO_LIST), TempoSegment{});
-    TEMPO_LIST[0] = {0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F};
 }
 
 // The command line that the first line stands for.
@@ -364,7 +269,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view flags = input.substr(0, input.find('\n'));
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
     write_file(PIECE, piece);
-    reset();
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
     traced                 = line.trace;
