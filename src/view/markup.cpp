@@ -166,6 +166,13 @@ void put_tenths(std::string &out, std::int64_t tenths)
     }
 }
 
+std::string pixels(double coordinate)
+{
+    std::string text;
+    put_tenths(text, tenths(coordinate));
+    return text;
+}
+
 std::string shortened(std::string_view text, std::size_t most)
 {
     std::size_t characters = 0;

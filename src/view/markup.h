@@ -9,7 +9,7 @@
 
 namespace orlo::view {
 
-/// Texts one behind the other.
+/// Texts one after the other.
 std::string joined(std::initializer_list<std::string_view> texts);
 
 /// Text for an element or a quoted attribute. What XML can't hold (control characters, broken UTF-8) becomes U+FFFD.
@@ -31,6 +31,9 @@ std::int64_t tenths(double coordinate);
 
 /// A coordinate counted in tenths: 125 is "12.5", -120 is "-12".
 void put_tenths(std::string &out, std::int64_t tenths);
+
+/// A coordinate with one decimal, rounded.
+std::string pixels(double coordinate);
 
 /// The first characters of a UTF-8 text, with an ellipsis where something was left out.
 /// @param most characters, >= 1, the ellipsis included

@@ -137,7 +137,7 @@ void release(File &file, Track &track, int channel, int key)
     queue.first = note.later;
 }
 
-// channel-message -> data [ data ], behind its status
+// channel-message -> data [ data ], after its status
 bool read_channel_message(File &file, Track &track)
 {
     const unsigned         kind    = static_cast<unsigned>(track.status) >> 4U;

@@ -34,6 +34,12 @@ std::vector<Tick> nice_ticks(const Range &range, int most);
 /// Name of a MIDI key: 60 is "C4", 61 is "C♯4". Octaves below 0 have a minus.
 std::string key_name(int key);
 
+/// The same in ASCII: 60 is "c4", 61 is "c#4".
+std::string plain_key_name(int key);
+
+/// Is a MIDI key black on a piano?
+bool is_black(int key);
+
 /// Marks of a pitch axis: all keys, or some of each octave, or every few C, or, beyond what has names, numbers.
 /// @param keys MIDI key numbers
 /// @param most names that have room one above another

@@ -8,7 +8,7 @@
 namespace orlo::view {
 namespace {
 
-// seconds from a point to a beat behind it
+// seconds from a point to a beat after it
 double seconds_from(const TempoPoint &point, const TempoPoint *next, Between between, double beat)
 {
     const double x = beat - point.beat;
@@ -31,12 +31,12 @@ void place_points(std::vector<TempoPoint> &points, Between between)
 
 double seconds_at(const std::vector<TempoPoint> &points, Between between, double beat)
 {
-    const auto behind =
+    const auto after =
         std::upper_bound(points.begin(), points.end(), beat, [](double b, const TempoPoint &p) { return b < p.beat; });
-    if (behind == points.begin())
+    if (after == points.begin())
         return beat;
-    const TempoPoint *next = behind != points.end() ? &*behind : nullptr;
-    return (behind - 1)->seconds + seconds_from(*(behind - 1), next, between, beat);
+    const TempoPoint *next = after != points.end() ? &*after : nullptr;
+    return (after - 1)->seconds + seconds_from(*(after - 1), next, between, beat);
 }
 
 } // namespace orlo::view
