@@ -31,8 +31,8 @@ std::size_t field_count(const EventReader &reader, const Draft &draft) { return 
 
 const Event *previous_event(const EventReader &reader, const Draft &draft)
 {
-    const std::size_t last = draft.latest->event;
-    return last == NO_EVENT || last < reader.first ? nullptr : &reader.score.events[last];
+    const Latest &latest = *draft.latest;
+    return latest.section == reader.section ? &reader.score.events[latest.event] : nullptr;
 }
 
 // p1 -> number | string | "."
@@ -184,8 +184,8 @@ void carry_rest(EventReader &reader, Draft &draft)
         reader.score.values.push_back(carried(draft, reader.score, *last, field));
 }
 
-// why an event can't be shown; null when it can
-const char *fault_of(const EventReader &reader, const Draft &draft)
+// why an event can't be shown; empty when it can
+std::string fault_of(const EventReader &reader, const Draft &draft)
 {
     const std::size_t count = field_count(reader, draft);
     const double     *field = &reader.score.values[draft.first];
@@ -196,8 +196,8 @@ const char *fault_of(const EventReader &reader, const Draft &draft)
     if (field[1] + reader.base < 0)
         return "an event before time 0 is left out";
     if (field[1] > LARGEST_TIME || std::abs(field[2]) > LARGEST_TIME)
-        return "an event beyond 1e12 beats is left out";
-    return nullptr;
+        return beyond_time(true);
+    return "";
 }
 
 void keep_event(EventReader &reader, Draft &draft)
@@ -210,8 +210,7 @@ void keep_event(EventReader &reader, Draft &draft)
     for (Open &open : draft.open)
         open.event = index;
     reader.open.insert(reader.open.end(), draft.open.begin(), draft.open.end());
-    draft.latest->event = index;
-    draft.latest->open  = std::move(draft.open);
+    *draft.latest = {reader.section, index, std::move(draft.open)};
 }
 
 } // namespace
@@ -235,8 +234,8 @@ void read_event(EventReader &reader, Text &text)
         reader.score.values.resize(draft.first);
         return;
     }
-    if (const char *fault = fault_of(reader, draft); fault != nullptr) {
-        trouble(reader, draft.line, fault);
+    if (std::string fault = fault_of(reader, draft); !fault.empty()) {
+        trouble(reader, draft.line, std::move(fault));
         reader.score.values.resize(draft.first);
         return;
     }
@@ -245,6 +244,7 @@ void read_event(EventReader &reader, Text &text)
 
 void begin_section(EventReader &reader)
 {
+    ++reader.section;
     reader.first = reader.score.events.size();
     reader.base  = 0;
     reader.open.clear();

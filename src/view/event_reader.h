@@ -12,23 +12,22 @@
 
 namespace orlo::view {
 
-inline constexpr double LARGEST_TIME = 1e12; ///< beats
-
-inline constexpr auto NO_EVENT = static_cast<std::size_t>(-1);
-
 /// A group's latest event.
 struct Latest {
-    std::size_t       event = NO_EVENT; ///< index into Score::events, of an earlier section perhaps
-    std::vector<Open> open  = {};       ///< its open p-fields, in order
+    std::size_t       section = 0;  ///< 1 is the first; 0: there is none
+    std::size_t       event   = 0;  ///< index into Score::events, while its section is read
+    std::vector<Open> open    = {}; ///< its open p-fields, in order
 };
 
-/// The events of a score, section by section.
+/// The events of a score, section by section. Those of the section that is being read stand at the end of Score::events with their
+/// beats, and have not entered the score yet.
 struct EventReader {
     Score              &score;
     Limits              limits;
     Instruments         instruments = {};
     std::vector<Latest> latest      = {};    ///< of each group
-    std::size_t         first       = 0;     ///< event of the section, index into Score::events
+    std::size_t         section     = 1;     ///< that is being read
+    std::size_t         first       = 0;     ///< its first event, index into Score::events
     double              base        = 0;     ///< beats that are added to every p2
     std::vector<Open>   open        = {};    ///< p-fields of the section that are to be filled in
     bool                full        = false; ///< a limit is reached, and told: nothing more is to be read

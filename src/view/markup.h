@@ -20,13 +20,13 @@ std::string json_text(std::string_view text);
 
 /// A number as people read it.
 /// @param digits significant digits, 1 to 17
-/// @return "0.25", "1e+30", "nan", "inf"; never "-0"
+/// @return "0.25", "1e+30"; never "-0"
 std::string number_text(double value, int digits = 6);
 
-/// A number as JSON, so that reading gives the same double; null for NaN, "inf" or "-inf" in quotes for the infinite.
+/// A number as JSON, so that reading gives the same double; null for NaN. None is infinite.
 void put_json(std::string &out, double value);
 
-/// Tenths of a coordinate, rounded, at most 10^15 either way; 0 for NaN.
+/// Tenths of a coordinate of a drawing, rounded.
 std::int64_t tenths(double coordinate);
 
 /// A coordinate counted in tenths: 125 is "12.5", -120 is "-12".

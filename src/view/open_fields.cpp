@@ -77,7 +77,7 @@ void fill_ramps(Neighbours &n, std::size_t first, std::size_t last)
     for (std::size_t i = first; i <= last; ++i) {
         const double span       = after->start - before->start;
         const double way        = score.events[n.open[i]->event].start - before->start;
-        value_of(n, *n.open[i]) = span > 0 ? from + (to - from) * (way / span) : from;
+        value_of(n, *n.open[i]) = span > 0 ? std::lerp(from, to, way / span) : from; // lerp: the difference may be no number
     }
 }
 

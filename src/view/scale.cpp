@@ -80,11 +80,7 @@ std::vector<Tick> keys_of(const Range &keys, unsigned classes, int octaves)
 
 } // namespace
 
-double fraction(const Range &range, double value)
-{
-    const double width = range.high / 2 - range.low / 2;
-    return width > 0 ? (value / 2 - range.low / 2) / width : 0.5;
-}
+double fraction(const Range &range, double value) { return range.low < range.high ? (value - range.low) / width_of(range) : 0.5; }
 
 void include(Range &range, bool &empty, double value)
 {
@@ -95,7 +91,7 @@ void include(Range &range, bool &empty, double value)
 std::vector<Tick> nice_ticks(const Range &range, int most)
 {
     const double largest = std::fmax(std::abs(range.low), std::abs(range.high));
-    const double width   = std::fmin(width_of(range), std::numeric_limits<double>::max());
+    const double width   = width_of(range);
     if (width < std::numeric_limits<double>::min() || width < largest / MOST_STEPS)
         return {{range.low, number_text(range.low, 9)}};
     const double      step = nice_step(range, width, most);

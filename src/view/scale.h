@@ -6,7 +6,7 @@
 
 namespace orlo::view {
 
-/// Finite ends, low <= high.
+/// Finite ends, low <= high; their distance is finite, too.
 struct Range {
     double low  = 0;
     double high = 0;
@@ -18,7 +18,7 @@ struct Tick {
     std::string label;
 };
 
-/// Where a value stands, also where high - low is beyond the largest double.
+/// Where a value stands.
 /// @return 0 at the low end, 1 at the high end, 0.5 where both ends are the same
 double fraction(const Range &range, double value);
 

@@ -1,5 +1,7 @@
 // A section is read statement by statement; its events keep their beats until its end, since its tempo may be stated last. Then
-// beats become seconds, and p-fields that refer to neighbours in time are filled in.
+// beats become seconds, p-fields that refer to neighbours in time are filled in, and the events enter the score. Beats and tempos
+// are bounded where they are read, so that no seconds are too large to be reckoned with; what may enter is decided at the score's
+// door.
 
 #include "view/score_reader.h"
 
@@ -99,25 +101,42 @@ void read_base(Reader &reader)
         trouble(reader, line, "a statement b that can't be read is left out");
 }
 
-void finish_section(Reader &reader)
+// beats of the section's events become seconds; returns the seconds that the section lasts
+double place_events(Reader &reader)
 {
-    EventReader   &events  = reader.events;
-    Score         &score   = events.score;
     const Section &section = reader.section;
+    Score         &score   = reader.events.score;
     const auto     seconds = [&](double beat) { return seconds_at(section.tempo, Between::moves, beat); };
-    double         end     = seconds(section.least_end);
-    for (std::size_t i = events.first; i < score.events.size(); ++i) {
+    double         length  = seconds(section.least_end);
+    for (std::size_t i = reader.events.first; i < score.events.size(); ++i) {
         Event       &event = score.events[i];
         const double start = seconds(event.start);
         const bool   held  = field_value(score, event, 3) < 0; // does not make a section longer
-        if (section.has_tempo)
-            event.duration = seconds(event.start + event.duration) - start;
+        if (section.has_tempo)                                 // an end may be rounded to before its start
+            event.duration = std::max(seconds(event.start + event.duration) - start, 0.0);
         event.start = section.offset + start;
-        end         = std::max(end, held ? start : start + event.duration);
+        length      = std::max(length, held ? start : start + event.duration);
     }
-    fill_open_fields(score, events.instruments, events.first, events.open);
+    return length;
+}
+
+void enter_events(EventReader &events)
+{
+    Score      &score = events.score;
+    std::size_t kept  = events.first;
+    for (std::size_t i = events.first; i < score.events.size(); ++i)
+        if (enters(score, score.events[i], ""))
+            score.events[kept++] = score.events[i];
+    score.events.resize(kept, {});
+}
+
+void finish_section(Reader &reader)
+{
+    EventReader &events = reader.events;
+    const double offset = reader.section.offset + place_events(reader);
+    fill_open_fields(events.score, events.instruments, events.first, events.open);
+    enter_events(events);
     begin_section(events);
-    const double offset   = section.offset + end;
     reader.section        = Section{};
     reader.section.offset = offset;
 }

@@ -1,5 +1,5 @@
-// Where the length of a beat changes evenly from a to b over n beats, the beats up to the x-th take a*x + (b - a)*x*x/(2*n)
-// seconds.
+// Where the length of a beat changes evenly from a to b over n beats, the beats up to the x-th take x*(a + (b - a)*(x/n)/2)
+// seconds. The part x/n is within 0 and 1 however near two points are; (b - a)/n would be infinite.
 
 #include "view/tempo.h"
 
@@ -12,9 +12,9 @@ namespace {
 double seconds_from(const TempoPoint &point, const TempoPoint *next, Between between, double beat)
 {
     const double x = beat - point.beat;
-    const double growth =
-        next != nullptr && between == Between::moves ? (next->length - point.length) / (next->beat - point.beat) : 0;
-    return x * (point.length + growth * x / 2);
+    if (next == nullptr || between == Between::steps)
+        return x * point.length;
+    return x * (point.length + (next->length - point.length) * (x / (next->beat - point.beat)) / 2);
 }
 
 } // namespace
