@@ -6,7 +6,9 @@
 
 #include "ddf/ddf.h"
 
-#include "ddf/distributions.h"
+#include "base/distributions.h"
+#include "base/numerics.h"
+#include "base/switches.h"
 #include "ddf/expression.h"
 #include "ddf/generator.h"
 #include "ddf/held_value.h"
@@ -14,23 +16,22 @@
 #include "ddf/motion.h"
 #include "ddf/random_range.h"
 #include "ddf/random_walk.h"
+#include "ddf/second_order.h"
 #include "ddf/selection.h"
 #include "diag/messages.h"
 #include "diag/report.h"
+#include "events/block.h"
+#include "events/storing.h"
 #include "events/tempo_map.h"
-#include "events/timing.h"
-#include "output/numerics.h"
 
 #include <algorithm>
 #include <cmath>
 #include <new>
-#include <type_traits>
 
 namespace orlo {
 namespace {
 
-constexpr int   BLOCK_FULL = -1;
-constexpr float SLACK      = 5.0F; // beats that a span may reach past the last event without a warning
+constexpr int BLOCK_FULL = -3; // a step of p2 that found no room; no other result has this value
 
 // generators that ask nothing of their p-field before they are read
 template <typename Data> int check_pfield(const Data &, const Input &) { return OK; }
@@ -38,48 +39,47 @@ template <typename Data> int check_pfield(const Data &, const Input &) { return 
 // generator -> name "(" span set { set } ")"
 template <typename Data> int get_sets(Data &data, Frame &frame, Input &in)
 {
-    constexpr bool single = std::is_same_v<Data, HeldValue>;
-    if (const int result = get_dynfunc_dur(frame.span, in); result != OK)
-        return result;
+    if (const int error = get_dynfunc_dur(frame.span, in))
+        return error;
     do { // at most MAX_SETS sets
         if (frame.weights.size() == MAX_SETS)
             return OUT_OF_BOUNDS;
-        if (const int result = get_set(data, frame, in); result != OK)
-            return result;
-        if (const int result = skip_items(in); result != OK)
-            return result;
-        if (single && peek(in) != ')')
+        if (const int error = get_set(data, frame, in))
+            return error;
+        if (const int error = skip_items(in))
+            return error;
+        if (!traits<Data>.weighted && peek(in) != ')')
             return HO_MISSING_PAREN;
     } while (peek(in) != ')');
     ++in.pos;
-    if (!single && hundred_percent(frame.weights.data(), static_cast<int>(frame.weights.size())) == 0)
+    if (traits<Data>.weighted && !hundred_percent(frame.weights.data(), static_cast<int>(frame.weights.size())))
         return BAD_WEIGHTS;
     return OK;
 }
 
-template <typename Data> int next_value(Data &data, const Frame &frame, const Place &place, float &value)
+// index of the set that makes the next value; one draw
+std::size_t choose_set(const Frame &frame)
 {
-    const int sets   = std::max(1, static_cast<int>(frame.weights.size()));
-    const int chosen = std::min(prob_result(frame.weights.data(), sets), sets - 1);
-    return make_value(data, static_cast<std::size_t>(chosen), place, value);
+    const int sets = std::max(1, static_cast<int>(frame.weights.size()));
+    return static_cast<std::size_t>(std::min(prob_result(frame.weights.data(), sets), sets - 1));
 }
 
 // one event of p2: 0, BLOCK_FULL or an error
 template <typename Data> int insert_DDFp2(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
 {
-    if (out_of_time() != 0) {
+    if (out_of_time()) {
         truncate(section, in);
         return BLOCK_FULL;
     }
     float value = 0.0F;
-    if (const int result = next_value(data, frame, place, value); result != OK)
-        return result;
+    if (const int error = make_value(data, choose_set(frame), place, value))
+        return error;
     LAST_VAL            = value;
     const float seconds = to_tempo(value);
-    if (store_start(section.list, value, seconds) == 0)
+    if (!store_start(section, value, seconds))
         return OUT_OF_MEMORY;
-    if (IN_LOOP != 0 && StoreInQ(section.queue, IS_FUSED, value) == 0)
-        return OUT_OF_MEMORY;
+    if (const int error = keep_for_loop(section, value))
+        return error;
     ++place.index;
     ++EVENT_NO;
     place.elapsed += std::fabs(seconds);
@@ -93,8 +93,7 @@ template <typename Data> int fill_p2_beats(Data &data, const Frame &frame, Secti
     for (int stalled = 0; place.elapsed < frame.span;) { // at most MOST_STALLED_STEPS steps that do not move on
         const float elapsed = place.elapsed;
         const float beats   = CBEATS;
-        const int   result  = insert_DDFp2(data, frame, place, section, in);
-        if (result != OK)
+        if (const int result = insert_DDFp2(data, frame, place, section, in))
             return result == BLOCK_FULL ? OK : result;
         const bool moved = place.elapsed > elapsed || CBEATS > beats;
         stalled          = moved ? 0 : stalled + 1;
@@ -113,31 +112,39 @@ template <typename Data> int fill_p2_events(Data &data, const Frame &frame, Sect
     int warnings = 0;
     for (std::uint64_t step = 0; step < place.count && warnings < MOST_FULL_WARNINGS; ++step) { // goes by the count
         const int result = insert_DDFp2(data, frame, place, section, in);
-        if (result > 0)
-            return result;
         if (result == BLOCK_FULL)
             ++warnings;
+        else if (result != OK)
+            return result;
     }
     return OK;
 }
 
-// one event from p3 up
-template <typename Data> int fill_event(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
+int store_generated(Section &section, const Input &in, float value)
 {
-    place.event = section.cursor->next;
-    float value = 0.0F;
-    if (const int result = next_value(data, frame, place, value); result != OK)
-        return result;
     if (IN_TYPE == TYPE_IN)
         value = RoundF(value);
     LAST_VAL = value;
     if (P_NO == 3)
-        store_p3(section.cursor, in, value);
-    else if (store_value(section.list, section.cursor, value) == 0)
+        store_p3(section, in, value);
+    else if (!store_value(section, value))
         return OUT_OF_MEMORY;
-    if (IN_LOOP != 0 && StoreInQ(section.queue, IS_FUSED, value) == 0)
-        return OUT_OF_MEMORY;
-    return OK;
+    return keep_for_loop(section, value);
+}
+
+// one event from p3 up, with its chord members when the generator makes groups
+template <typename Data> int fill_event(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
+{
+    const std::size_t set = choose_set(frame);
+    if constexpr (traits<Data>.groups) {
+        return store_group(data, set, section);
+    } else {
+        place.event = section.cursor->next;
+        float value = 0.0F;
+        if (const int error = make_value(data, set, place, value))
+            return error;
+        return store_generated(section, in, value);
+    }
 }
 
 template <typename Data> int fill_events(Data &data, const Frame &frame, Section &section, const Input &in)
@@ -150,8 +157,8 @@ template <typename Data> int fill_events(Data &data, const Frame &frame, Section
             truncate(section, in);
             return OK;
         }
-        if (const int result = fill_event(data, frame, place, section, in); result != OK)
-            return result;
+        if (const int error = fill_event(data, frame, place, section, in))
+            return error;
         ++place.index;
         ++EVENT_NO;
     }
@@ -162,13 +169,14 @@ template <typename Data> int generate(Section &section, Input &in)
 {
     Data  data{};
     Frame frame{};
-    if (const int result = check_pfield(data, in); result != OK)
-        return result;
-    if (const int result = get_sets(data, frame, in); result != OK)
-        return result;
-    if (P_NO != 2)
-        return fill_events(data, frame, section, in);
-    return frame.span < 0.0F ? fill_p2_events(data, frame, section, in) : fill_p2_beats(data, frame, section, in);
+    if (const int error = check_pfield(data, in))
+        return error;
+    if (const int error = get_sets(data, frame, in))
+        return error;
+    if constexpr (!traits<Data>.groups)
+        if (P_NO == 2)
+            return frame.span < 0.0F ? fill_p2_events(data, frame, section, in) : fill_p2_beats(data, frame, section, in);
+    return fill_events(data, frame, section, in);
 }
 
 int generate_by_code(Code code, Section &section, Input &in)
@@ -188,6 +196,8 @@ int generate_by_code(Code code, Section &section, Input &in)
         return generate<Mask>(section, in);
     case CMD_HO:
         return generate<HeldValue>(section, in);
+    case CMD_S2:
+        return generate<SecondOrder>(section, in);
     default:
         return OK;
     }
@@ -210,9 +220,9 @@ std::uint64_t covered_events(float span, const Section &section, const Input &in
     last  = 0.0F;
     if (span < 0.0F)
         return count_of(span);
-    const std::uint64_t count = ListSize(first, last, section.cursor, section.list, span);
-    if (span - SLACK > last && SUPRESS == 0) {
-        warning_no(W_DURATION_ALTERED, in.line_no, in.line, in.pos);
+    const std::uint64_t count = ListSize(first, last, section, span);
+    if (span - SPAN_SLACK > last && !SUPRESS) {
+        warn(in, W_DURATION_ALTERED);
         Mprintf("Old duration = %f, New duration = %f\n", span, last);
     }
     return count;
@@ -220,7 +230,7 @@ std::uint64_t covered_events(float span, const Section &section, const Input &in
 
 void truncate(Section &section, const Input &in)
 {
-    warning_no(W_DDF_TRUNCATED, in.line_no, in.line, in.pos);
+    warn(in, W_DDF_TRUNCATED);
     section.done = true;
 }
 

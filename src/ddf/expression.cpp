@@ -3,12 +3,12 @@
 
 #include "ddf/expression.h"
 
+#include "base/numerics.h"
 #include "diag/messages.h"
 #include "diag/report.h"
-#include "events/timing.h"
+#include "events/block.h"
+#include "events/pfields.h"
 #include "input/scanners.h"
-#include "lang/iblock.h"
-#include "output/numerics.h"
 
 #include <cstring>
 #include <utility>
@@ -24,7 +24,7 @@ bool is_reference(const Input &in) { return lower(peek(in)) == 'p'; }
 int get_reference(Term &term, Input &in)
 {
     ++in.pos;
-    if (get_i(term.pfield, in) == 0)
+    if (!get_i(term.pfield, in))
         return BAD_P_NUMBER;
     const bool usable = term.pfield >= 2 && term.pfield <= MAX_PFIELDS && term.pfield != P_NO && DID_P[term.pfield];
     return usable ? OK : BAD_EX_PFIELD;
@@ -38,7 +38,7 @@ int get_term(Term &term, Input &in)
         return BAD_OPERATION;
     if (is_reference(in))
         return get_reference(term, in);
-    return get_f(term.constant, in) != 0 ? OK : BAD_VALUE;
+    return get_f(term.constant, in) ? OK : BAD_VALUE;
 }
 
 // operation -> ( "+" | "-" | "*" | "/" | "%" ) term
@@ -51,11 +51,11 @@ int get_operation(Equation &equation, Input &in)
         return OUT_OF_BOUNDS;
     Operation operation{peek(in), {}};
     ++in.pos;
-    if (const int result = get_term(operation.term, in); result != OK)
-        return result;
+    if (const int error = get_term(operation.term, in))
+        return error;
     if (operation.op == '/') {
         if (operation.term.pfield != 0)
-            warning_no(W_MAY_DIVIDE_BY_ZERO, in.line_no, in.line, in.pos);
+            warn(in, W_MAY_DIVIDE_BY_ZERO);
         else if (operation.term.constant == 0.0F)
             return DIVISION_BY_ZERO;
     }
@@ -78,11 +78,11 @@ bool refers_to_pfield(const Equation &equation)
 int get_bracketed(Equation &equation, Input &in)
 {
     ++in.pos;
-    if (const int result = get_term(equation.first, in); result != OK)
-        return result;
+    if (const int error = get_term(equation.first, in))
+        return error;
     do { // at most MAX_OPERATIONS operations
-        if (const int result = get_operation(equation, in); result != OK)
-            return result;
+        if (const int error = get_operation(equation, in))
+            return error;
     } while (peek(in) != ']');
     ++in.pos;
     return refers_to_pfield(equation) ? OK : NO_PFIELD_IN_EX;
@@ -138,6 +138,14 @@ int apply(const Operation &operation, const Event *event, float &value)
     return OK;
 }
 
+// equation -> reference | bracketed
+int get_equation(Equation &equation, Input &in)
+{
+    if (is_reference(in))
+        return get_reference(equation.first, in);
+    return peek(in) == '[' ? get_bracketed(equation, in) : static_cast<int>(BAD_EX_PFIELD);
+}
+
 } // namespace
 
 int check_pfield(const Expression &, const Input &in)
@@ -145,25 +153,20 @@ int check_pfield(const Expression &, const Input &in)
     if (P_NO < 3)
         return BAD_EX_PFIELD;
     if (P_NO == 3)
-        warning_no(W_P3_CODES_IN_EX, in.line_no, in.line, in.pos);
+        warn(in, W_P3_CODES_IN_EX);
     return OK;
 }
 
-// set -> weight mode ( reference | bracketed )
+// set -> weight mode equation
 int get_set(Expression &data, Frame &frame, Input &in)
 {
-    if (const int result = get_weight(frame, in, BAD_EX_DATA); result != OK)
-        return result;
+    if (const int error = get_weight(frame, in, BAD_EX_DATA))
+        return error;
     Equation equation{};
-    if (const int result = get_mode(equation, in); result != OK)
-        return result;
-    int result = BAD_EX_PFIELD;
-    if (is_reference(in))
-        result = get_reference(equation.first, in);
-    else if (peek(in) == '[')
-        result = get_bracketed(equation, in);
-    if (result != OK)
-        return result;
+    if (const int error = get_mode(equation, in))
+        return error;
+    if (const int error = get_equation(equation, in))
+        return error;
     data.sets.push_back(std::move(equation));
     return OK;
 }
@@ -173,8 +176,8 @@ int make_value(Expression &data, std::size_t set, const Place &place, float &val
     const Equation &equation = data.sets[set];
     value                    = term_value(equation.first, place.event);
     for (const Operation &operation : equation.operations)
-        if (const int result = apply(operation, place.event, value); result != OK)
-            return result;
+        if (const int error = apply(operation, place.event, value))
+            return error;
     if (equation.rounded)
         value = RoundF(value);
     return OK;

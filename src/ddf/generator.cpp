@@ -3,16 +3,18 @@
 
 #include "ddf/generator.h"
 
-#include "ddf/curves.h"
-#include "ddf/distributions.h"
-#include "ddf/random.h"
-#include "diag/messages.h"
+#include "base/curves.h"
+#include "base/distributions.h"
+#include "base/number_text.h"
+#include "base/numerics.h"
+#include "base/random.h"
+#include "base/switches.h"
 #include "diag/report.h"
-#include "events/timing.h"
+#include "events/block.h"
 #include "input/scanners.h"
-#include "lang/values.h"
-#include "output/number_text.h"
-#include "output/numerics.h"
+#include "platform/screen.h"
+#include "words/range_letters.h"
+#include "words/values.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,27 +22,13 @@
 namespace orlo {
 namespace {
 
-// distributions of the letters "b" to "x"
-constexpr char  FIRST_LETTER = 'b';
-constexpr Range letters[]    = {
-       /* b */ Range::beta,     /* c */ Range::uniform, /* d */ Range::uniform, /* e */ Range::uniform,
-    /* f */ Range::uniform,
-    /* g */ Range::gaussian, /* h */ Range::high,    /* i */ Range::uniform, /* j */ Range::uniform,
-    /* k */ Range::uniform,
-    /* l */ Range::low,      /* m */ Range::uniform, /* n */ Range::uniform, /* o */ Range::uniform,
-    /* p */ Range::uniform,
-    /* q */ Range::uniform,  /* r */ Range::uniform, /* s */ Range::uniform, /* t */ Range::triangular,
-    /* u */ Range::uniform,  /* v */ Range::uniform, /* w */ Range::uniform, /* x */ Range::bilateral,
-};
-static_assert(std::size(letters) == 'x' - FIRST_LETTER + 1);
-
 // fraction -> "*" number
 int get_fraction(float &fraction, Input &in)
 {
     ++in.pos;
     if (!is_digit(peek(in)) && peek(in) != '.')
         return BAD_TIME_FRACTION;
-    return get_f(fraction, in) != 0 ? OK : BAD_TIME_FRACTION;
+    return get_f(fraction, in) ? OK : BAD_TIME_FRACTION;
 }
 
 // whole-block -> "T" [ fraction ]
@@ -49,13 +37,13 @@ int get_whole_block(float &span, Input &in)
     ++in.pos;
     float fraction = 1.0F;
     if (peek(in) == '*')
-        if (const int result = get_fraction(fraction, in); result != OK)
-            return result;
+        if (const int error = get_fraction(fraction, in))
+            return error;
     if (ETIME >= 0.0F)
         span = fraction * ETIME;
     else
         span = -RoundF(fraction * static_cast<float>(EVENTS));
-    if (SUPRESS == 0)
+    if (!SUPRESS)
         Mprintf("\n\tLine %d: T evaluated at = %f", in.line_no, span);
     return OK;
 }
@@ -67,8 +55,8 @@ int skip_items(Input &in)
     for (;;) { // ends where nothing moves, at the latest at the input's end
         const std::uint64_t line_no = in.line_no;
         const std::uint32_t pos     = in.pos;
-        if (const int result = skip_stuff(in); result > 0)
-            return result;
+        if (const int error = skip_stuff(in))
+            return error;
         if (in.line_no == line_no && in.pos == pos)
             return OK;
     }
@@ -76,17 +64,17 @@ int skip_items(Input &in)
 
 int get_dynfunc_dur(float &span, Input &in)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     if (peek(in) != '(')
         return BAD_DDF_FORMAT;
     ++in.pos;
-    if (const int result = skip_items(in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
     if (peek(in) == 'T') {
-        if (const int result = get_whole_block(span, in); result != OK)
-            return result;
-    } else if (get_f(span, in) == 0) {
+        if (const int error = get_whole_block(span, in))
+            return error;
+    } else if (!get_f(span, in)) {
         return BAD_SPAN;
     }
     return skip_items(in);
@@ -95,7 +83,7 @@ int get_dynfunc_dur(float &span, Input &in)
 int get_weight(Frame &frame, Input &in, int missing)
 {
     float weight = 0.0F;
-    if (get_f(weight, in) == 0)
+    if (!get_f(weight, in))
         return missing;
     frame.weights.push_back(weight);
     return skip_items(in);
@@ -105,57 +93,32 @@ std::uint64_t count_of(float span) { return to_uint64(static_cast<double>(std::f
 
 bool zero_refused(float span) { return P_NO == 2 && span > 0.0F; }
 
-int is_rrange_type(char c)
-{
-    switch (lower(c)) {
-    case 'f':
-    case 'l':
-    case 'h':
-    case 't':
-    case 'g':
-    case 'x':
-    case 'b':
-        return 1;
-    default:
-        return 0;
-    }
-}
-
-int get_rrange_type(Input &in)
-{
-    const char letter = lower(peek(in));
-    if (is_rrange_type(letter) == 0)
-        return static_cast<int>(Range::uniform);
-    ++in.pos;
-    return static_cast<int>(letters[letter - FIRST_LETTER]);
-}
-
 // range -> value | "[" [ letter ] value [ value ] "]"
 int get_range(RangeData &range, Input &in)
 {
     if (peek(in) != '[') {
         range.type = static_cast<int>(Range::uniform);
-        if (get_input_type(range.low, in) == 0)
+        if (!get_input_type(range.low, in))
             return VALUES_OR_BRACKETS;
         range.high = range.low;
         return OK;
     }
     ++in.pos;
-    if (const int result = skip_items(in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
     range.type = get_rrange_type(in);
-    if (const int result = skip_items(in); result != OK)
-        return result;
-    if (get_input_type(range.low, in) == 0)
+    if (const int error = skip_items(in))
+        return error;
+    if (!get_input_type(range.low, in))
         return VALUE_MISSING;
     range.high = range.low;
-    if (const int result = skip_items(in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
     if (peek(in) != ']') {
-        if (get_input_type(range.high, in) == 0)
+        if (!get_input_type(range.high, in))
             return VALUE_MISSING;
-        if (const int result = skip_items(in); result != OK)
-            return result;
+        if (const int error = skip_items(in))
+            return error;
         if (peek(in) != ']')
             return TOO_MANY_VALUES;
     }
@@ -170,20 +133,20 @@ int get_values(std::vector<float> &values, Input &in)
 {
     float value = 0.0F;
     if (peek(in) != '[') {
-        if (get_input_type(value, in) == 0)
+        if (!get_input_type(value, in))
             return VALUES_OR_BRACKETS;
         values.push_back(value);
         return OK;
     }
     ++in.pos;
-    if (const int result = skip_items(in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
     do { // each value takes characters
-        if (get_input_type(value, in) == 0)
+        if (!get_input_type(value, in))
             return VALUE_MISSING;
         values.push_back(value);
-        if (const int result = skip_items(in); result != OK)
-            return result;
+        if (const int error = skip_items(in))
+            return error;
     } while (peek(in) != ']');
     ++in.pos;
     return OK;
@@ -230,6 +193,17 @@ std::size_t get_set_element(ChoiceState &state, std::size_t n)
     }
 }
 
+void fix_percents(float *const *records, float *out, int n)
+{
+    for (int i = 0; i < n; ++i)
+        out[i] = records[i][0];
+}
+
+int keep_for_loop(Section &section, float value)
+{
+    return !IN_LOOP || StoreInQ(section.queue, IS_FUSED, value) ? OK : OUT_OF_MEMORY;
+}
+
 float curve_at(const Place &place, float curve, float exponent, float start, float end)
 {
     const int  code  = to_int32(static_cast<double>(curve));
@@ -242,6 +216,7 @@ float curve_at(const Place &place, float curve, float exponent, float start, flo
     if (code < TIME_CURVE)
         return pplot_val(place.index, place.count, code, start, end, power);
     const float time = place.event->beat - place.first;
+    flush_screen();
     std::printf("\ntime = %f", printable(static_cast<double>(time)));
     return tplot_val(code - TIME_CURVE, time, place.last + place.first, start, end, power);
 }

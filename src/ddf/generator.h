@@ -1,9 +1,9 @@
 // What every generator builds on: the span, weights, skipping between items, ranges, lists, and the place of an event on the span.
 // A generator is a plain record of its data sets with two functions found by its type: get_set reads one set, make_value gives
-// one event's value.
+// one event's value (store_group, for a generator of groups, stores all values of one).
 #pragma once
 
-#include "events/event_list.h"
+#include "events/section.h"
 #include "input/line_reader.h"
 
 #include <cstdint>
@@ -12,6 +12,15 @@
 namespace orlo {
 
 inline constexpr std::size_t MAX_SETS = 128; // data sets of one generator
+
+/// How the frame treats a generator.
+struct Traits {
+    bool weighted; // it has sets with weights, not a single bare one
+    bool groups;   // an element of a set is a group of values, which fills an event and its chord members
+};
+
+/// Traits of a generator by its record; what differs from these specialises them.
+template <typename Data> inline constexpr Traits traits{true, false};
 
 /// What the frame knows of a generator while its text is read.
 struct Frame {
@@ -52,12 +61,6 @@ struct RangeData {
 /// True when a value of 0 must be refused: in p2 it would never use up a span of beats.
 [[nodiscard]] bool zero_refused(float span);
 
-/// 1 for a letter that chooses a distribution.
-[[nodiscard]] int is_rrange_type(char c);
-
-/// Reads an optional distribution letter. @return its code, 0 without one
-[[nodiscard]] int get_rrange_type(Input &in);
-
 /// Reads a value, or "[" letter value value "]", with the bounds in order. @return 0, 37, 39, 41, or an error of reading
 [[nodiscard]] int get_range(RangeData &range, Input &in);
 
@@ -83,6 +86,12 @@ struct ChoiceState {
 
 /// Chooses one of n elements; one draw, more when a drawn element is refused. @return its number from 1
 [[nodiscard]] std::size_t get_set_element(ChoiceState &state, std::size_t n);
+
+/// Copies the first float of each of n records. Only tests call it: weights are gathered while they are read.
+void fix_percents(float *const *records, float *out, int n);
+
+/// Keeps a value that was stored for the fill, when a loop is open. @return 0 or 32
+[[nodiscard]] int keep_for_loop(Section &section, float value);
 
 /// Value of a curve at an event's place. A curve that follows the beat prints the time on the standard output first.
 [[nodiscard]] float curve_at(const Place &place, float curve, float exponent, float start, float end);

@@ -3,12 +3,12 @@
 #include "ddf/held_value.h"
 
 #include "diag/messages.h"
-#include "lang/values.h"
+#include "words/values.h"
 
 namespace orlo {
 
 // set -> value
-int get_set(HeldValue &data, Frame &, Input &in) { return get_input_type(data.value, in) != 0 ? OK : BAD_WALK_RANGE; }
+int get_set(HeldValue &data, Frame &, Input &in) { return get_input_type(data.value, in) ? OK : BAD_WALK_RANGE; }
 
 int make_value(HeldValue &data, std::size_t, const Place &, float &value)
 {

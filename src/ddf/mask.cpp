@@ -2,10 +2,10 @@
 
 #include "ddf/mask.h"
 
-#include "ddf/curves.h"
-#include "ddf/random.h"
+#include "base/random.h"
 #include "diag/messages.h"
-#include "events/timing.h"
+#include "events/block.h"
+#include "words/curve_letters.h"
 
 #include <utility>
 
@@ -14,22 +14,22 @@ namespace orlo {
 // set -> weight curve values values
 int get_set(Mask &data, Frame &frame, Input &in)
 {
-    if (const int result = get_weight(frame, in, MISSING_WEIGHT); result != OK)
-        return result;
+    if (const int error = get_weight(frame, in, MISSING_WEIGHT))
+        return error;
     MaskSet set{};
     float   exponent = 1.0F;
-    if (const int result = get_curve_type(in, set.curve, exponent, frame.span > 0.0F); result != OK)
-        return result;
+    if (const int error = get_curve_type(in, set.curve, exponent, frame.span > 0.0F))
+        return error;
     set.record.push_back(exponent);
-    if (const int result = skip_items(in); result != OK)
-        return result;
-    if (const int result = get_values(set.record, in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
+    if (const int error = get_values(set.record, in))
+        return error;
     set.first_count = set.record.size() - 1;
-    if (const int result = skip_items(in); result != OK)
-        return result;
-    if (const int result = get_values(set.record, in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
+    if (const int error = get_values(set.record, in))
+        return error;
     set.second_count = set.record.size() - 1 - set.first_count;
     data.sets.push_back(std::move(set));
     return OK;

@@ -2,9 +2,9 @@
 
 #include "ddf/motion.h"
 
-#include "ddf/curves.h"
-#include "ddf/distributions.h"
+#include "base/distributions.h"
 #include "diag/messages.h"
+#include "words/curve_letters.h"
 
 namespace orlo {
 namespace {
@@ -18,19 +18,19 @@ float draw(const RangeData &range) { return mk_rval(range.type, range.low, range
 // set -> weight curve range range
 int get_set(Motion &data, Frame &frame, Input &in)
 {
-    if (const int result = get_weight(frame, in, MISSING_WEIGHT); result != OK)
-        return result;
+    if (const int error = get_weight(frame, in, MISSING_WEIGHT))
+        return error;
     MotionSet set{};
-    if (const int result = get_curve_type(in, set.curve, set.exponent, frame.span > 0.0F); result != OK)
-        return result;
-    if (const int result = skip_items(in); result != OK)
-        return result;
-    if (const int result = get_range(set.start, in); result != OK)
-        return result;
-    if (const int result = skip_items(in); result != OK)
-        return result;
-    if (const int result = get_range(set.end, in); result != OK)
-        return result;
+    if (const int error = get_curve_type(in, set.curve, set.exponent, frame.span > 0.0F))
+        return error;
+    if (const int error = skip_items(in))
+        return error;
+    if (const int error = get_range(set.start, in))
+        return error;
+    if (const int error = skip_items(in))
+        return error;
+    if (const int error = get_range(set.end, in))
+        return error;
     if (zero_refused(frame.span) && (holds_zero(set.start) || holds_zero(set.end)))
         return ZERO_P2_IN_DDF;
     data.sets.push_back(set);

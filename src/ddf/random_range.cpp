@@ -2,7 +2,7 @@
 
 #include "ddf/random_range.h"
 
-#include "ddf/distributions.h"
+#include "base/distributions.h"
 #include "diag/messages.h"
 
 namespace orlo {
@@ -10,11 +10,11 @@ namespace orlo {
 // set -> weight range
 int get_set(RandomRange &data, Frame &frame, Input &in)
 {
-    if (const int result = get_weight(frame, in, MISSING_WEIGHT); result != OK)
-        return result;
+    if (const int error = get_weight(frame, in, MISSING_WEIGHT))
+        return error;
     RangeData range{};
-    if (const int result = get_range(range, in); result != OK)
-        return result;
+    if (const int error = get_range(range, in))
+        return error;
     if (zero_refused(frame.span) && (range.low == 0.0F || range.high == 0.0F))
         return ZERO_P2_IN_DDF;
     data.sets.push_back(range);

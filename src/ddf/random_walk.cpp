@@ -2,11 +2,12 @@
 
 #include "ddf/random_walk.h"
 
-#include "ddf/distributions.h"
+#include "base/distributions.h"
+#include "base/numerics.h"
 #include "diag/messages.h"
-#include "events/timing.h"
+#include "events/block.h"
 #include "input/scanners.h"
-#include "lang/values.h"
+#include "words/values.h"
 
 #include <cmath>
 
@@ -22,20 +23,17 @@ int take_optional(char bracket, Input &in)
     return skip_items(in);
 }
 
-int get_bound(float &bound, Input &in)
-{
-    return get_input_type(bound, in) != 0 ? skip_items(in) : static_cast<int>(BAD_WALK_RANGE);
-}
+int get_bound(float &bound, Input &in) { return get_input_type(bound, in) ? skip_items(in) : static_cast<int>(BAD_WALK_RANGE); }
 
 // bounds -> [ "[" ] value value [ "]" ]
 int get_bounds(WalkSet &set, Input &in)
 {
-    if (const int result = take_optional('[', in); result != OK)
-        return result;
-    if (const int result = get_bound(set.low, in); result != OK)
-        return result;
-    if (const int result = get_bound(set.high, in); result != OK)
-        return result;
+    if (const int error = take_optional('[', in))
+        return error;
+    if (const int error = get_bound(set.low, in))
+        return error;
+    if (const int error = get_bound(set.high, in))
+        return error;
     if (set.low > set.high)
         swapf(set.low, set.high);
     if (!std::isfinite(set.high - set.low)) // a walk has no place in a range without a width
@@ -48,17 +46,17 @@ int get_bounds(WalkSet &set, Input &in)
 // set -> weight bounds window start
 int get_set(RandomWalk &data, Frame &frame, Input &in)
 {
-    if (const int result = get_weight(frame, in, MISSING_WEIGHT); result != OK)
-        return result;
+    if (const int error = get_weight(frame, in, MISSING_WEIGHT))
+        return error;
     WalkSet set{};
-    if (const int result = get_bounds(set, in); result != OK)
-        return result;
-    if (get_f(set.window, in) == 0 || set.window < 0.0F || set.window > 1.0F)
+    if (const int error = get_bounds(set, in))
+        return error;
+    if (!get_f(set.window, in) || set.window < 0.0F || set.window > 1.0F)
         return BAD_WINDOW;
-    if (const int result = skip_items(in); result != OK)
-        return result;
+    if (const int error = skip_items(in))
+        return error;
     float start = 0.0F;
-    if (get_input_type(start, in) == 0 || start < set.low || start > set.high)
+    if (!get_input_type(start, in) || start < set.low || start > set.high)
         return BAD_WALK_START;
     if (set.low != set.high)
         set.position = (start - set.low) / (set.high - set.low);

@@ -11,14 +11,14 @@ namespace orlo {
 // set -> weight [ "*" | "x" ] values
 int get_set(Selection &data, Frame &frame, Input &in)
 {
-    if (const int result = get_weight(frame, in, MISSING_WEIGHT); result != OK)
-        return result;
+    if (const int error = get_weight(frame, in, MISSING_WEIGHT))
+        return error;
     Choice mode{};
-    if (const int result = get_choice(mode, in); result != OK)
-        return result;
+    if (const int error = get_choice(mode, in))
+        return error;
     SelectionSet set{};
-    if (const int result = get_values(set.elements, in); result != OK)
-        return result;
+    if (const int error = get_values(set.elements, in))
+        return error;
     set.choice = init_did(mode, set.elements.size());
     data.sets.push_back(std::move(set));
     return OK;

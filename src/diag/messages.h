@@ -1,17 +1,24 @@
 // The numbers of errors and warnings and their texts. Knows nothing of where they are printed.
 #pragma once
 
+#include <algorithm>
+#include <iterator>
+
 namespace orlo {
 
-/// Result of every parse function: 0, the end of the input, or the number of an error.
+/// Result of every parse function: 0, the end of the input, or the number of an error. A few rooms have results below -1 of their
+/// own (BLOCK_FULL in ddf/ddf, BODY_TOO_LONG in input/macro_expansion), which never leave their file. Errors that nothing returns
+/// any more keep number, name and text.
 enum Status : int {
     END_OF_INPUT = -1,
     OK           = 0,
 
     MISMATCHED_COMMENTS   = 3,
+    PFIELDS_DIFFER        = 4,
     EOF_IN_SECTION        = 5,
     EOF_IN_MACRO_BODY     = 8,
     NO_TEMPORARY_FILE     = 9,
+    I_NEEDS_NUMBER        = 10,
     BAD_I_NUMBER          = 11,
     BAD_START_TIME        = 12,
     BAD_BEATS             = 13,
@@ -32,7 +39,9 @@ enum Status : int {
     BAD_DEVIATION         = 28,
     BAD_SEED              = 29,
     MISSING_OPEN_BRACE    = 30,
+    MISSING_CLOSE_BRACE   = 31,
     OUT_OF_MEMORY         = 32,
+    EARLY_EOF             = 33,
     MISSING_EQUALS        = 34,
     BAD_P_COUNT           = 35,
     BAD_DDF_FORMAT        = 36,
@@ -55,6 +64,7 @@ enum Status : int {
     BAD_TIME_FRACTION     = 53,
     ZERO_INTERVAL         = 54,
     BAD_OPERATION         = 55,
+    EX_NEEDS_BRACKETS     = 56,
     BAD_EX_PFIELD         = 57,
     NO_PFIELD_IN_EX       = 58,
     DIVISION_BY_ZERO      = 59,
@@ -71,14 +81,23 @@ enum Status : int {
     BAD_DIRECTIVE         = 80,
     MACRO_BODY_NEEDS_MARK = 81,
     STRAY_APOSTROPHE      = 82,
+    MACRO_NAME_TWICE      = 83,
     DUPLICATE_MACRO       = 84,
     CALL_NEEDS_PAREN      = 85,
     BAD_MACRO_SYNTAX      = 86,
+    BAD_ARGUMENT_COUNT    = 87,
     BAD_MACRO_NAME        = 88,
+    MACRO_BODY_TOO_LARGE  = 89,
+    MACRO_NAME_TOO_LARGE  = 90,
     NO_MACROS             = 91,
+    NO_MACRO_COMMAND      = 92,
+    OC_NEEDS_PC           = 93,
+    OC_NOT_LAST           = 94,
+    DUPLICATE_OC          = 95,
     BAD_COMMAND_FORMAT    = 96,
     NOTHING_ENTERED       = 97,
     DUPLICATE_CONSTANT    = 100,
+    BAD_CONSTANT          = 101,
     NO_MEMORY_CONSTANT    = 102,
     MACRO_IN_CONSTANT     = 103,
     EQUATION_LINE_END     = 105,
@@ -101,42 +120,212 @@ enum Status : int {
     TE_BAD_TERM2          = 151,
     TE_BAD_TERM3          = 152,
     TE_BAD_TERM4          = 153,
+    TE_BAD_TERM5          = 154,
     TE_START_TIME_RANGE   = 155,
     TE_END_TIME_RANGE     = 156,
     TE_START_TEMPO_RANGE  = 157,
     TE_END_TEMPO_RANGE    = 158,
     TE_TIMES_BACKWARDS    = 159,
+    NOT_IMPLEMENTED       = 200,
     NUMBER_EXPECTED       = 500,
     FULLY_REPORTED        = 999,  // nothing more is printed
     TEXT_REPORTED         = 1000, // the line and the caret still follow
 };
 
 enum Warning : int {
-    W_P3_BELOW_ZERO      = 1,
-    W_BLOCK_SKIPPED      = 2,
-    W_EVENTS_NOT_ADDED   = 10,
-    W_DDF_TRUNCATED      = 11,
-    W_REPEAT_TRUNCATED   = 12,
-    W_DURATION_ALTERED   = 14,
-    W_LOOP_TERMINATED    = 15,
-    W_MANY_PFIELDS       = 19,
-    W_LATE_START         = 20,
-    W_LONG_DURATION      = 21,
-    W_MAY_DIVIDE_BY_ZERO = 22,
-    W_P3_CODES_IN_EX     = 24,
-    W_LARGE_DEVIATION    = 26,
-    W_TEMPO1_FAST        = 30,
-    W_TEMPO1_SLOW        = 31,
-    W_TEMPO2_FAST        = 32,
-    W_TEMPO2_SLOW        = 33,
-    W_TEMPO_LATE         = 34,
-    W_TEMPO_LONG         = 35,
+    W_P3_BELOW_ZERO       = 1,
+    W_BLOCK_SKIPPED       = 2,
+    W_EVENTS_NOT_ADDED    = 10,
+    W_DDF_TRUNCATED       = 11,
+    W_REPEAT_TRUNCATED    = 12,
+    W_DURATION_ALTERED    = 14,
+    W_LOOP_TERMINATED     = 15,
+    W_MANY_PFIELDS        = 19,
+    W_LATE_START          = 20,
+    W_LONG_DURATION       = 21,
+    W_MAY_DIVIDE_BY_ZERO  = 22,
+    W_MACRO_NAME_TWICE    = 23,
+    W_P3_CODES_IN_EX      = 24,
+    W_CONSTANT_NAME_TWICE = 25,
+    W_LARGE_DEVIATION     = 26,
+    W_TEMPO1_FAST         = 30,
+    W_TEMPO1_SLOW         = 31,
+    W_TEMPO2_FAST         = 32,
+    W_TEMPO2_SLOW         = 33,
+    W_TEMPO_LATE          = 34,
+    W_TEMPO_LONG          = 35,
 };
+
+/// Whether a message is shown with the line where it was found and a caret.
+enum class Line : bool { left_out, shown };
+
+template <class Number> struct Message {
+    Number      number;
+    Line        line;
+    const char *text;
+    constexpr Message(Number n, const char *t, Line l = Line::shown) : number{n}, line{l}, text{t} {}
+};
+
+// clang-format off
+inline constexpr Message<Status> error_messages[] = {
+    {MISMATCHED_COMMENTS, "Comments seemed to be mismatched... reached EOF.", Line::left_out},
+    {PFIELDS_DIFFER, "P-fields don't match i-block header!", Line::left_out},
+    {EOF_IN_SECTION, "Reached end-of-file before \"}\" was found.", Line::left_out},
+    {EOF_IN_MACRO_BODY, "EOF reached: missing macro body end (#).", Line::left_out},
+    {NO_TEMPORARY_FILE, "Ouch! Can't open the temporary file (huh?).", Line::left_out},
+    {I_NEEDS_NUMBER, "\"i\" must be followed by a number"},
+    {BAD_I_NUMBER, "Bad i-number."},
+    {BAD_START_TIME, "Bad i-start time."},
+    {BAD_BEATS, "Bad number of beats."},
+    {BAD_EVENTS, "Bad number of events."},
+    {P2_MUST_BE_FIRST, "P2 must be specifed first (others may be out of numerical order)."},
+    {BAD_P_NUMBER, "Bad p-field number."},
+    {BAD_OUTPUT_TYPE, "Invalid output specifier or precision out of range."},
+    {MUST_OUTPUT_FLOATS, "P2 and P3 must output floats."},
+    {MISSING_PAREN, "Missing \")\"."},
+    {INVALID_COMMAND, "Invalid command."},
+    {BAD_P2_INPUT, "P2 input must be \"re\", \"in\" or \"rh\"."},
+    {INVALID_GLOBAL, "Invalid G-block command or character."},
+    {BAD_VALUE, "Value out of bounds or syntax error."},
+    {X_NEEDS_DIGIT, "\"x\" operator must be followed by a digit."},
+    {EOF_IN_COMMENT, "Reached EOF! (missing comment \"*/\"?)"},
+    {BAD_P3_INPUT, "P3 input must be \"re\" or \"in\"."},
+    {OUT_OF_BOUNDS, "Data is out of bounds."},
+    {BAD_DEVIATION, "Format DV/RD(f): f = real number >= 0 and < 100 (1 = 100%)"},
+    {BAD_SEED, "Format RS(ui): ui = UNSIGNED INT (0-65535)."},
+    {MISSING_OPEN_BRACE, "Missing i-block initiator ({)."},
+    {MISSING_CLOSE_BRACE, "Missing i-block terminator (})."},
+    {OUT_OF_MEMORY, "Yikes, out of memory!"},
+    {EARLY_EOF, "Premature end-of-file!"},
+    {MISSING_EQUALS, "Instrument number must be followed by \"=\"."},
+    {BAD_P_COUNT, "Bad number of parameters?"},
+    {BAD_DDF_FORMAT, "Illegal characters between DDF name and \"(\"."},
+    {TOO_MANY_VALUES, "A maximum of two values expected."},
+    {MISSING_WEIGHT, "Percentage value expected. (Missing \")\" in last DDF?)"},
+    {VALUE_MISSING, "Value missing in []s, bad input type, or out of bounds"},
+    {BAD_SPAN, "Bad number of beats or events."},
+    {VALUES_OR_BRACKETS, "Value(s) or []s missing?"},
+    {BAD_WEIGHTS, "Percentages must add up to 1.0."},
+    {BAD_LOOP, "Bad loop syntax (missing \"<\" or bad placement?)"},
+    {P_OUT_OF_BOUNDS, "P-field out of bounds! (More than specified in i-header)"},
+    {MISPLACED_LOOP, "misplaced \"<\" (or memory error)."},
+    {BAD_TEMPO, "Format te(f): f = real number."},
+    {INVALID_GLOBAL_DATA, "Invalid global-block data"},
+    {BAD_EX_DATA, "Error in EX data (equations need to be in []s)."},
+    {MULTIPLE_FUSES, "Multiple ':'s! "},
+    {BAD_WINDOW, "RW command: Window % value out of range (must be 0-1)."},
+    {BAD_WALK_START, "RW command: Starting value out of range."},
+    {BAD_WALK_RANGE, "RW command: Bad range value."},
+    {BAD_TIME_FRACTION, "TIME Varibale: Bad time percentage."},
+    {ZERO_INTERVAL, "Must specify EVENTS when using a start interval of 0."},
+    {BAD_OPERATION, "EX command: Missing or bad operation: use +, -, /, or *."},
+    {EX_NEEDS_BRACKETS, "EX command: Equation must be enclosed in []s."},
+    {BAD_EX_PFIELD, "EX command: Error getting p-field (must be previously defined)."},
+    {NO_PFIELD_IN_EX, "EX command: A pfield must be used at least once."},
+    {DIVISION_BY_ZERO, "EX command: Yikes, can't divide by 0!"},
+    {PFIELD_DIVISION, "EX command: Division by pfield produces a / 0 error!"},
+    {HO_MISSING_PAREN, "HO command: Missing final \")\"."},
+    {S2_ONLY_FROM_P4, "S2 command may only be used in P4 and above."},
+    {BAD_CURVE, "Bad user-defined curve type (must be > 0)."},
+    {BEAT_CURVE_NOT_HERE, "Beat-related move (*) not allowed when DDF time = events or in TE)"},
+    {BAD_SAMPLING_RATE, "Format SR(uli): uli = UNSIGNED LONG INT (0-65535+)."},
+    {DUPLICATE_PFIELD, "Duplicate p-fields are not allowed."},
+    {SKIPPED_PFIELDS, "Whoops, some p-fields were skipped."},
+    {ZERO_P2_IN_DDF, "Can't have a P2 of 0 when specifying beats in a DDF."},
+    {INVALID_IBLOCK, "Invalid I-block command or character."},
+    {BAD_DIRECTIVE, "Error in macro \"#define\" or \"#undef\" statement."},
+    {MACRO_BODY_NEEDS_MARK, "Macro body must be enclosed in #s"},
+    {STRAY_APOSTROPHE, "Stray \"'\" found -- too many macro arguments in call?"},
+    {MACRO_NAME_TWICE, "Duplicate macro name?!"},
+    {DUPLICATE_MACRO, "Oy! You've already defined a macro with that name!"},
+    {CALL_NEEDS_PAREN, "Error in macro call: missing (."},
+    {BAD_MACRO_SYNTAX, "Error in macro syntax. (Bad # of arguments?)"},
+    {BAD_ARGUMENT_COUNT, "Wrong number of arguments in macro call."},
+    {BAD_MACRO_NAME, "Macro name (or argument name) must start with an alphabetic character."},
+    {MACRO_BODY_TOO_LARGE, "Macro body exceeds maximum size."},
+    {MACRO_NAME_TOO_LARGE, "Macro name exceeds memory allocation."},
+    {NO_MACROS, "There are no macros to undefine."},
+    {NO_MACRO_COMMAND, "Not a macro command."},
+    {OC_NEEDS_PC, "You must precede the \"oc\" (octave-class) mode with the \"pc\" mode."},
+    {OC_NOT_LAST, "\"oc\" (octave-class) mode must be the last input mode in p-field!"},
+    {DUPLICATE_OC, "duplicate \"oc\" (octave-class) mode found (can only have one in a p-field)"},
+    {BAD_COMMAND_FORMAT, "Illegal characters between command name and \"(\""},
+    {NOTHING_ENTERED, "Didn't enter anything?"},
+    {DUPLICATE_CONSTANT, "Eeek! You've already defined a \"const\" with that name!"},
+    {BAD_CONSTANT, "Error in \"const\" statement."},
+    {NO_MEMORY_CONSTANT, "Yikes, not enough memory to allocate constant!"},
+    {MACRO_IN_CONSTANT, "Sorry but you can't use a macro name in a \"const\" definition."},
+    {EQUATION_LINE_END, "\"const\" equations must be contained on a single line, sorry :("},
+    {BAD_TIME_TERM, "\"@\" must be followed by a 1, 2, 3, or 4"},
+    {BAD_EQUATION_CHAR, "Oops, illegal character in \"const\" equation."},
+    {BAD_EQUATION_COUNT, "Illegal number of terms or operations in\"const\" equation."},
+    {BAD_CONSTANT_NAME, "Constant name must start with an alphabetic character."},
+    {BAD_ENDIF, "Error in \"#endif\" Statement. \n(N.B. #if and #endif must be isolated to their own lines\nwith no other data than whitespace.)"},
+    {BAD_IF, "Error in \"#if\" Statement. \n(N.B. #if and #endif must be isolated to their own lines \nwith no other data than whitespace.)"},
+    {IF_NEEDS_VALUE, "\"#if\" Statement expects a floating-point value within ()s. "},
+    {IF_MISSING_PAREN, "\"#if\" statement is missing terminal \")\""},
+    {EOF_IN_IF, "Reached EOF. \"#if\" statement is missing \"#endif\"? \n(N.B. #if and #endif must be isolated\nto their own lines with no other data than whitespace.)"},
+    {MISMATCHED_ENDIF, "\"#if\" statement: mismatched \"#endif\". \n(N.B. #if and #endif must be isolated to their own\n lines with no other data than whitespace.)"},
+    {MISSING_ENDIF, "\"#if\" statement: missing an \"#endif\"? \n(N.B. #if and #endif must be isolated to their own\n lines with no other data than whitespace.)"},
+    {SKIPPED_DURATION, "ZOINKS! You skipped the i-block duration!"},
+    {BAD_DURATION, "Ack! Error getting the i-block duration!"},
+    {BAD_PFACTOR, "Format PF(f): f = real number."},
+    {PFACTOR_NOT_IN_P2, "PF only valid in P3 and higher P-fields."},
+    {TE_BAD_TERM1, "\"te\" term1, expecting a tempo or start time."},
+    {TE_BAD_TERM2, "\"te\" term2, bad end time."},
+    {TE_BAD_TERM3, "\"te\" term3, bad start tempo."},
+    {TE_BAD_TERM4, "\"te\" term4, bad end tempo."},
+    {TE_BAD_TERM5, "\"te\" term5, error getting curve type."},
+    {TE_START_TIME_RANGE, "\"te\" term1 (start time), out of range."},
+    {TE_END_TIME_RANGE, "\"te\" term2 (end time), out of range."},
+    {TE_START_TEMPO_RANGE, "\"te\" term3 (start tempo), out of range."},
+    {TE_END_TEMPO_RANGE, "\"te\" term4 (end tempo), out of range."},
+    {TE_TIMES_BACKWARDS, "\"te\" term1 and term2 (times), are backwards!"},
+    {NOT_IMPLEMENTED, "Not implemented yet..."},
+    {NUMBER_EXPECTED, "Expecting a digit or decimal point in floating-point number."},
+};
+
+inline constexpr Message<Warning> warning_messages[] = {
+    {W_P3_BELOW_ZERO, "P3 Duration < 0! (Event turned into rest...)", Line::left_out},
+    {W_BLOCK_SKIPPED, "I-block skipped! (i-no < 0)", Line::left_out},
+    {W_EVENTS_NOT_ADDED, "Reached end of i-time or i-events -- event(s) not added."},
+    {W_DDF_TRUNCATED, "Reached end of i-time or i-events, DDF data truncated"},
+    {W_REPEAT_TRUNCATED, "Reached end of i-time or i-events, (repeat truncated)"},
+    {W_DURATION_ALTERED, "Reached end of i-time of i-events, duration altered."},
+    {W_LOOP_TERMINATED, "Previous loop terminated."},
+    {W_MANY_PFIELDS, "Are you sure you want that many p-fields?!"},
+    {W_LATE_START, "Are you sure you want such a late start time?!"},
+    {W_LONG_DURATION, "Are you sure you want such a long duration?!"},
+    {W_MAY_DIVIDE_BY_ZERO, "EX Command: Division by a pfield may / by 0!"},
+    {W_MACRO_NAME_TWICE, "Is this a duplicate macro name?!"},
+    {W_P3_CODES_IN_EX, "Be aware of p3 codes when using the EX command!"},
+    {W_CONSTANT_NAME_TWICE, "Is this a duplicate constant name?!"},
+    {W_LARGE_DEVIATION, "Yowza! Should RD be > 1 (100%)?"},
+    {W_TEMPO1_FAST, "Tempo1 is quite fast. Is that okay?"},
+    {W_TEMPO1_SLOW, "Tempo1 is quite slow. Is that okay?"},
+    {W_TEMPO2_FAST, "Tempo2 is quite fast. Is that okay?"},
+    {W_TEMPO2_SLOW, "Tempo2 is quite slow. Is that okay?"},
+    {W_TEMPO_LATE, "This change starts quite late. Is that okay?"},
+    {W_TEMPO_LONG, "This tempo change is quite long. Is that okay?"},
+};
+// clang-format on
+
+/// The order of both tables.
+constexpr auto by_number = [](const auto &a, const auto &b) { return a.number < b.number; };
+
+static_assert(std::is_sorted(std::begin(error_messages), std::end(error_messages), by_number));
+static_assert(std::is_sorted(std::begin(warning_messages), std::end(warning_messages), by_number));
 
 /// Text of an error; "Unspecified error..." for a number without one.
 [[nodiscard]] const char *error_text(int number);
 
 /// Text of a warning; "Unspecified warning..." for a number without one.
 [[nodiscard]] const char *warning_text(int number);
+
+/// Whether an error is shown with its line. Without a row the numbers up to 9 are not.
+[[nodiscard]] bool error_has_line(int number);
+
+/// The same of a warning.
+[[nodiscard]] bool warning_has_line(int number);
 
 } // namespace orlo

@@ -1,5 +1,5 @@
-#include "driver/memory_limit.h"
 #include "driver/run.h"
+#include "platform/memory_limit.h"
 
 int main(int argc, char **argv)
 {

@@ -2,10 +2,8 @@
 
 #include "driver/options.h"
 
-#include "diag/report.h"
-#include "events/tempo_map.h"
-#include "input/line_reader.h"
-#include "output/midi_conversion.h"
+#include "base/switches.h"
+#include "platform/output_files.h"
 
 #include <cstring>
 
@@ -52,31 +50,19 @@ int take_name(const char *&name, const char *rest, int argc, const char *const *
 // option -> "-" letter [ name ]
 int take_option(const char *option, int argc, const char *const *argv, int &next)
 {
-    if (option[1] == '\0')
-        return fail_with_usage();
-    const char *rest = option + 2;
-    switch (option[1]) {
-    case 'l':
-        MKLOG = 1;
-        return take_name(log_fname, rest, argc, argv, next, "logfile");
-    case 'm':
-        MKMIDI = 1;
-        return 0;
-    case 's':
-        SUPRESS = 1;
-        return 0;
-    case 't':
-        SHOW_TEMPOS = 1;
-        return 0;
-    case 'x':
-        MKEXP = 1;
-        return take_name(exp_fname, rest, argc, argv, next, "macro-expansion file");
-    default:
-        return fail_with_usage();
+    for (const Option &row : option_table) {
+        if (row.letter != option[1])
+            continue;
+        *row.on = true;
+        return row.name != nullptr ? take_name(*row.name, option + 2, argc, argv, next, row.missing) : 0;
     }
+    return fail_with_usage();
 }
 
-bool same(const char *a, const char *b) { return std::strcmp(a, b) == 0; }
+// An input that is not there clashes with nothing: that it can't be opened is told later.
+bool clashes_with_input(const char *name) { return std::strcmp(name, in_fname) == 0 || same_file(name, in_fname); }
+
+bool clash(const char *a, const char *b) { return std::strcmp(a, b) == 0 || same_file(a, b) || same_new_file(a, b); }
 
 } // namespace
 
@@ -100,14 +86,16 @@ int get_options(int argc, const char *const *argv)
 
 int check_fnames()
 {
-    const bool log   = MKLOG != 0;
-    const bool trace = MKEXP != 0;
-    bool       clash = same(in_fname, out_fname);
-
-    clash = clash || (log && (same(log_fname, out_fname) || same(log_fname, in_fname)));
-    clash = clash || (trace && (same(exp_fname, out_fname) || same(exp_fname, in_fname)));
-    clash = clash || (log && trace && same(log_fname, exp_fname));
-    if (!clash)
+    const char *outputs[MOST_OUTPUTS] = {out_fname, MKLOG ? log_fname : nullptr, MKEXP ? exp_fname : nullptr};
+    bool        found                 = false;
+    for (int i = 0; i < MOST_OUTPUTS; ++i) {
+        if (outputs[i] == nullptr)
+            continue;
+        found = found || clashes_with_input(outputs[i]);
+        for (int j = 0; j < i; ++j)
+            found = found || (outputs[j] != nullptr && clash(outputs[i], outputs[j]));
+    }
+    if (!found)
         return 0;
     std::fputs("\nERROR: You can't use a filename multiple times!\n\n", stderr);
     return 1;
@@ -116,25 +104,29 @@ int check_fnames()
 void print_usage(std::FILE *stream)
 {
     print_version(stream);
-    std::fputs("  Usage: orlo [options] infile outfile\n"
-               "  Options:\n"
-               "  -l <logfile>  screen ouput (text)\n"
-               "  -m            outfile is a MIDI file (format 1)\n"
-               "  -s            suppress non-error messages\n"
-               "  -t            verbose tempo information\n"
-               "  -x <expfile>  macro expansions (text)\n\n",
-               stream);
+    std::fputs("  Usage: orlo [options] infile outfile\n  Options:\n", stream);
+    for (const Option &row : option_table)
+        std::fprintf(stream, "  -%c %-9s  %s\n", row.letter, row.value, row.meaning);
+    std::fputs("\n", stream);
 }
 
 void print_info(std::FILE *stream)
 {
     print_version(stream);
     std::fprintf(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
-    std::fputs(MKMIDI != 0 ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
-    if (MKLOG != 0)
+    std::fputs(MKMIDI ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
+    if (MKLOG)
         std::fprintf(stream, "Log \t= \"%s\"\n", log_fname);
-    if (MKEXP != 0)
+    if (MKEXP)
         std::fprintf(stream, "MExp\t= \"%s\"\n", exp_fname);
+}
+
+void reset_options()
+{
+    in_fname  = nullptr;
+    out_fname = nullptr;
+    log_fname = nullptr;
+    exp_fname = nullptr;
 }
 
 } // namespace orlo

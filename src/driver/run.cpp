@@ -3,99 +3,72 @@
 
 #include "driver/run.h"
 
+#include "base/clock.h"
+#include "base/conversions.h"
+#include "base/random.h"
+#include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "driver/options.h"
-#include "driver/temporary_file.h"
+#include "driver/run_files.h"
+#include "events/block.h"
 #include "events/event_list.h"
-#include "events/timing.h"
+#include "events/pfields.h"
+#include "events/tempo_map.h"
 #include "input/conditionals.h"
 #include "input/constants.h"
-#include "input/include_pass.h"
+#include "input/macro_expansion.h"
 #include "input/macros.h"
 #include "lang/global_block.h"
 #include "lang/iblock.h"
-#include "lang/keywords.h"
 #include "output/midi_conversion.h"
 #include "output/midi_file.h"
 #include "output/score_writer.h"
-
-#include <csignal>
-#include <fcntl.h>
-#include <unistd.h>
+#include "platform/output_files.h"
+#include "platform/standard_streams.h"
+#include "words/values.h"
 
 namespace orlo {
-
-double CUM_TIME    = 0.0;
-double LAST_IB_DUR = 0.0;
-
 namespace {
 
 constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
 
-struct Files {
-    std::FILE *in;  // the input, later the temporary file; null while closed
-    std::FILE *out; // the score or MIDI file
-    std::FILE *tmp; // the temporary file while it is written
-};
-
-// closes a stream that was written to, if it is open; false when anything was lost
-bool close_written(std::FILE *&stream)
+// Every room at its start, whatever was run before in this process.
+void reset()
 {
-    if (stream == nullptr)
-        return true;
-    const bool lost   = std::ferror(stream) != 0;
-    const bool closed = std::fclose(stream) == 0;
-    stream            = nullptr;
-    return closed && !lost;
+    reset_switches();
+    reset_clock();
+    reset_draws();
+    reset_conversions();
+    reset_options();
+    reset_block();
+    reset_events();
+    reset_pfields();
+    reset_tempos();
+    reset_conditionals();
+    reset_macro_expansion();
+    free_macro_list();
+    free_variable_list();
+    reset_values();
+    reset_report();
 }
 
-void close_read(std::FILE *&stream)
-{
-    if (stream != nullptr)
-        std::fclose(stream);
-    stream = nullptr;
-}
-
-bool report_lost(const char *name)
-{
-    Mprintf("\nERROR: Can't write \"%s\".\n\n", name);
-    return false;
-}
-
-// Releases everything; false when a file could not be written in full. What trace and log have lost is told after a complete run
-// only: no further error follows the one that ended a run.
+// Releases everything; false when a file could not be written in full.
 bool clean_up(Files &files, bool complete)
 {
     FreeListNodes(note_list);
     free_pfield_record();
     free_macro_list();
     free_variable_list();
-    close_read(files.in);
-    close_read(files.tmp);
-    bool written = close_written(files.out);
-    if (!written)
-        written = report_lost(out_fname);
-    if (!close_written(fecho) && complete)
-        written = report_lost(exp_fname);
-    MKLOG = 0; // what the log has lost is told on the screen alone
-    if (!close_written(fllog) && complete)
-        written = report_lost(log_fname);
-    remove_temporary_file();
-    return written;
-}
-
-int fail(Files &files)
-{
-    clean_up(files, false);
-    return FAILURE;
+    return close_files(files, complete);
 }
 
 int fail_with(int error, Files &files, const Input &in)
 {
     error_no(error, in.line_no, in.line, in.pos);
-    return fail(files);
+    clean_up(files, false);
+    return FAILURE;
 }
 
 int finish(Files &files)
@@ -106,61 +79,6 @@ int finish(Files &files)
     return SUCCESS;
 }
 
-// A file must not take the number of a standard stream that is closed: it would receive what is meant for the screen.
-void open_standard_streams()
-{
-    int number = 0;
-    do // ends behind the standard streams, or when no file can be opened
-        number = open("/dev/null", O_RDWR);
-    while (number >= 0 && number <= STDERR_FILENO);
-    if (number >= 0)
-        close(number);
-}
-
-int open_file(std::FILE *&stream, const char *name, const char *mode)
-{
-    stream = std::fopen(name, mode);
-    if (stream != nullptr)
-        return SUCCESS;
-    std::fprintf(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
-    return FAILURE;
-}
-
-int open_files(Files &files)
-{
-    if (open_file(files.in, in_fname, "r") != SUCCESS)
-        return FAILURE;
-    if (open_file(files.out, out_fname, MKMIDI != 0 ? "wb" : "w") != SUCCESS)
-        return FAILURE;
-    if (MKEXP != 0 && open_file(fecho, exp_fname, "w") != SUCCESS)
-        return FAILURE;
-    files.tmp = open_temporary_file();
-    if (files.tmp == nullptr) {
-        std::fputs("\nERROR: Can't open temporary file\n\n", stderr);
-        return FAILURE;
-    }
-    return MKLOG != 0 ? open_file(fllog, log_fname, "w") : SUCCESS;
-}
-
-// copies the input with its include files into the temporary file, which becomes the input
-int combine_input(Files &files, const Input &in)
-{
-    std::uint32_t includes = 0;
-    if (parse_includes(files.in, files.tmp, includes) > 0)
-        return fail(files);
-    if (std::ferror(files.in) != 0) { // a folder can be opened but not read
-        Mprintf("\nERROR: Can't read \"%s\".\n\n", in_fname);
-        return fail(files);
-    }
-    close_read(files.in);
-    if (!close_written(files.tmp)) {
-        Mprintf("\nERROR: Can't write temporary file\n\n");
-        return fail(files);
-    }
-    files.in = reopen_temporary_file();
-    return files.in != nullptr ? SUCCESS : fail_with(NO_TEMPORARY_FILE, files, in);
-}
-
 int nothing_written(std::uint32_t block)
 {
     if (block == 1)
@@ -168,26 +86,29 @@ int nothing_written(std::uint32_t block)
     return OK;
 }
 
-int write_score(std::FILE *out, std::uint32_t block)
+// written tells whether there was anything to write
+int write_score(std::FILE *out, std::uint32_t block, bool &written)
 {
+    begin_output(out);
     std::fprintf(out, "\n;I-block #%u (i%d):", block, I_NO);
-    if (print_csound(note_list, out, MAX_PFIELDS) == 0)
-        return 0;
-    free_pfield_record();
-    return 1;
+    written = print_csound(note_list, out, MAX_PFIELDS);
+    if (written)
+        free_pfield_record();
+    return OK;
 }
 
-// 1, 0 when there is nothing to write, -1 for exhausted memory
-int write_midi(std::FILE *out)
+int write_midi(std::FILE *out, bool &written)
 {
     std::uint64_t length = 0;
     const int     result = List2MIDI(note_list, MAX_PFIELDS, length);
-    if (result <= 0)
-        return result;
+    written              = result > 0;
+    if (!written)
+        return result < 0 ? OUT_OF_MEMORY : OK;
+    begin_output(out);
     PutMidiHeader(out, 2);
     PutTrack1(out, note_list->start + note_list->dur + 1.0F);
     WriteTrack(out, note_list, length);
-    return 1;
+    return OK;
 }
 
 void report_statistics(std::uint32_t block)
@@ -210,17 +131,17 @@ int do_blocks(Input &in, std::FILE *out, bool &ended)
 {
     std::uint32_t block = 1;
     for (ended = false; !ended;) { // each round reads lines, up to the end of the input
-        if (const int result = parse_gblock(in, out); result > 0)
-            return result;
-        if (const int result = do_iblock(in, out, block); result > 0)
-            return result;
+        if (const int status = parse_gblock(in, out); status > 0)
+            return status;
+        if (const int error = do_iblock(in, out, block))
+            return error;
         if (std::ferror(in.stream) != 0) { // what follows in the input is lost
             Mprintf("\nERROR: Can't read temporary file\n\n");
             return FULLY_REPORTED;
         }
         if (input_used_up(in))
-            return ifdef_match() != 0 ? OK : MISSING_ENDIF;
-        ended = MKMIDI != 0;
+            return ifdef_match() ? OK : MISSING_ENDIF;
+        ended = MKMIDI;
         if (!ended && std::feof(in.stream) != 0)
             return OK;
     }
@@ -229,15 +150,16 @@ int do_blocks(Input &in, std::FILE *out, bool &ended)
 
 int run_input(Files &files, Input &in)
 {
-    in.stream        = files.in;
-    bool      ended  = false;
-    const int result = do_blocks(in, files.out, ended);
-    if (result != OK)
-        return fail_with(result, files, in);
+    in.stream  = files.in;
+    bool ended = false;
+    if (const int error = do_blocks(in, files.out, ended))
+        return fail_with(error, files, in);
     if (ended)
         return finish(files);
-    if (MKMIDI == 0)
+    if (!MKMIDI) {
+        begin_output(files.out);
         std::fputs("\ne\n", files.out);
+    }
     Mprintf("\n\nGlobal cumulative duration of all i-blocks = %f (secs)\n", CUM_TIME);
     return finish(files);
 }
@@ -246,13 +168,14 @@ int run_input(Files &files, Input &in)
 
 int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
 {
-    if (const int result = parse_iblock(in, note_list); result > 0)
-        return result;
-    const bool score   = MKMIDI == 0 && note_list != nullptr;
-    const int  written = score ? write_score(out, block) : write_midi(out);
-    if (written < 0)
-        return OUT_OF_MEMORY;
-    if (written == 0)
+    if (const int status = parse_iblock(in, note_list); status > 0)
+        return status;
+    if (note_list == nullptr)
+        return nothing_written(block);
+    bool written = false;
+    if (const int error = MKMIDI ? write_midi(out, written) : write_score(out, block, written))
+        return error;
+    if (!written)
         return nothing_written(block);
     report_statistics(block++);
     FreeListNodes(note_list);
@@ -261,20 +184,17 @@ int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as a file that can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is one that has reached its limit of size
-    open_standard_streams();
+    reset();
+    secure_standard_streams();
     if (get_options(argc, argv) != 0 || check_fnames() != 0)
         return FAILURE;
     Files files{};
-    if (open_files(files) != SUCCESS)
-        return FAILURE;
-    print_info(stderr);
-    if (MKLOG != 0)
-        print_info(fllog);
     Input in{};
-    if (combine_input(files, in) != SUCCESS)
-        return FAILURE;
+    if (!open_files(files))
+        return fail_with(FULLY_REPORTED, files, in);
+    print_info(stderr);
+    if (const int error = combine_input(files))
+        return fail_with(error, files, in);
     return run_input(files, in);
 }
 

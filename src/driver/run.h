@@ -7,10 +7,8 @@
 
 namespace orlo {
 
-extern double CUM_TIME;    // seconds, the latest end of any block so far, 0 at start
-extern double LAST_IB_DUR; // seconds, duration of the last block that was written, 0 at start
-
-/// The whole program. @return exit status: 0 for a complete run, 1 for any failure, which has been reported
+/// The whole program, from its start: what an earlier run in the process has left is set back. @return exit status: 0 for a
+/// complete run, 1 for any failure, which has been reported
 [[nodiscard]] int run(int argc, const char *const *argv);
 
 /// Reads one i-block, writes its events and reports its statistics.

@@ -3,23 +3,22 @@
 
 #include "events/event_list.h"
 
-#include "events/timing.h"
-#include "output/numerics.h"
+#include "base/numerics.h"
+#include "events/arena.h"
+#include "events/block.h"
+#include "events/pfields.h"
+#include "events/section.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace orlo {
 
-Event       *note_list   = nullptr;
-std::int32_t MAX_PFIELDS = 0;
-std::int32_t IS_FUSED    = 0;
-Event       *LUT         = nullptr;
-std::int32_t WROTE_DATA  = 0;
-float        PFACTOR     = 1.0F;
+Event *note_list = nullptr;
 
 namespace {
+
+constexpr std::int32_t LEAST_VALUES = 2; // room that every event has: a MIDI note has a velocity and a key, whatever the block has
 
 float last_dur    = 0.0F;  // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
 bool  has_members = false; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
@@ -29,14 +28,6 @@ void link_after(Event *event, Event *before)
 {
     event->next  = before->next;
     before->next = event;
-}
-
-// makes an event behind the cursor the cursor, and the tail when the cursor was the tail
-void step_onto(Event *event, Event *&cursor, Event *&list)
-{
-    if (cursor == list)
-        list = event;
-    cursor = event;
 }
 
 // the values of an event for n p-fields, 3 or more
@@ -50,106 +41,86 @@ std::uint64_t whole_seconds(float time)
 }
 
 // the event that DoListChord appends when the cursor is at the tail
-Event *grow_by_whole_seconds(const Event *list, const Event *lut, std::int32_t pfield, std::int32_t n)
+Event *grow_by_whole_seconds(const Event *list)
 {
-    Event *event = GetListNode(n);
+    Event *event = GetListNode(MAX_PFIELDS);
     if (event == nullptr)
         return nullptr;
-    const std::uint64_t dur = whole_seconds(lut->dur);
-    copy_values(event, list, n);
-    event->code           = lut->code;
-    event->dur            = static_cast<float>(dur);
-    event->start          = static_cast<float>(dur + whole_seconds(list->start));
-    event->beat           = lut->beat;
-    event->pf[pfield - 4] = lut->pf[pfield - 4];
+    const std::uint64_t dur = whole_seconds(LUT->dur);
+    copy_values(event, list, MAX_PFIELDS);
+    event->code         = LUT->code;
+    event->dur          = static_cast<float>(dur);
+    event->start        = static_cast<float>(dur + whole_seconds(list->start));
+    event->beat         = LUT->beat;
+    event->pf[P_NO - 4] = LUT->pf[P_NO - 4];
     return event;
-}
-
-void free_ring(Event *list)
-{
-    Event *event = list->next;
-    list->next   = nullptr;
-    while (event != nullptr) {
-        Event *next = event->next;
-        FreeEvent(event);
-        event = next;
-    }
 }
 
 } // namespace
 
 Event *GetListNode(std::int32_t n)
 {
-    auto *event = static_cast<Event *>(std::malloc(sizeof(Event)));
+    const auto values = static_cast<std::size_t>(std::max(n - 3, LEAST_VALUES));
+    auto      *event  = static_cast<Event *>(take_piece(sizeof(Event) + values * sizeof(float)));
     if (event == nullptr)
         return nullptr;
-    auto *values = static_cast<float *>(std::calloc(static_cast<std::size_t>(n), sizeof(float)));
-    if (values == nullptr) {
-        std::free(event);
-        return nullptr;
-    }
-    *event = {0, 0.0F, 0.0F, 0.0F, values, nullptr};
+    *event = {0, 0.0F, 0.0F, 0.0F, reinterpret_cast<float *>(event + 1), nullptr};
+    std::fill_n(event->pf, values, 0.0F);
     return event;
 }
 
-void FreeEvent(Event *event)
+bool InsertBegTime(Section &section, float dur)
 {
-    std::free(event->pf);
-    std::free(event);
-}
-
-int InsertBegTime(Event *&list, std::int32_t n, std::int32_t &fused, float dur, float start, float beat)
-{
-    Event *event = GetListNode(n);
+    Event *event = GetListNode(MAX_PFIELDS);
     if (event == nullptr)
-        return 0;
+        return false;
+    Event      *last      = section.list;
     const float magnitude = std::fabs(dur);
 
     event->dur = dur;
-    if (list == nullptr) {
-        event->start = start;
-        event->beat  = beat;
+    if (last == nullptr) {
+        event->start = STIME;
+        event->beat  = CBEATS;
         event->next  = event;
         last_dur     = magnitude;
-    } else if (fused != 0) {
+    } else if (IS_FUSED != 0) {
         event->code  = 1;
         has_members  = true;
-        event->start = list->start;
-        event->beat  = list->beat;
-        link_after(event, list);
+        event->start = last->start;
+        event->beat  = last->beat;
+        link_after(event, last);
         if (magnitude > last_dur)
             last_dur = magnitude;
-        fused = 0;
+        IS_FUSED = 0;
     } else {
-        event->start = list->start + last_dur;
-        event->beat  = beat;
-        link_after(event, list);
+        event->start = last->start + last_dur;
+        event->beat  = CBEATS;
+        link_after(event, last);
         last_dur = magnitude;
     }
-    list       = event;
-    WROTE_DATA = 1;
-    return 1;
+    section.list = event;
+    WROTE_DATA   = true;
+    return true;
 }
 
-int StorePfield(Event *&cursor, Event *&list, std::int32_t pfield, std::int32_t n, std::int32_t &fused, Event *&lut, float value)
+bool StorePfield(Section &section, float value)
 {
-    if (fused != 0) {
-        Event *copy = CopyEvent(cursor, n);
+    if (IS_FUSED != 0) {
+        Event *copy = CopyEvent(section.cursor, MAX_PFIELDS);
         if (copy == nullptr)
-            return 0;
+            return false;
         copy->code  = 1;
         has_members = true;
-        link_after(copy, cursor);
-        step_onto(copy, cursor, list);
-        fused = 0;
+        InsertEvent(copy, section);
+        IS_FUSED = 0;
     } else {
-        cursor       = cursor->next;
-        cursor->code = 0;
-        lut          = cursor;
+        section.cursor       = section.cursor->next;
+        section.cursor->code = 0;
+        LUT                  = section.cursor;
     }
-    cursor->pf[pfield - 4] = value * PFACTOR;
-    WROTE_DATA             = 1;
-    return 1;
+    section.cursor->pf[P_NO - 4] = value * PFACTOR;
+    WROTE_DATA                   = true;
+    return true;
 }
 
 Event *CopyEvent(const Event *source, std::int32_t n)
@@ -165,48 +136,48 @@ Event *CopyEvent(const Event *source, std::int32_t n)
     return copy;
 }
 
-int DoListChord(Event *&list, Event *&cursor, const Event *lut, std::int32_t pfield, std::int32_t n, std::uint64_t &members)
+bool DoListChord(Section &section, std::uint64_t &members)
 {
-    const std::int32_t value = pfield - 4;
+    const std::int32_t value = P_NO - 4;
 
     members = 0;
-    if (cursor != list) {
-        cursor            = cursor->next;
-        cursor->code      = lut->code;
-        cursor->pf[value] = lut->pf[value];
+    if (section.cursor != section.list) {
+        section.cursor            = section.cursor->next;
+        section.cursor->code      = LUT->code;
+        section.cursor->pf[value] = LUT->pf[value];
     } else {
-        Event *event = grow_by_whole_seconds(list, lut, pfield, n);
+        Event *event = grow_by_whole_seconds(section.list);
         if (event == nullptr)
-            return 0;
-        link_after(event, list);
-        step_onto(event, cursor, list);
+            return false;
+        InsertEvent(event, section);
     }
-    for (const Event *member = lut->next; member->code != 0; member = member->next) { // ends at lut itself, if not before
-        Event *copy = CopyEvent(cursor, n);
+    for (const Event *member = LUT->next; member->code != 0; member = member->next) { // ends at LUT itself, if not before
+        Event *copy = CopyEvent(section.cursor, MAX_PFIELDS);
         if (copy == nullptr)
-            return 0;
+            return false;
         copy->code      = member->code;
         copy->pf[value] = member->pf[value];
-        link_after(copy, cursor);
-        step_onto(copy, cursor, list);
+        InsertEvent(copy, section);
         ++members;
     }
-    return 1;
+    return true;
 }
 
-Event *InsertEvent(Event *event, Event *&cursor, Event *&list)
+Event *InsertEvent(Event *event, Section &section)
 {
-    link_after(event, cursor);
-    step_onto(event, cursor, list);
+    link_after(event, section.cursor);
+    if (section.cursor == section.list)
+        section.list = event;
+    section.cursor = event;
     return event;
 }
 
-std::uint64_t ListSize(float &first, float &last, const Event *cursor, const Event *list, float window)
+std::uint64_t ListSize(float &first, float &last, const Section &section, float window)
 {
-    if (list == nullptr)
+    if (section.list == nullptr)
         return 0;
-    const Event *event = cursor->next;
-    const Event *head  = list->next;
+    const Event *event = section.cursor->next;
+    const Event *head  = section.list->next;
     first              = event->beat;
     last               = first;
 
@@ -252,7 +223,7 @@ void ClearLFusedCode(Event *list)
     has_members = false;
 }
 
-int RemoveRests(Event *&list)
+bool RemoveRests(Event *&list)
 {
     Event *event = list->next;
     Event *first = nullptr; // first and last event that stay
@@ -275,19 +246,26 @@ int RemoveRests(Event *&list)
     }
     list = last;
     if (last == nullptr) {
+        give_back_pieces();
         EVENTS   = 0;
         EVENT_NO = 0;
-        return 0;
+        return false;
     }
     last->next = first;
-    return 1;
+    return true;
 }
 
 void FreeListNodes(Event *&list)
 {
-    if (list != nullptr)
-        free_ring(list);
+    give_back_pieces();
     list = nullptr;
+}
+
+void reset_events()
+{
+    FreeListNodes(note_list);
+    last_dur    = 0.0F;
+    has_members = false;
 }
 
 void TraverseList(const Event *list, std::FILE *stream, std::int32_t n)

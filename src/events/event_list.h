@@ -1,4 +1,5 @@
-// The events of one i-block, as a ring that is held by its last event. Reads no text, reports no errors.
+// The events of one i-block, as a ring that is held by its last event. Reads no text, reports no errors. An event's values lie
+// behind it, in memory that is given back as a whole when the block is done.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +12,13 @@ struct Event {
     float        start; // seconds
     float        dur;   // seconds; first the time to the next start, then the duration; 0 or less is a rest
     float        beat;  // start in beats
-    float       *pf;    // p4 and up, p-field n at n - 4; room for as many floats as there are p-fields, 0 at start
+    float       *pf;    // p4 and up, p-field n at n - 4, 0 at start; room for p4 and p5 at least
     Event       *next;  // the last event points to the first
 };
 
-extern Event       *note_list;   // last event of the block, null when there are none; written by every section, freed by the driver
-extern std::int32_t MAX_PFIELDS; // p-fields of every event, 3 to 128, 0 at start; written by the i-block header
-extern std::int32_t IS_FUSED;    // fuse marks since the last value, 0 at start; reset by the event that uses it
-extern Event       *LUT;         // last event that StorePfield gave a value with code 0; the tail when a section starts
-extern std::int32_t WROTE_DATA;  // 1 when the section has stored a value, 0 at start
-extern float        PFACTOR;     // factor of every stored value from p3 up, 1 at start; set by "pf"
+struct Section;
+
+extern Event *note_list; // last event of the block, null when there are none; written by every section, freed by the driver
 
 /// What GetListStats finds in a finished list.
 struct ListStats {
@@ -33,35 +31,35 @@ struct ListStats {
 /// A new event for n p-fields, all zero; null when memory is exhausted.
 [[nodiscard]] Event *GetListNode(std::int32_t n);
 
-/// Gives an event's memory back.
-void FreeEvent(Event *event);
+/// An event that is in no list any more. Its memory goes back with that of the block.
+inline void FreeEvent(Event *) {}
 
-/// Appends an event. The first event starts at start, every later one as long after its predecessor as that one's dur says
-/// (after a chord: its longest dur); with the chord flag set the event joins its predecessor, and the flag is reset.
-/// @return 1, or 0 when memory is exhausted
-[[nodiscard]] int InsertBegTime(Event *&list, std::int32_t n, std::int32_t &fused, float dur, float start, float beat);
+/// Appends an event of p2, with MAX_PFIELDS p-fields. The first one starts at STIME, every later one as long after its predecessor
+/// as that one's dur says (after a chord: its longest dur); its beat is CBEATS. With IS_FUSED the event joins its predecessor as a
+/// chord member, and the mark is taken off.
+/// @return false when memory is exhausted
+[[nodiscard]] bool InsertBegTime(Section &section, float dur);
 
-/// Stores value * PFACTOR as a p-field from p4 up in the event after the cursor, which becomes the cursor; with the chord flag set
-/// in a copy of the cursor's event behind it, and the flag is reset. The list does not grow without the flag: the ring wraps.
-/// @return 1, or 0 when memory is exhausted
-[[nodiscard]] int StorePfield(Event *&cursor, Event *&list, std::int32_t pfield, std::int32_t n, std::int32_t &fused, Event *&lut,
-                              float value);
+/// Stores value * PFACTOR as P_NO, p4 or up, in the event after the cursor, which becomes the cursor; with IS_FUSED in a copy of
+/// the cursor's event after it, and the mark is taken off. The list does not grow without the mark: the ring wraps.
+/// @return false when memory is exhausted
+[[nodiscard]] bool StorePfield(Section &section, float value);
 
 /// A copy of an event with its first n - 3 values; null when memory is exhausted.
 [[nodiscard]] Event *CopyEvent(const Event *source, std::int32_t n);
 
-/// Repeats the last chord of a p-field in the event after the cursor; from the tail the list grows by an event in whole seconds.
+/// Repeats the last chord of P_NO, from LUT on, in the event after the cursor; from the tail the list grows by an event in whole
+/// seconds.
 /// @param members gets the number of chord members that were added
-/// @return 1, or 0 when memory is exhausted
-[[nodiscard]] int DoListChord(Event *&list, Event *&cursor, const Event *lut, std::int32_t pfield, std::int32_t n,
-                              std::uint64_t &members);
+/// @return false when memory is exhausted
+[[nodiscard]] bool DoListChord(Section &section, std::uint64_t &members);
 
 /// Links an event after the cursor and makes it the cursor (and the tail, if the cursor was). @return the event
-Event *InsertEvent(Event *event, Event *&cursor, Event *&list);
+Event *InsertEvent(Event *event, Section &section);
 
 /// Counts the events after the cursor that start at most window beats after the first of them, until the ring closes.
 /// @param first,last beats of the first and of the last counted event, untouched for an empty list
-[[nodiscard]] std::uint64_t ListSize(float &first, float &last, const Event *cursor, const Event *list, float window);
+[[nodiscard]] std::uint64_t ListSize(float &first, float &last, const Section &section, float window);
 
 /// Statistics of a finished list; for an empty list the count alone is set.
 void GetListStats(const Event *list, ListStats &stats);
@@ -70,13 +68,16 @@ void GetListStats(const Event *list, ListStats &stats);
 void ClearLFusedCode(Event *list);
 
 /// Takes the rests (dur of 0 or less) out of a list that is not empty, counting EVENTS and EVENT_NO down by one for each.
-/// @return 1 with at least one event left, or 0 with an empty list, both counters 0
-[[nodiscard]] int RemoveRests(Event *&list);
+/// @return false when nothing is left: both counters are 0, and every event is freed
+[[nodiscard]] bool RemoveRests(Event *&list);
 
-/// Frees every event; the list is empty then.
+/// Frees every event there is, whatever the list holds; the list is empty then.
 void FreeListNodes(Event *&list);
 
-/// Debugging aid: prints a list, its values on the standard output.
+/// Frees the block's events and sets what is private to this room back to the start of a run.
+void reset_events();
+
+/// Debugging aid that only tests call: prints a list, its values on the standard output.
 void TraverseList(const Event *list, std::FILE *stream, std::int32_t n);
 
 } // namespace orlo

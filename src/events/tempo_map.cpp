@@ -2,38 +2,39 @@
 
 #include "events/tempo_map.h"
 
-#include "ddf/curves.h"
+#include "base/clock.h"
+#include "base/curves.h"
+#include "base/numerics.h"
+#include "base/switches.h"
 #include "diag/report.h"
-#include "events/timing.h"
-#include "output/numerics.h"
+#include "events/block.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace orlo {
 
-TempoSegment TEMPO_LIST[MAX_TEMPOS] = {{0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F}};
-std::int32_t TOT_TEMPOS             = 1;
-float        TEMPO                  = 60.0F;
-int          SHOW_TEMPOS            = 0;
-
 namespace {
 
-constexpr char         type_letters[]   = "FELUSX"; // shown for the curve codes 0 to 5
-constexpr std::int32_t USER_CURVE       = 3;
-constexpr float        MIN_TEMPO        = 1.0F;
-constexpr float        MAX_TEMPO        = 4000.0F;
-constexpr float        MAX_TEMPO_CHANGE = 10000.0F; // beats
+constexpr TempoSegment FIRST_SEGMENT{0.0F, 60.0F, 0.0F, 60.0F, static_cast<float>(Curve::square), 0.0F};
+
+constexpr char type_letters[] = "FELUSX"; // shown for the curve codes 0 to 5
 
 } // namespace
 
-int add_tempo(const TempoSegment &segment)
+TempoSegment TEMPO_LIST[MAX_TEMPOS] = {FIRST_SEGMENT};
+std::int32_t TOT_TEMPOS             = 1;
+
+bool add_tempo(const TempoSegment &segment)
 {
     if (segment.stime == 0.0F) {
         TEMPO_LIST[0] = segment;
-        return 1;
+        return true;
     }
     if (TOT_TEMPOS == MAX_TEMPOS)
-        return 0;
+        return false;
     TEMPO_LIST[TOT_TEMPOS++] = segment;
-    return 1;
+    return true;
 }
 
 void check_tempos()
@@ -68,7 +69,7 @@ float to_tempo(float beats)
     TEMPO              = static_cast<float>(tempo);
 
     const auto seconds = static_cast<float>(60.0 / tempo * static_cast<double>(beats));
-    if (SHOW_TEMPOS != 0)
+    if (SHOW_TEMPOS)
         Mprintf("\n  > Beat %f Tempo = %f Val = %f (bts) %f (secs)", CBEATS, tempo, beats, seconds);
     return seconds;
 }
@@ -81,14 +82,21 @@ void print_tempos()
         const std::int32_t  type = to_int32(static_cast<double>(s.type));
         Mprintf("\n\t%d: Stime %f, Etime %f, Stempo %f, Etempo %f, Type %c", i + 1, s.stime, s.etime, s.stempo, s.etempo,
                 type_letters[type]);
-        if (type == USER_CURVE)
+        if (type == static_cast<std::int32_t>(Curve::power))
             Mprintf(", Vcurve = %f", s.vcurve);
     }
     Mprintf("\n");
 }
 
-int good_tempo(float tempo) { return tempo >= MIN_TEMPO && tempo <= MAX_TEMPO ? 1 : 0; }
+bool good_tempo(float tempo) { return tempo >= MIN_TEMPO && tempo <= MAX_TEMPO; }
 
-int good_time(float beats) { return beats >= 0.0F && beats <= MAX_TEMPO_CHANGE ? 1 : 0; }
+bool good_time(float beats) { return beats >= 0.0F && beats <= MAX_TEMPO_CHANGE; }
+
+void reset_tempos()
+{
+    std::fill(std::begin(TEMPO_LIST), std::end(TEMPO_LIST), TempoSegment{});
+    TEMPO_LIST[0] = FIRST_SEGMENT;
+    TOT_TEMPOS    = 1;
+}
 
 } // namespace orlo

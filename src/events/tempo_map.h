@@ -5,7 +5,10 @@
 
 namespace orlo {
 
-inline constexpr std::int32_t MAX_TEMPOS = 50;
+inline constexpr std::int32_t MAX_TEMPOS       = 50;       // segments
+inline constexpr float        MIN_TEMPO        = 1.0F;     // beats per minute
+inline constexpr float        MAX_TEMPO        = 4000.0F;  // beats per minute
+inline constexpr float        MAX_TEMPO_CHANGE = 10000.0F; // beats at which a change starts or ends
 
 struct TempoSegment {
     float stime;  // beats, start of the change
@@ -18,12 +21,10 @@ struct TempoSegment {
 
 extern TempoSegment TEMPO_LIST[MAX_TEMPOS]; // in the order of "te" commands; expected, but not checked, to be in stime order
 extern std::int32_t TOT_TEMPOS;             // segments in use, 1 at start: 60 beats per minute everywhere
-extern float        TEMPO;                  // beats per minute found by the last to_tempo or block start, 60 at start
-extern int          SHOW_TEMPOS;            // 1: the map and every conversion are traced, 0 at start; set by the options
 
 /// Stores a segment: one that starts at 0 replaces the first, any other is appended.
-/// @return 1, or 0 when the table is full
-[[nodiscard]] int add_tempo(const TempoSegment &segment);
+/// @return false when the table is full
+[[nodiscard]] bool add_tempo(const TempoSegment &segment);
 
 /// Warns of every segment that starts before its predecessor ends.
 void check_tempos();
@@ -40,10 +41,13 @@ void print_tempos();
 /// Index of the segment in force at a beat.
 [[nodiscard]] std::int32_t curtempo(float beat);
 
-/// 1 for a tempo from 1 to 4000 beats per minute.
-[[nodiscard]] int good_tempo(float tempo);
+/// Whether a tempo is from MIN_TEMPO to MAX_TEMPO.
+[[nodiscard]] bool good_tempo(float tempo);
 
-/// 1 for a time from 0 to 10000 beats.
-[[nodiscard]] int good_time(float beats);
+/// Whether a time is from 0 to MAX_TEMPO_CHANGE.
+[[nodiscard]] bool good_time(float beats);
+
+/// Sets the map back to its start.
+void reset_tempos();
 
 } // namespace orlo

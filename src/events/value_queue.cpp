@@ -8,13 +8,13 @@
 
 namespace orlo {
 
-int StoreInQ(QueueNode *&queue, std::int32_t code, float value)
+bool StoreInQ(QueueNode *&queue, std::int32_t code, float value)
 {
     if (code == 1 && queue == nullptr)
-        return 0;
+        return false;
     auto *node = static_cast<QueueNode *>(std::malloc(sizeof(QueueNode)));
     if (node == nullptr)
-        return 0;
+        return false;
     node->value = value;
     node->code  = code;
     if (queue == nullptr) {
@@ -27,25 +27,25 @@ int StoreInQ(QueueNode *&queue, std::int32_t code, float value)
         queue->next       = node;
     }
     queue = node;
-    return 1;
+    return true;
 }
 
-int DoQEvent(QueueNode *&queue)
+bool DoQEvent(QueueNode *&queue)
 {
     if (queue == nullptr)
-        return 0;
+        return false;
     const QueueNode *last = queue;
     const QueueNode *node = last;
     while (node->code != 0) // ends at the first node, which is no chord member
         node = node->prev;
-    if (StoreInQ(queue, 0, node->value) == 0)
-        return 0;
+    if (!StoreInQ(queue, 0, node->value))
+        return false;
     while (node != last) {
         node = node->next;
-        if (StoreInQ(queue, node->code, node->value) == 0)
-            return 0;
+        if (!StoreInQ(queue, node->code, node->value))
+            return false;
     }
-    return 1;
+    return true;
 }
 
 void FreeQNodes(QueueNode *&queue)
@@ -74,14 +74,6 @@ void TraverseQ(const QueueNode *queue, int direction)
         std::printf("\n%f %d", static_cast<double>(node->value), node->code);
         node = direction != 0 ? node->prev : node->next;
     } while (node != start);
-}
-
-unsigned VLSize(std::uint64_t value)
-{
-    unsigned bytes = 1;
-    while ((value >>= 7) != 0)
-        ++bytes;
-    return bytes;
 }
 
 } // namespace orlo

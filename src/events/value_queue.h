@@ -12,20 +12,17 @@ struct QueueNode {
     QueueNode   *next;  // the last node's next is the first
 };
 
-/// Appends a value. @return 1, or 0 when memory is exhausted or a chord member would start the queue
-[[nodiscard]] int StoreInQ(QueueNode *&queue, std::int32_t code, float value);
+/// Appends a value. @return false when memory is exhausted or a chord member would start the queue
+[[nodiscard]] bool StoreInQ(QueueNode *&queue, std::int32_t code, float value);
 
 /// Appends a copy of the last event: its base value and its chord members.
-/// @return 1, or 0 when memory is exhausted or the queue is empty
-[[nodiscard]] int DoQEvent(QueueNode *&queue);
+/// @return false when memory is exhausted or the queue is empty
+[[nodiscard]] bool DoQEvent(QueueNode *&queue);
 
 /// Frees every node; the queue is empty then.
 void FreeQNodes(QueueNode *&queue);
 
-/// Debugging aid: prints a queue on the standard output, backward with a direction other than 0.
+/// Debugging aid that only tests call: prints a queue on the standard output, backward with a direction other than 0.
 void TraverseQ(const QueueNode *queue, int direction);
-
-/// Bytes of a number as a variable-length quantity of a MIDI file: seven bits each.
-[[nodiscard]] unsigned VLSize(std::uint64_t value);
 
 } // namespace orlo

@@ -5,10 +5,13 @@
 #include "diag/messages.h"
 #include "input/comment_flags.h"
 #include "input/constants.h"
+#include "input/directives.h"
 #include "input/macro_expansion.h"
+#include "input/macros.h"
 #include "input/scanners.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace orlo {
 namespace {
@@ -18,9 +21,9 @@ bool         IN_IF0      = false; // a false block is being skipped
 std::int32_t start_level = 0;     // IF_MATCH before the block that is skipped
 float        value       = 0.0F;  // the condition that was read last
 
-bool stands_at(const char *line, std::uint32_t pos, const char *word)
+bool stands_at(const char *line, std::uint32_t pos, std::string_view word)
 {
-    return std::strncmp(line + pos, word, std::strlen(word)) == 0;
+    return std::strncmp(line + pos, word.data(), word.size()) == 0;
 }
 
 // a "#" in a line that is skipped: blocks inside are counted
@@ -28,7 +31,7 @@ bool stands_at(const char *line, std::uint32_t pos, const char *word)
 bool skip_directive(Input &in)
 {
     ++in.pos;
-    if (is_if(in.line, in.pos) != 0)
+    if (is_if(in.line, in.pos))
         ++IF_MATCH;
     return do_endif(in) == OK && IF_MATCH == start_level;
 }
@@ -38,10 +41,9 @@ int skip_false_block(Input &in)
 {
     SeparateFlags flags{false, false};
     for (bool closed = false; !closed;) { // each step moves on or reads a line
-        int result = OK;
         if (peek(in) == '\0') {
-            result     = get_buff(in);
-            result     = result < 0 ? static_cast<int>(EOF_IN_IF) : result;
+            if (const int status = get_buff(in))
+                return status == END_OF_INPUT ? static_cast<int>(EOF_IN_IF) : status;
             flags.line = false;
         } else if (peek(in) == '#' && !flags.line && !flags.block) {
             closed = skip_directive(in);
@@ -49,8 +51,6 @@ int skip_false_block(Input &in)
             follow_comment(flags, peek(in), in.line[in.pos + 1]);
             ++in.pos;
         }
-        if (result != OK)
-            return result;
     }
     return OK;
 }
@@ -73,31 +73,31 @@ int do_if(Input &in)
 
 } // namespace
 
-int is_if(const char *line, std::uint32_t pos) { return stands_at(line, pos, "if(") ? 1 : 0; }
+bool is_if(const char *line, std::uint32_t pos) { return stands_at(line, pos, IF_WORD) && line[pos + IF_WORD.size()] == '('; }
 
-int is_endif(const char *line, std::uint32_t pos) { return stands_at(line, pos, "endif") ? 1 : 0; }
+bool is_endif(const char *line, std::uint32_t pos) { return stands_at(line, pos, ENDIF_WORD); }
 
-int in_if0() { return IN_IF0 ? 1 : 0; }
+bool in_if0() { return IN_IF0; }
 
 int do_if_interface(Input &in) { return do_if(in); }
 
 int get_if(Input &in, float &condition)
 {
-    if (is_if(in.line, in.pos) == 0)
+    if (!is_if(in.line, in.pos))
         return BAD_IF;
-    in.pos += 3;
+    move_within_line(in, IF_WORD.size() + 1);
     skip_blanks(in);
     if (peek(in) == '$') {
         ++in.pos;
-        if (const int result = expand_macro(in); result != OK)
-            return result;
+        if (const int error = expand_macro(in))
+            return error;
     }
     if (peek(in) == '~') {
         ++in.pos;
-        if (const int result = expand_variables(in); result != OK)
-            return result;
+        if (const int error = expand_variables(in))
+            return error;
     }
-    if (!is_digit(peek(in)) || get_f(condition, in) == 0)
+    if (!is_digit(peek(in)) || !get_f(condition, in))
         return IF_NEEDS_VALUE;
     skip_blanks(in);
     if (peek(in) != ')')
@@ -108,15 +108,23 @@ int get_if(Input &in, float &condition)
 
 int do_endif(Input &in)
 {
-    if (is_endif(in.line, in.pos) == 0)
+    if (!is_endif(in.line, in.pos))
         return BAD_ENDIF;
-    in.pos += 5;
+    move_within_line(in, ENDIF_WORD.size());
     if (IF_MATCH < 1)
         return MISMATCHED_ENDIF;
     --IF_MATCH;
     return OK;
 }
 
-int ifdef_match() { return IF_MATCH == 0 ? 1 : 0; }
+bool ifdef_match() { return IF_MATCH == 0; }
+
+void reset_conditionals()
+{
+    IF_MATCH    = 0;
+    IN_IF0      = false;
+    start_level = 0;
+    value       = 0.0F;
+}
 
 } // namespace orlo

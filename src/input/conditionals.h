@@ -8,13 +8,13 @@
 namespace orlo {
 
 /// 1 when "if(" stands at a position, behind the "#".
-[[nodiscard]] int is_if(const char *line, std::uint32_t pos);
+[[nodiscard]] bool is_if(const char *line, std::uint32_t pos);
 
 /// 1 when "endif" stands at a position, behind the "#".
-[[nodiscard]] int is_endif(const char *line, std::uint32_t pos);
+[[nodiscard]] bool is_endif(const char *line, std::uint32_t pos);
 
 /// 1 while the lines of a false block are being skipped: they must be read as they are.
-[[nodiscard]] int in_if0();
+[[nodiscard]] bool in_if0();
 
 /// Opens a block at "if(" and, when its condition is 0, skips to behind the matching "endif".
 /// @return 0, 32, or 117 at the end of the input
@@ -28,6 +28,9 @@ namespace orlo {
 [[nodiscard]] int do_endif(Input &in);
 
 /// 1 when every block has been closed.
-[[nodiscard]] int ifdef_match();
+[[nodiscard]] bool ifdef_match();
+
+/// No block is open, and nothing is remembered.
+void reset_conditionals();
 
 } // namespace orlo

@@ -2,15 +2,16 @@
 
 #include "input/constants.h"
 
+#include "base/clock.h"
+#include "base/numerics.h"
+#include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
-#include "driver/run.h"
-#include "events/tempo_map.h"
 #include "input/comment_flags.h"
+#include "input/directives.h"
 #include "input/equations.h"
 #include "input/macros.h"
 #include "input/scanners.h"
-#include "output/numerics.h"
 
 #include <cmath>
 #include <cstring>
@@ -40,8 +41,8 @@ int no_such_constant(std::string_view name, const Input &in)
 // name -> letter { letter | digit | "_" }
 int get_name(std::string &name, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (!is_letter(peek(in)))
         return BAD_CONSTANT_NAME;
     for (; is_name_char(peek(in)); ++in.pos) {
@@ -58,16 +59,16 @@ int get_name(std::string &name, Input &in)
 // definition -> "const" blank name number
 int get_var(std::string &name, double &value, Input &in)
 {
-    move_within_line(in, 5); // any five characters that begin with "c"
+    move_within_line(in, CONST_WORD.size()); // any five characters that begin with "c"
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);
-    if (const int result = get_name(name, in); result != OK)
-        return result;
+    if (const int error = get_name(name, in))
+        return error;
     skip_blanks(in);
     if (peek(in) == '$')
         return MACRO_IN_CONSTANT;
-    return get_df(value, in) != 0 ? OK : NUMBER_EXPECTED;
+    return get_df(value, in) ? OK : NUMBER_EXPECTED;
 }
 
 // A value and the name that its notice shows.
@@ -116,7 +117,7 @@ std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
 // replaces the reference behind the "~" at start by its value
 int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
 {
-    if (SUPRESS == 0)
+    if (!SUPRESS)
         Mprintf("\n\tExpanding const \"%s\" (%f) into line %d...", reference.name, reference.value, in.line_no);
     char              text[FTOA_SIZE];
     const std::size_t length = FtoA(text, reference.value);
@@ -126,8 +127,8 @@ int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
 int expand_name(std::size_t start, Input &in)
 {
     double value = 0.0;
-    if (const int result = find_vname(value, in); result != OK)
-        return result;
+    if (const int error = find_vname(value, in))
+        return error;
     const std::string name{in.line + start + 1, in.pos - start - 1};
     return vexpand_in_buff({value, name.c_str()}, start, in);
 }
@@ -167,8 +168,8 @@ int parse_var(Input &in)
     try {
         std::string name;
         double      value = 0.0;
-        if (const int result = get_var(name, value, in); result != OK)
-            return result;
+        if (const int error = get_var(name, value, in))
+            return error;
         return var_list.try_emplace(name, value).second ? OK : DUPLICATE_CONSTANT;
     } catch (const std::bad_alloc &) {
         return NO_MEMORY_CONSTANT;
@@ -182,8 +183,8 @@ int parse_variables(Input &in, const DefinitionMarks &marks)
     while (peek(in) != '\0') { // each step moves on: what is inserted holds no reference
         if (peek(in) == '~' && !flags.comment && !(marks.any && marks.columns[in.pos])) {
             ++in.pos;
-            if (const int result = expand_variables(in); result != OK)
-                return result;
+            if (const int error = expand_variables(in))
+                return error;
         } else {
             follow_comment(flags, peek(in), in.line[in.pos + 1]);
             ++in.pos;

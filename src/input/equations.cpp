@@ -2,13 +2,14 @@
 
 #include "input/equations.h"
 
-#include "ddf/random.h"
+#include "base/clock.h"
+#include "base/numerics.h"
+#include "base/random.h"
+#include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
-#include "driver/run.h"
 #include "input/constants.h"
 #include "input/scanners.h"
-#include "output/numerics.h"
 
 namespace orlo {
 namespace {
@@ -56,7 +57,7 @@ void draw_random(double &value, Input &in)
 {
     ++in.pos;
     value = static_cast<double>(static_cast<float>(draw_int() % RANDOM_STEPS)) / static_cast<double>(RANDOM_STEPS);
-    if (SUPRESS == 0)
+    if (!SUPRESS)
         Mprintf("\n\tLine %d: '?' evaluated at = %f", in.line_no, value);
 }
 
@@ -67,14 +68,14 @@ int get_term(Terms &equation, Input &in)
         return BAD_EQUATION_COUNT;
     double value = 0.0;
     if (is_letter(peek(in))) {
-        if (const int result = find_vname(value, in); result != OK)
-            return result;
+        if (const int error = find_vname(value, in))
+            return error;
     } else if (peek(in) == '?') {
         draw_random(value, in);
     } else if (peek(in) == '@') {
-        if (const int result = get_time_term(value, in); result != OK)
-            return result;
-    } else if (get_df(value, in) == 0) {
+        if (const int error = get_time_term(value, in))
+            return error;
+    } else if (!get_df(value, in)) {
         return NUMBER_EXPECTED;
     }
     return add_term(equation, value);
@@ -134,8 +135,8 @@ int parse_vequation(double &value, Input &in)
     Terms equation{};
     ++in.pos;
     for (skip_blanks(in); peek(in) != ']'; skip_between_items(in))
-        if (const int result = get_item(equation, in); result != OK)
-            return result;
+        if (const int error = get_item(equation, in))
+            return error;
     if (equation.term_count != equation.operation_count + 1)
         return BAD_EQUATION_COUNT;
     value = equation.terms[0];

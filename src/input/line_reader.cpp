@@ -4,16 +4,17 @@
 
 #include "input/line_reader.h"
 
-#include "diag/messages.h"
+#include "base/switches.h"
+#include "diag/report.h"
 #include "input/conditionals.h"
 #include "input/constants.h"
 #include "input/macro_expansion.h"
+#include "platform/output_files.h"
 
 #include <cstring>
 
 namespace orlo {
 
-int        MKEXP = 0;
 std::FILE *fecho = nullptr;
 
 namespace {
@@ -38,13 +39,14 @@ bool blank_line_ends(char *line)
 int expand_line(Input &in)
 {
     DefinitionMarks marks;
-    if (const int result = parse_macros(in, marks); result > 0)
-        return result;
+    if (const int error = parse_macros(in, marks))
+        return error;
     return parse_variables(in, marks);
 }
 
 void trace_line(const char *line)
 {
+    begin_output(fecho);
     std::fputs(line, fecho);
     std::fputc('\n', fecho);
 }
@@ -57,16 +59,23 @@ int follow_directive(Input &in, bool &handled)
 
     handled = true;
     ++in.pos;
-    int result = OK;
-    if (is_if(in.line, in.pos) != 0) {
-        result = do_if_interface(in);
-    } else if (is_endif(in.line, in.pos) != 0) {
-        result = do_endif(in);
-    } else {
-        in.pos  = mark;
-        handled = false;
-    }
-    return result < 0 ? OK : result;
+    if (is_if(in.line, in.pos))
+        return do_if_interface(in);
+    if (is_endif(in.line, in.pos))
+        return do_endif(in);
+    in.pos  = mark;
+    handled = false;
+    return OK;
+}
+
+// [ comment ]
+int skip_one_comment(Input &in)
+{
+    Comment kind{};
+    if (!is_comment(in.line, in.pos, kind))
+        return OK;
+    const int status = skip_comment(in, kind);
+    return status == END_OF_INPUT ? OK : status;
 }
 
 } // namespace
@@ -78,7 +87,7 @@ int get_buff(Input &in)
     ++in.line_no;
     const bool matters = blank_line_ends(in.line);
     in.pos             = 0;
-    if (in_if0() != 0)
+    if (in_if0())
         return OK;
 
     skip_blanks(in);
@@ -89,29 +98,29 @@ int get_buff(Input &in)
             return result;
     }
     if (matters || IN_MACRO_DEF != 0) {
-        if (const int result = expand_line(in); result > 0)
-            return result;
+        if (const int error = expand_line(in))
+            return error;
     } else {
         in.pos = 0;
     }
-    if (MKEXP != 0)
+    if (MKEXP)
         trace_line(in.line);
     return OK;
 }
 
 char get_c(Input &in) { return in.line[in.pos++]; }
 
-int is_comment(const char *line, std::uint32_t pos, Comment &kind)
+bool is_comment(const char *line, std::uint32_t pos, Comment &kind)
 {
     if (line[pos] == ';') {
         kind = Comment::line;
-        return 1;
+        return true;
     }
     if (line[pos] == '/' && line[pos + 1] == '*') {
         kind = Comment::block;
-        return 1;
+        return true;
     }
-    return 0;
+    return false;
 }
 
 int skip_comment(Input &in, Comment kind)
@@ -124,8 +133,8 @@ int skip_comment(Input &in, Comment kind)
     for (int depth = 1; depth > 0;) { // each step moves on or reads a line
         const char *c = in.line + in.pos;
         if (c[0] == '\0') {
-            if (const int result = get_buff(in); result != OK)
-                return result;
+            if (const int status = get_buff(in))
+                return status;
         } else if (c[0] == '/' && c[1] == '*') {
             ++depth;
             in.pos += 2;
@@ -161,34 +170,38 @@ int skip_lines(Input &in)
             return OK;
         if (std::feof(in.stream) != 0)
             return END_OF_INPUT;
-        if (const int result = get_buff(in); result != OK)
-            return result;
+        if (const int status = get_buff(in))
+            return status;
     }
+}
+
+int skip_space(Input &in)
+{
+    const int status = skip_lines(in);
+    return status == END_OF_INPUT ? OK : status;
 }
 
 int skip_wc(Input &in)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
-    if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0)
-        if (const int result = skip_comment(in, kind); result > 0)
-            return result;
-    const int result = skip_lines(in);
-    return result < 0 ? OK : result;
+    if (const int error = skip_space(in))
+        return error;
+    if (const int error = skip_one_comment(in))
+        return error;
+    return skip_space(in);
 }
 
 int skip_stuff(Input &in)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     // directly behind a comment a "/" is a separator even when a "*" follows it
-    if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0)
-        if (const int result = skip_comment(in, kind); result > 0)
-            return result;
+    if (const int error = skip_one_comment(in))
+        return error;
     if (peek(in) == '/' || peek(in) == ',')
         ++in.pos;
-    const int result = skip_lines(in);
-    return result < 0 ? OK : result;
+    return skip_space(in);
 }
+
+void warn(const Input &in, Warning number) { warning_no(number, in.line_no, in.line, in.pos); }
 
 } // namespace orlo

@@ -2,6 +2,8 @@
 // Knows nothing of i-blocks.
 #pragma once
 
+#include "diag/messages.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -18,7 +20,6 @@ struct Input {
     char          line[LINE_SIZE + 1]; // NUL-terminated; one byte more, for a position just past the NUL
 };
 
-extern int        MKEXP; // 1: every line is traced after its expansion, 0 at start; set by the options
 extern std::FILE *fecho; // the open trace, null without one; set by the driver
 
 enum class Comment : int { line, block };
@@ -30,7 +31,7 @@ enum class Comment : int { line, block };
 /// The character at the position.
 [[nodiscard]] inline char peek(const Input &in) { return in.line[in.pos]; }
 
-/// The character at the position, which moves on by one, past the NUL too.
+/// The character at the position, which moves on by one, past the NUL too. Only tests call it.
 char get_c(Input &in);
 
 /// Character classes as they are in the default locale, for any byte.
@@ -39,8 +40,8 @@ char get_c(Input &in);
 [[nodiscard]] constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 [[nodiscard]] constexpr bool is_letter(char c) { return lower(c) >= 'a' && lower(c) <= 'z'; }
 
-/// 1 when a comment starts at the position of the line; kind says which.
-[[nodiscard]] int is_comment(const char *line, std::uint32_t pos, Comment &kind);
+/// Whether a comment starts at the position of the line; kind says which.
+[[nodiscard]] bool is_comment(const char *line, std::uint32_t pos, Comment &kind);
 
 /// Moves over a comment of the kind that starts at the position; block comments nest and may span lines.
 /// @return 0, or what get_buff said (END_OF_INPUT included) inside a block comment
@@ -56,10 +57,16 @@ void skip_blanks(Input &in);
 /// Moves over blanks and line ends. @return 0 on a character that is not blank, END_OF_INPUT, or an error
 [[nodiscard]] int skip_lines(Input &in);
 
+/// As skip_lines, for callers to whom the end of the input is no error: the position is on a NUL there. @return 0 or an error
+[[nodiscard]] int skip_space(Input &in);
+
 /// Moves over blanks, line ends and one comment. @return 0 or an error; the end of the input is no error
 [[nodiscard]] int skip_wc(Input &in);
 
 /// Moves over blanks, line ends, one comment and one separator ("," or "/"). @return 0 or an error
 [[nodiscard]] int skip_stuff(Input &in);
+
+/// Reports a warning with the line and the position where it was found, unless warnings are suppressed.
+void warn(const Input &in, Warning number);
 
 } // namespace orlo

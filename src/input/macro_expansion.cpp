@@ -4,6 +4,7 @@
 
 #include "input/macro_expansion.h"
 
+#include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "input/comment_flags.h"
@@ -93,8 +94,8 @@ int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const s
     ++pos;
     for (std::size_t i = 0; i < macro.params.size(); ++i) {
         Argument argument{macro.params[i], {}};
-        if (const int result = take_argument(argument.text, i + 1 == macro.params.size(), text, pos); result != OK)
-            return result;
+        if (const int error = take_argument(argument.text, i + 1 == macro.params.size(), text, pos))
+            return error;
         for (const Argument &earlier : arguments)
             if (earlier.name == argument.name)
                 return DUPLICATE_MACRO;
@@ -126,7 +127,7 @@ void skip_args(const std::string &text, std::size_t &pos)
 
 void announce(std::string_view name, const Input &in)
 {
-    if (SUPRESS != 0)
+    if (SUPRESS)
         return;
     const std::string text{name};
     Mprintf("\n\tExpanding macro \"%s\" into line %d...", text.c_str(), in.line_no);
@@ -148,8 +149,8 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
     for (std::size_t pos = body.find('$'); pos != std::string::npos; pos = body.find('$', pos)) { // at most MAX_EXPANSIONS
         ++pos;
         Call call{};
-        if (const int result = expand(call, body, pos, arguments, depth, in); result != OK)
-            return result;
+        if (const int error = expand(call, body, pos, arguments, depth, in))
+            return error;
         body.replace(call.start, call.end - call.start, call.body);
         if (body.size() > MAX_BODY_TEXT)
             return BODY_TOO_LONG;
@@ -180,10 +181,10 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
     call.body = what.macro != nullptr ? what.macro->body : what.argument->text;
     if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan behind the call
         std::vector<Argument> arguments;
-        if (const int result = take_arguments(arguments, *what.macro, text, pos); result != OK)
-            return result;
-        if (const int result = expand_body(call.body, arguments, depth + 1, in); result != OK)
-            return result;
+        if (const int error = take_arguments(arguments, *what.macro, text, pos))
+            return error;
+        if (const int error = expand_body(call.body, arguments, depth + 1, in))
+            return error;
     }
     announce(name, in);
     return OK;
@@ -267,8 +268,8 @@ int parse_macros(Input &in, DefinitionMarks &marks)
         bool expanded = false;
         if (IN_MACRO_DEF != 0)
             scan_definition(in, scan.flags, marks);
-        else if (const int result = scan_plain(in, scan, marks, expanded); result != OK)
-            return result;
+        else if (const int error = scan_plain(in, scan, marks, expanded))
+            return error;
         if (!expanded)
             ++in.pos;
     }
@@ -295,6 +296,13 @@ int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *t
     std::memmove(in.line + start + length, in.line + end, rest + 1);
     std::memcpy(in.line + start, text, length);
     return OK;
+}
+
+void reset_macro_expansion()
+{
+    IN_COMMENT   = false;
+    IN_MACRO_DEF = 0;
+    expansions   = {0, 0};
 }
 
 } // namespace orlo

@@ -31,4 +31,7 @@ extern int  IN_MACRO_DEF; // 0 outside a definition, else 1 plus the number of i
 /// @return 0, or 1000 when the line would become too long; the line stays as it is then
 [[nodiscard]] int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *text, std::size_t length);
 
+/// Outside comments and definitions, and no expansion has been counted.
+void reset_macro_expansion();
+
 } // namespace orlo

@@ -7,6 +7,7 @@
 #include "diag/report.h"
 #include "input/comment_flags.h"
 #include "input/conditionals.h"
+#include "input/directives.h"
 
 #include <cstring>
 #include <functional>
@@ -34,7 +35,7 @@ int too_long(const char *what, std::size_t limit, const Input &in)
 // keyword -> "define" blank
 int get_define(Input &in)
 {
-    move_within_line(in, 6); // any six characters that begin with "d"
+    move_within_line(in, DEFINE_WORD.size()); // any six characters that begin with "d"
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);
@@ -44,8 +45,8 @@ int get_define(Input &in)
 // name -> letter { letter | digit | "_" }
 int get_name(std::string &name, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (!is_letter(peek(in)))
         return BAD_MACRO_NAME;
     for (; is_name_char(peek(in)); ++in.pos) {
@@ -59,8 +60,8 @@ int get_name(std::string &name, Input &in)
 // param -> name, which a line that was too long may continue on the next
 int get_param(std::string &name, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (!is_letter(peek(in)))
         return BAD_MACRO_NAME;
     for (;;) { // each round reads a line
@@ -68,9 +69,8 @@ int get_param(std::string &name, Input &in)
             name.push_back(peek(in));
         if (peek(in) != '\0')
             return OK;
-        const int result = get_buff(in);
-        if (result != OK)
-            return result > 0 ? result : OK;
+        if (const int status = get_buff(in))
+            return status == END_OF_INPUT ? OK : status;
     }
 }
 
@@ -82,15 +82,15 @@ int get_args(Macro &macro, Input &in)
     ++in.pos;
     do { // at most MAX_MACRO_PARAMS parameters
         if (macro.params.size() == MAX_MACRO_PARAMS) {
-            const int result = skip_wc(in);
-            return result > 0 ? result : BAD_MACRO_SYNTAX;
+            const int error = skip_wc(in);
+            return error != OK ? error : BAD_MACRO_SYNTAX;
         }
         std::string name;
-        if (const int result = get_param(name, in); result != OK)
-            return result;
+        if (const int error = get_param(name, in))
+            return error;
         macro.params.push_back(std::move(name));
-        if (const int result = skip_wc(in); result > 0)
-            return result;
+        if (const int error = skip_wc(in))
+            return error;
         if (peek(in) == '#' || peek(in) == '\'' || peek(in) == ',')
             ++in.pos;
         skip_blanks(in);
@@ -104,8 +104,8 @@ int get_args(Macro &macro, Input &in)
 // comments are copied too, and hide a "#"
 int get_body(std::string &body, Input &in)
 {
-    if (const int result = skip_wc(in); result > 0)
-        return result;
+    if (const int error = skip_wc(in))
+        return error;
     if (peek(in) != '#')
         return MACRO_BODY_NEEDS_MARK;
     ++in.pos;
@@ -125,8 +125,8 @@ int get_body(std::string &body, Input &in)
             return too_long("body", MAX_MACRO_BODY, in);
         if (c == '\0') {
             flags.line = false;
-            if (const int result = get_buff(in); result != OK)
-                return result > 0 ? result : EOF_IN_MACRO_BODY;
+            if (const int status = get_buff(in))
+                return status == END_OF_INPUT ? static_cast<int>(EOF_IN_MACRO_BODY) : status;
         }
     }
 }
@@ -134,12 +134,12 @@ int get_body(std::string &body, Input &in)
 // define -> keyword name params body
 int get_macro(Macro &macro, Input &in)
 {
-    if (const int result = get_define(in); result != OK)
-        return result;
-    if (const int result = get_name(macro.name, in); result != OK)
-        return result;
-    if (const int result = get_args(macro, in); result != OK)
-        return result;
+    if (const int error = get_define(in))
+        return error;
+    if (const int error = get_name(macro.name, in))
+        return error;
+    if (const int error = get_args(macro, in))
+        return error;
     return get_body(macro.body, in);
 }
 
@@ -152,17 +152,17 @@ int store_macro(Macro &macro)
 int do_define(Input &in)
 {
     Macro macro;
-    if (const int result = get_macro(macro, in); result != OK)
-        return result;
+    if (const int error = get_macro(macro, in))
+        return error;
     return store_macro(macro);
 }
 
 // undefine -> "undef" blank name
 int do_undefine(Input &in)
 {
-    if (!resembles(in, "undef"))
+    if (!resembles(in, UNDEF_WORD))
         return BAD_DIRECTIVE;
-    move_within_line(in, 5);
+    move_within_line(in, UNDEF_WORD.size());
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);
@@ -189,8 +189,8 @@ int run_directive(Input &in)
         return get_if(in, dropped);
     }
     case 'e':
-        if (is_endif(in.line, in.pos) != 0)
-            in.pos += 5;
+        if (is_endif(in.line, in.pos))
+            move_within_line(in, ENDIF_WORD.size());
         return OK;
     default:
         return do_undefine(in);
@@ -242,7 +242,7 @@ std::string_view take_name(const char *text, std::size_t &pos)
     return {text + start, pos - start};
 }
 
-void move_within_line(Input &in, unsigned characters)
+void move_within_line(Input &in, std::size_t characters)
 {
     for (; characters > 0 && peek(in) != '\0'; --characters)
         ++in.pos;

@@ -42,7 +42,7 @@ void print_macro(const Macro &macro);
 [[nodiscard]] std::string_view take_name(const char *text, std::size_t &pos);
 
 /// Moves on by so many characters, at most to the end of the line.
-void move_within_line(Input &in, unsigned characters);
+void move_within_line(Input &in, std::size_t characters);
 
 /// True when any of the characters at the position is the letter of the keyword in the same place.
 [[nodiscard]] bool resembles(const Input &in, std::string_view keyword);

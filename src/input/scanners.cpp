@@ -3,9 +3,9 @@
 
 #include "input/scanners.h"
 
-#include "output/conversions.h"
-#include "output/midi_conversion.h"
-#include "output/numerics.h"
+#include "base/conversions.h"
+#include "base/numerics.h"
+#include "base/switches.h"
 
 namespace orlo {
 namespace {
@@ -43,11 +43,11 @@ std::uint64_t take_wrapping_digits(Input &in)
 }
 
 // real -> sign digits [ "." digits ] | sign "." digits
-template <typename Real> int get_real(Real &value, Input &in)
+template <typename Real> bool get_real(Real &value, Input &in)
 {
     bool negative = false;
     if (!take_sign(in, true, negative) && peek(in) != '.')
-        return 0;
+        return false;
 
     Real          sum     = 0;
     std::uint32_t divisor = 1; // 32 bits with wrap-around
@@ -63,92 +63,91 @@ template <typename Real> int get_real(Real &value, Input &in)
     if (sum != 0 || divisor != 0)
         sum /= static_cast<Real>(static_cast<std::int32_t>(divisor));
     value = negative ? -sum : sum;
-    return 1;
+    return true;
 }
 
 } // namespace
 
-int get_f(float &value, Input &in) { return get_real(value, in); }
+bool get_f(float &value, Input &in) { return get_real(value, in); }
 
-int get_df(double &value, Input &in) { return get_real(value, in); }
+bool get_df(double &value, Input &in) { return get_real(value, in); }
 
-int get_i(std::int32_t &value, Input &in)
+bool get_i(std::int32_t &value, Input &in)
 {
     bool negative = false;
     if (!take_sign(in, true, negative))
-        return 0;
+        return false;
     const std::uint32_t first_digit = in.pos;
-    const std::uint64_t limit       = negative ? 32768 : 32767;
+    const std::uint64_t limit       = static_cast<std::uint64_t>(negative ? -MIN_INTEGER : MAX_INTEGER);
     const std::uint64_t magnitude   = take_digits_up_to(in, limit);
     if (magnitude > limit) {
         in.pos = first_digit;
-        return 0;
+        return false;
     }
     value = static_cast<std::int32_t>(magnitude);
     if (negative)
         value = -value;
-    return 1;
+    return true;
 }
 
-int get_ui(std::uint32_t &value, Input &in)
+bool get_ui(std::uint32_t &value, Input &in)
 {
     bool negative = false;
     if (!take_sign(in, false, negative))
-        return 0;
-    const std::uint32_t     first_digit = in.pos;
-    constexpr std::uint64_t limit       = 65535;
-    const std::uint64_t     magnitude   = take_digits_up_to(in, limit);
-    if (magnitude > limit) {
+        return false;
+    const std::uint32_t first_digit = in.pos;
+    const std::uint64_t magnitude   = take_digits_up_to(in, MAX_UNSIGNED);
+    if (magnitude > MAX_UNSIGNED) {
         in.pos = first_digit;
-        return 0;
+        return false;
     }
     value = static_cast<std::uint32_t>(magnitude);
-    return 1;
+    return true;
 }
 
-int get_uli(std::uint64_t &value, Input &in)
+bool get_uli(std::uint64_t &value, Input &in)
 {
     bool negative = false;
     if (!take_sign(in, false, negative))
-        return 0;
+        return false;
     value = take_wrapping_digits(in);
-    return 1;
+    return true;
 }
 
-int get_li(std::int64_t &value, Input &in)
+bool get_li(std::int64_t &value, Input &in)
 {
     bool negative = false;
     if (!take_sign(in, true, negative))
-        return 0;
+        return false;
     const std::uint64_t magnitude = take_wrapping_digits(in);
     value                         = static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);
-    return 1;
+    return true;
 }
 
-int get_db(float &value, Input &in)
+bool get_db(float &value, Input &in)
 {
     float decibels = 0.0F;
-    if (get_f(decibels, in) == 0 || !(decibels >= 0.0F && decibels <= 96.0F))
-        return 0;
+    if (!get_f(decibels, in) || !(decibels >= 0.0F && decibels <= MAX_DECIBELS))
+        return false;
     value = static_cast<float>(db_to_amp(to_int32(static_cast<double>(decibels))));
-    return 1;
+    return true;
 }
 
-int get_oct_pc(float &value, Input &in)
+bool get_oct_pc(float &value, Input &in)
 {
     std::int32_t octave   = 0;
     float        fraction = 0.0F;
-    if (get_i(octave, in) == 0 || peek(in) != '.' || get_f(fraction, in) == 0)
-        return 0;
+    if (!get_i(octave, in) || peek(in) != '.' || !get_f(fraction, in))
+        return false;
     const std::int32_t magnitude = octave < 0 ? -octave : octave;
     const float        pitch     = static_cast<float>(magnitude * 12 - 48) + 100.0F * fraction;
-    if (MKMIDI != 0)
+    if (MKMIDI)
         value = pitch + 12.0F;
     else
         value = octave < 0 ? -pitch : pitch;
-    return 1;
+    return true;
 }
 
-int is_last_variable(const Input &in) { return lower(peek(in)) == 'z' ? 1 : 0; }
+bool is_last_variable(const Input &in) { return lower(peek(in)) == 'z'; }
 
 } // namespace orlo

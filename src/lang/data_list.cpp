@@ -5,10 +5,11 @@
 
 #include "diag/messages.h"
 #include "diag/report.h"
-#include "events/tempo_map.h"
-#include "events/timing.h"
+#include "events/block.h"
+#include "events/filling.h"
+#include "events/storing.h"
 #include "input/scanners.h"
-#include "lang/values.h"
+#include "words/values.h"
 
 namespace orlo {
 namespace {
@@ -18,65 +19,34 @@ bool is_separator(char c) { return is_blank(c) || c == '/' || c == '\'' || c == 
 // the section ends here: nothing more fits into the block
 int block_full(Section &section, const Input &in, Warning warning)
 {
-    warning_no(warning, in.line_no, in.line, in.pos);
+    warn(in, warning);
     section.done = true;
     return OK;
-}
-
-int place_start(Section &section, float value)
-{
-    const float seconds = to_tempo(value);
-    if (value == 0.0F && EVENTS == 0)
-        return ZERO_INTERVAL;
-    return store_start(section.list, value, seconds) != 0 ? OK : OUT_OF_MEMORY;
-}
-
-int place_value(Section &section, float value, const Input &in)
-{
-    if (P_NO == 2)
-        return place_start(section, value);
-    if (P_NO == 3) {
-        store_p3(section.cursor, in, value);
-        return OK;
-    }
-    return store_value_or_rest(section.list, section.cursor, value) != 0 ? OK : OUT_OF_MEMORY;
 }
 
 // value -> a number, pitch or rhythm in the section's input type
 int do_data(Section &section, Input &in)
 {
-    if (out_of_time() != 0)
+    if (out_of_time())
         return block_full(section, in, W_EVENTS_NOT_ADDED);
     section.first_value = false;
     float value         = 0.0F;
-    if (get_input_type(value, in) == 0)
+    if (!get_input_type(value, in))
         return BAD_VALUE;
     LAST_VAL = value;
-    if (IN_LOOP != 0 && StoreInQ(section.queue, IS_FUSED, value) == 0)
+    if (IN_LOOP && !StoreInQ(section.queue, IS_FUSED, value))
         return MISPLACED_LOOP;
-    if (const int result = place_value(section, value, in); result != OK)
-        return result;
+    if (const int error = store_one(section, in, value, ZeroBy::value))
+        return error;
     ++EVENT_NO;
-    return OK;
-}
-
-int repeat_chord(Section &section)
-{
-    std::uint64_t members = 0;
-    if (DoListChord(section.list, section.cursor, LUT, P_NO, MAX_PFIELDS, members) == 0)
-        return OUT_OF_MEMORY;
-    EVENTS += members;
-    EVENT_NO += members;
     return OK;
 }
 
 int repeat_last(Section &section, const Input &in)
 {
-    const bool chord_pending = P_NO > 3 && section.cursor != LUT;
-    const int  result        = chord_pending ? repeat_chord(section) : place_value(section, LAST_VAL, in);
-    if (result != OK)
-        return result;
-    if (IN_LOOP != 0 && DoQEvent(section.queue) == 0)
+    if (const int error = store_last(section, in, ZeroBy::value))
+        return error;
+    if (IN_LOOP && !DoQEvent(section.queue))
         return MISPLACED_LOOP;
     ++EVENT_NO;
     return OK;
@@ -88,10 +58,10 @@ int do_slash(Section &section, Input &in)
 {
     while (peek(in) == '/') { // each round takes a slash
         ++in.pos;
-        if (out_of_time() != 0)
+        if (out_of_time())
             return block_full(section, in, W_REPEAT_TRUNCATED);
-        if (const int result = repeat_last(section, in); result != OK)
-            return result;
+        if (const int error = repeat_last(section, in))
+            return error;
         skip_blanks(in);
     }
     return OK;
@@ -102,16 +72,16 @@ int do_x(Section &section, Input &in)
 {
     ++in.pos;
     std::uint64_t count = 0;
-    if (!is_digit(peek(in)) || get_uli(count, in) == 0)
+    if (!is_digit(peek(in)) || !get_uli(count, in))
         return X_NEEDS_DIGIT;
     const bool to_the_end = count == 0;
     for (std::uint64_t left = count - 1; left > 0; --left) { // ends with the count or the block
-        if (out_of_time() != 0)
+        if (out_of_time())
             return block_full(section, in, W_REPEAT_TRUNCATED);
         const float before = CBEATS;
-        if (const int result = repeat_last(section, in); result != OK)
-            return result;
-        if (to_the_end && p2_stands_still(before) != 0)
+        if (const int error = repeat_last(section, in))
+            return error;
+        if (to_the_end && p2_stands_still(before))
             return never_ends(in);
     }
     return OK;
@@ -155,7 +125,7 @@ int parse_pdata(Section &section, Input &in)
     const char c = peek(in);
     if (is_separator(c) || c == 'x')
         return do_separators(section, in);
-    return in_limits(c) != 0 ? do_data(section, in) : OUT_OF_BOUNDS;
+    return in_limits(c) ? do_data(section, in) : OUT_OF_BOUNDS;
 }
 
 } // namespace orlo

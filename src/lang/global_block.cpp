@@ -3,13 +3,14 @@
 
 #include "lang/global_block.h"
 
+#include "base/switches.h"
 #include "diag/messages.h"
 #include "events/tempo_map.h"
 #include "input/constants.h"
 #include "input/macros.h"
-#include "lang/keywords.h"
 #include "lang/settings.h"
 #include "lang/tempo_command.h"
+#include "words/keywords.h"
 
 namespace orlo {
 namespace {
@@ -19,12 +20,12 @@ namespace {
 int run_commands(Input &in, std::FILE *out)
 {
     skip_blanks(in);
-    while (is_gcommand(in) != 0) { // each command takes characters
+    while (is_gcommand(in)) { // each command takes characters
         std::int32_t code = 0;
-        if (get_command(code, in) == 0)
+        if (!get_command(code, in))
             return INVALID_GLOBAL;
-        if (const int result = do_gcommand(code, in, out); result > 0)
-            return result;
+        if (const int error = do_gcommand(code, in, out))
+            return error;
         skip_blanks(in);
     }
     return OK;
@@ -44,10 +45,10 @@ int read_rest(Input &in, bool &opened)
             return OK;
         }
         Comment kind{};
-        if (is_comment(in.line, in.pos, kind) == 0)
+        if (!is_comment(in.line, in.pos, kind))
             return INVALID_GLOBAL;
-        if (const int result = skip_comment(in, kind); result != OK)
-            return result == OUT_OF_MEMORY ? OUT_OF_MEMORY : MISMATCHED_COMMENTS;
+        if (const int status = skip_comment(in, kind))
+            return status == OUT_OF_MEMORY ? OUT_OF_MEMORY : MISMATCHED_COMMENTS;
     }
 }
 
@@ -56,14 +57,14 @@ int read_rest(Input &in, bool &opened)
 int parse_gblock(Input &in, std::FILE *out)
 {
     for (bool opened = false; !opened;) { // each round reads a line
-        if (const int result = get_buff(in); result != OK)
-            return result;
-        if (const int result = run_commands(in, out); result != OK)
-            return result;
-        if (const int result = read_rest(in, opened); result != OK)
-            return result;
+        if (const int status = get_buff(in))
+            return status;
+        if (const int error = run_commands(in, out))
+            return error;
+        if (const int error = read_rest(in, opened))
+            return error;
     }
-    if (SHOW_TEMPOS != 0)
+    if (SHOW_TEMPOS)
         print_tempos();
     return OK;
 }

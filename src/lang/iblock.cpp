@@ -5,34 +5,24 @@
 
 #include "diag/messages.h"
 #include "diag/report.h"
-#include "events/timing.h"
+#include "events/block.h"
+#include "events/pfields.h"
 #include "input/scanners.h"
-#include "lang/keywords.h"
 #include "lang/pfield.h"
 #include "lang/settings.h"
-
-#include <algorithm>
-#include <iterator>
+#include "words/keywords.h"
 
 namespace orlo {
 
-bool DID_P[MOST_PFIELDS + 1] = {};
-
 namespace {
 
-constexpr std::int32_t LEAST_PFIELDS = 3;
-constexpr std::int32_t MANY_PFIELDS  = 50;
-constexpr float        LATE_START    = 240.0F;
-constexpr float        LONG_DURATION = 600.0F;
-constexpr int          SEPARATORS    = 4; // between two items of the header
-
-void warn(const Input &in, Warning number) { warning_no(number, in.line_no, in.line, in.pos); }
+constexpr int SEPARATORS = 4; // between two items of the header
 
 int skip_separators(Input &in)
 {
     for (int i = 0; i < SEPARATORS; ++i)
-        if (const int result = skip_stuff(in); result > 0)
-            return result;
+        if (const int error = skip_stuff(in))
+            return error;
     return OK;
 }
 
@@ -42,16 +32,14 @@ int skip_block(Input &in)
     while (peek(in) != '}') { // each step moves on or reads a line
         Comment kind{};
         if (peek(in) == '\0') {
-            const int result = get_buff(in);
-            if (result > 0)
-                return result;
-            if (result < 0) { // nothing is left: the position moves past the line, where it reads as its end
-                in.line[++in.pos] = '\0';
-                return END_OF_INPUT;
+            if (const int status = get_buff(in)) {
+                if (status == END_OF_INPUT) // nothing is left: the position moves past the line, where it reads as its end
+                    in.line[++in.pos] = '\0';
+                return status;
             }
-        } else if (is_comment(in.line, in.pos, kind) != 0) {
-            if (const int result = pass_comment(in, kind); result != OK)
-                return result;
+        } else if (is_comment(in.line, in.pos, kind)) {
+            if (const int error = pass_comment(in, kind))
+                return error;
         } else {
             ++in.pos;
         }
@@ -64,24 +52,24 @@ int skip_block(Input &in)
 int get_i_number(Input &in)
 {
     ++in.pos;
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     if (!is_digit(peek(in)) && peek(in) != '-')
         return BAD_I_NUMBER;
-    return get_i(I_NO, in) != 0 ? OK : BAD_I_NUMBER;
+    return get_i(I_NO, in) ? OK : BAD_I_NUMBER;
 }
 
 // pfields -> "=" digits
 int get_pfield_count(Input &in)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     if (peek(in) != '=')
         return MISSING_EQUALS;
     ++in.pos;
-    if (const int result = skip_lines(in); result > 0)
-        return result;
-    if (get_i(MAX_PFIELDS, in) == 0)
+    if (const int error = skip_space(in))
+        return error;
+    if (!get_i(MAX_PFIELDS, in))
         return BAD_P_COUNT;
     if (MAX_PFIELDS < LEAST_PFIELDS || MAX_PFIELDS > MOST_PFIELDS) {
         Mprintf("\n\nERROR: Bad number of p-fields (3 - %d)\n", MOST_PFIELDS);
@@ -89,14 +77,14 @@ int get_pfield_count(Input &in)
     }
     if (MAX_PFIELDS > MANY_PFIELDS)
         warn(in, W_MANY_PFIELDS);
-    return make_pfield_record(MAX_PFIELDS) != 0 ? OK : OUT_OF_MEMORY;
+    return make_pfield_record(MAX_PFIELDS) ? OK : OUT_OF_MEMORY;
 }
 
 int get_start(Input &in)
 {
-    if (const int result = skip_separators(in); result > 0)
-        return result;
-    if (get_f(STIME, in) == 0 || STIME < 0.0F)
+    if (const int error = skip_separators(in))
+        return error;
+    if (!get_f(STIME, in) || STIME < 0.0F)
         return BAD_START_TIME;
     if (STIME > LATE_START)
         warn(in, W_LATE_START);
@@ -111,14 +99,14 @@ int get_amount(Input &in)
     BEATS  = 0.0F;
     if (peek(in) == '-') {
         ++in.pos;
-        if (get_uli(EVENTS, in) == 0)
+        if (!get_uli(EVENTS, in))
             return BAD_EVENTS;
         ETIME = -static_cast<float>(EVENTS);
         return OK;
     }
     if (!is_digit(peek(in)) && peek(in) != '+' && peek(in) != '.')
         return peek(in) == '{' ? SKIPPED_DURATION : BAD_DURATION;
-    if (get_f(BEATS, in) == 0 || BEATS < 0.0F)
+    if (!get_f(BEATS, in) || BEATS < 0.0F)
         return BAD_BEATS;
     ETIME = BEATS;
     return OK;
@@ -126,10 +114,10 @@ int get_amount(Input &in)
 
 int get_length(Input &in)
 {
-    if (const int result = skip_separators(in); result > 0)
-        return result;
-    if (const int result = get_amount(in); result != OK)
-        return result;
+    if (const int error = skip_separators(in))
+        return error;
+    if (const int error = get_amount(in))
+        return error;
     if (BEATS > MOST_BEATS) {
         Mprintf("\n\nERROR: Line %d: Maximum number of beats = %f\n", in.line_no, MOST_BEATS);
         return TEXT_REPORTED;
@@ -142,18 +130,18 @@ int get_length(Input &in)
 // header -> number pfields start length "{"
 int do_p1(Input &in)
 {
-    if (const int result = get_i_number(in); result != OK)
-        return result;
+    if (const int error = get_i_number(in))
+        return error;
     if (I_NO < 0)
         return skip_block(in);
-    if (const int result = get_pfield_count(in); result != OK)
-        return result;
-    if (const int result = get_start(in); result != OK)
-        return result;
-    if (const int result = get_length(in); result != OK)
-        return result;
-    if (const int result = skip_separators(in); result > 0)
-        return result;
+    if (const int error = get_pfield_count(in))
+        return error;
+    if (const int error = get_start(in))
+        return error;
+    if (const int error = get_length(in))
+        return error;
+    if (const int error = skip_separators(in))
+        return error;
     if (peek(in) != '{')
         return MISSING_OPEN_BRACE;
     ++in.pos;
@@ -177,16 +165,16 @@ int check_pfield_number()
 // section -> "p" digits body
 int do_section(Input &in, Event *&list)
 {
-    if (IN_LOOP != 0)
+    if (IN_LOOP)
         warn(in, W_LOOP_TERMINATED);
     ++in.pos;
-    if (get_i(P_NO, in) == 0)
+    if (!get_i(P_NO, in))
         return BAD_P_NUMBER;
-    if (const int result = check_pfield_number(); result != OK)
-        return result;
+    if (const int error = check_pfield_number())
+        return error;
     reset_pfield(list);
-    if (const int result = do_pN(in, list); result != OK)
-        return result;
+    if (const int error = do_pN(in, list))
+        return error;
     DID_P[P_NO] = true;
     if (P_NO == 2)
         EVENTS = EVENT_NO;
@@ -197,26 +185,40 @@ int do_section(Input &in, Event *&list)
 int do_block_commands(Input &in)
 {
     for (;;) { // each round takes a command or a comment
-        if (const int result = skip_lines(in); result != OK)
-            return result;
-        if (is_pfield(in) != 0)
+        if (const int status = skip_lines(in))
+            return status;
+        if (is_pfield(in))
             return OK;
-        if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0) {
-            if (const int result = pass_comment(in, kind); result != OK)
-                return result;
+        if (Comment kind{}; is_comment(in.line, in.pos, kind)) {
+            if (const int error = pass_comment(in, kind))
+                return error;
             continue;
         }
-        if (is_command(in) == 0)
+        if (!is_command(in))
             return INVALID_IBLOCK;
         std::int32_t code = 0;
-        if (get_command(code, in) == 0)
+        if (!get_command(code, in))
             return INVALID_COMMAND;
         if (code != CMD_RS && code != CMD_RD)
             return BAD_VALUE;
-        const int result = code == CMD_RS ? set_rand_seed(in) : set_rand_dev(in);
-        if (result != OK)
-            return result;
+        if (const int error = code == CMD_RS ? set_rand_seed(in) : set_rand_dev(in))
+            return error;
     }
+}
+
+// one part of a block, or the next line
+int do_part(Input &in, Event *&list)
+{
+    if (peek(in) == '\0')
+        return get_buff(in);
+    if (is_pfield(in))
+        return do_section(in, list);
+    if (peek(in) != 'i')
+        return do_block_commands(in);
+    const int status = do_p1(in);
+    if (status == END_OF_INPUT)
+        warn(in, W_BLOCK_SKIPPED);
+    return status;
 }
 
 // end -> "}"
@@ -234,25 +236,13 @@ int end_block(Input &in)
 // block -> { header | section | block-commands } end
 int parse_iblock(Input &in, Event *&list)
 {
-    std::fill(std::begin(DID_P), std::end(DID_P), false);
+    clear_pfields_done();
     for (;;) { // each round takes a part of the block or reads a line
         skip_blanks(in);
-        int result = OK;
-        if (peek(in) == '\0') {
-            result = get_buff(in);
-        } else if (peek(in) == 'i') {
-            result = do_p1(in);
-            if (result < 0)
-                warning_no(W_BLOCK_SKIPPED, in.line_no, in.line, in.pos);
-        } else if (is_pfield(in) != 0) {
-            result = do_section(in, list);
-        } else if (peek(in) == '}') {
+        if (peek(in) == '}')
             return end_block(in);
-        } else {
-            result = do_block_commands(in);
-        }
-        if (result != OK)
-            return result;
+        if (const int status = do_part(in, list))
+            return status;
     }
 }
 

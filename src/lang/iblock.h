@@ -4,12 +4,14 @@
 #include "events/event_list.h"
 #include "input/line_reader.h"
 
+#include <cstdint>
+
 namespace orlo {
 
-inline constexpr std::int32_t MOST_PFIELDS = 128;
-inline constexpr float        MOST_BEATS   = 10000.0F;
-
-extern bool DID_P[MOST_PFIELDS + 1]; // by p-field number: its section is complete; cleared at the start of every block
+inline constexpr float        MOST_BEATS    = 10000.0F; // of a block
+inline constexpr std::int32_t MANY_PFIELDS  = 50;       // more, and a warning is given
+inline constexpr float        LATE_START    = 240.0F;   // beats; from a later start a warning is given
+inline constexpr float        LONG_DURATION = 600.0F;   // beats; of a longer block a warning is given
 
 /// Reads an i-block from its "i" and fills the event list.
 /// @return 0 behind the "}", END_OF_INPUT (also behind a skipped block), or an error

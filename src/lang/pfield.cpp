@@ -4,18 +4,19 @@
 #include "lang/pfield.h"
 
 #include "ddf/ddf.h"
-#include "ddf/second_order.h"
 #include "diag/messages.h"
 #include "diag/report.h"
-#include "events/timing.h"
+#include "events/block.h"
+#include "events/filling.h"
+#include "events/pfields.h"
 #include "lang/data_list.h"
-#include "lang/keywords.h"
 #include "lang/settings.h"
+#include "words/keywords.h"
 
 namespace orlo {
 namespace {
 
-bool at_section_end(const Input &in) { return is_pfield(in) != 0 || peek(in) == '}'; }
+bool at_section_end(const Input &in) { return is_pfield(in) || peek(in) == '}'; }
 
 // the next line of a section, which may not be the last of the input
 int next_line(Input &in)
@@ -31,14 +32,14 @@ int get_output_type(Input &in)
     if (peek(in) != '(')
         return OK;
     ++in.pos;
-    if (const int result = skip_lines(in); result > 0)
-        return result;
-    if (is_out_type(in) == 0 || get_command(OUT_TYPE, in) == 0)
+    if (const int error = skip_space(in))
+        return error;
+    if (!is_out_type(in) || !get_command(OUT_TYPE, in))
         return BAD_OUTPUT_TYPE;
     if (P_NO <= 3 && OUT_TYPE != TYPE_RE)
         return MUST_OUTPUT_FLOATS;
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     if (peek(in) != ')')
         return MISSING_PAREN;
     ++in.pos;
@@ -59,20 +60,20 @@ int set_input_type(std::int32_t code)
 int run_command(Section &section, Input &in)
 {
     std::int32_t code = 0;
-    if (get_command(code, in) == 0)
+    if (!get_command(code, in))
         return INVALID_COMMAND;
-    return is_input_code(code) != 0 ? set_input_type(code) : do_commands(code, section, in);
+    return is_input_code(code) ? set_input_type(code) : do_commands(code, section, in);
 }
 
 // item -> command | comment | "<" | ">" | literal data
 int do_item(Section &section, Input &in)
 {
-    if (is_command(in) != 0)
+    if (is_command(in))
         return run_command(section, in);
-    if (Comment kind{}; is_comment(in.line, in.pos, kind) != 0)
+    if (Comment kind{}; is_comment(in.line, in.pos, kind))
         return pass_comment(in, kind);
     if (peek(in) == '<' || peek(in) == '>') {
-        if (set_loop(peek(in)) == 0)
+        if (!set_loop(peek(in)))
             return BAD_LOOP;
         ++in.pos;
         return OK;
@@ -80,40 +81,34 @@ int do_item(Section &section, Input &in)
     return parse_pdata(section, in);
 }
 
-// passes over what does not fit into the block, up to the section's end
-int pass_rest(Input &in)
+// one step over what does not fit into the block
+int pass_on(Input &in)
 {
-    while (!at_section_end(in)) { // each step moves on or reads a line
-        int     result = OK;
-        Comment kind{};
-        if (peek(in) == '\0')
-            result = next_line(in);
-        else if (is_comment(in.line, in.pos, kind) != 0)
-            result = pass_comment(in, kind);
-        else
-            ++in.pos;
-        if (result != OK)
-            return result;
-    }
+    if (peek(in) == '\0')
+        return next_line(in);
+    if (Comment kind{}; is_comment(in.line, in.pos, kind))
+        return pass_comment(in, kind);
+    ++in.pos;
+    return OK;
+}
+
+// one step: what stands between items, or an item
+int do_step(Section &section, Input &in)
+{
+    if (peek(in) == '\0')
+        return next_line(in);
+    if (!is_blank(peek(in)))
+        return do_item(section, in);
+    skip_blanks(in);
     return OK;
 }
 
 // body -> { item }
 int do_body(Section &section, Input &in)
 {
-    while (!at_section_end(in)) { // each step moves on or reads a line
-        if (section.done)
-            return pass_rest(in);
-        int result = OK;
-        if (peek(in) == '\0')
-            result = next_line(in);
-        else if (is_blank(peek(in)))
-            skip_blanks(in);
-        else
-            result = do_item(section, in);
-        if (result != OK)
-            return result;
-    }
+    while (!at_section_end(in)) // each step moves on or reads a line
+        if (const int error = section.done ? pass_on(in) : do_step(section, in))
+            return error;
     return OK;
 }
 
@@ -123,14 +118,14 @@ int do_pfield(Section &section, Input &in)
     const std::uint64_t events_before = EVENTS;
     if (P_NO > 2)
         LUT = section.list;
-    if (const int result = do_body(section, in); result != OK)
-        return result;
-    if (WROTE_DATA == 0) {
+    if (const int error = do_body(section, in))
+        return error;
+    if (!WROTE_DATA) {
         Mprintf("\nERROR: P%d is blank ... OY!\n\n", P_NO);
         return FULLY_REPORTED;
     }
-    if (const int result = fill_to_end(section.list, section.cursor, section.queue, in); result != OK)
-        return result;
+    if (const int error = fill_to_end(section, in))
+        return error;
     if (P_NO > 2 && ETIME < 0.0F && EVENTS != events_before)
         Mprintf("\n\tP%d: Fused data changed \"events\" from %d to %d", P_NO, events_before, EVENTS);
     return OK;
@@ -140,12 +135,12 @@ int do_pfield(Section &section, Input &in)
 
 int do_pN(Input &in, Event *&list)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     const auto slot = static_cast<std::size_t>(P_NO - 2);
     RE_FW[slot]     = RE_FW_DEFAULT;
-    if (const int result = get_output_type(in); result != OK)
-        return result;
+    if (const int error = get_output_type(in))
+        return error;
     OUTS[slot] = OUT_TYPE;
 
     Section   section{list, list, nullptr, true, false};
@@ -157,8 +152,6 @@ int do_pN(Input &in, Event *&list)
 int do_commands(std::int32_t code, Section &section, Input &in)
 {
     switch (code) {
-    case CMD_S2:
-        return do_S2(section, in);
     case CMD_DV:
         return set_rand_dev2(in);
     case CMD_PF:

@@ -2,13 +2,13 @@
 
 #include "lang/settings.h"
 
-#include "ddf/random.h"
+#include "base/conversions.h"
+#include "base/random.h"
+#include "base/switches.h"
 #include "diag/messages.h"
-#include "diag/report.h"
-#include "events/timing.h"
+#include "events/block.h"
 #include "input/scanners.h"
-#include "output/conversions.h"
-#include "output/midi_conversion.h"
+#include "platform/output_files.h"
 
 #include <cstring>
 
@@ -19,19 +19,18 @@ namespace {
 // up to the value
 int open_command(Input &in)
 {
-    if (const int result = good_cmd_format(in); result != OK)
-        return result;
+    if (const int error = good_cmd_format(in))
+        return error;
     ++in.pos;
-    const int result = skip_lines(in);
-    return result > 0 ? result : OK;
+    return skip_space(in);
 }
 
 // command -> name "(" value ")"
 // from behind the value
 int close_command(Input &in)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     if (peek(in) != ')')
         return MISSING_PAREN;
     ++in.pos;
@@ -40,12 +39,12 @@ int close_command(Input &in)
 
 int set_deviation(float &deviation, Input &in)
 {
-    if (const int result = open_command(in); result != OK)
-        return result;
-    if (get_f(deviation, in) == 0 || deviation < 0.0F || deviation > 100.0F)
+    if (const int error = open_command(in))
+        return error;
+    if (!get_f(deviation, in) || deviation < 0.0F || deviation > MAX_DEVIATION)
         return BAD_DEVIATION;
-    if (deviation > 1.0F)
-        warning_no(W_LARGE_DEVIATION, in.line_no, in.line, in.pos);
+    if (deviation > LARGE_DEVIATION)
+        warn(in, W_LARGE_DEVIATION);
     return close_command(in);
 }
 
@@ -53,17 +52,17 @@ int set_deviation(float &deviation, Input &in)
 
 int good_cmd_format(Input &in)
 {
-    if (const int result = skip_lines(in); result > 0)
-        return result;
+    if (const int error = skip_space(in))
+        return error;
     return peek(in) == '(' ? OK : BAD_COMMAND_FORMAT;
 }
 
 int set_rand_seed(Input &in)
 {
-    if (const int result = open_command(in); result != OK)
-        return result;
+    if (const int error = open_command(in))
+        return error;
     std::uint32_t seed = 0;
-    if (get_ui(seed, in) == 0)
+    if (!get_ui(seed, in))
         return BAD_SEED;
     seed_draws(seed);
     return close_command(in);
@@ -75,9 +74,9 @@ int set_rand_dev2(Input &in) { return set_deviation(MAX_DEV2, in); }
 
 int set_samp_rate(Input &in)
 {
-    if (const int result = open_command(in); result != OK)
-        return result;
-    if (get_uli(SRATE, in) == 0)
+    if (const int error = open_command(in))
+        return error;
+    if (!get_uli(SRATE, in))
         return BAD_SAMPLING_RATE;
     return close_command(in);
 }
@@ -86,9 +85,9 @@ int set_pfactor(Input &in)
 {
     if (P_NO == 2)
         return PFACTOR_NOT_IN_P2;
-    if (const int result = open_command(in); result != OK)
-        return result;
-    if (get_f(PFACTOR, in) == 0)
+    if (const int error = open_command(in))
+        return error;
+    if (!get_f(PFACTOR, in))
         return BAD_PFACTOR;
     return close_command(in);
 }
@@ -96,7 +95,8 @@ int set_pfactor(Input &in)
 void do_direct_out(Input &in, std::FILE *out)
 {
     const char *rest = in.line + in.pos;
-    if (MKMIDI == 0) {
+    if (!MKMIDI) {
+        begin_output(out);
         std::fputc('\n', out);
         std::fputs(rest, out);
     }

@@ -8,11 +8,14 @@
 
 namespace orlo {
 
+inline constexpr float MAX_DEVIATION   = 100.0F; // a fraction of the value
+inline constexpr float LARGE_DEVIATION = 1.0F;   // above it a warning is given
+
 /// Moves to the "(" behind a command's name, over blanks and line ends. @return 0 on it, or 96
 [[nodiscard]] int good_cmd_format(Input &in);
 
-[[nodiscard]] int set_rand_seed(Input &in); ///< "rs": seeds the draws, 0 to 65535, at once (29)
-[[nodiscard]] int set_rand_dev(Input &in);  ///< "rd": MAX_DEV, 0 to 100, a warning above 1 (28)
+[[nodiscard]] int set_rand_seed(Input &in); ///< "rs": seeds the draws, 0 to MAX_UNSIGNED, at once (29)
+[[nodiscard]] int set_rand_dev(Input &in);  ///< "rd": MAX_DEV, 0 to MAX_DEVIATION (28)
 [[nodiscard]] int set_rand_dev2(Input &in); ///< "dv": MAX_DEV2, as "rd" (28)
 [[nodiscard]] int set_samp_rate(Input &in); ///< "sr": SRATE in Hz (65)
 [[nodiscard]] int set_pfactor(Input &in);   ///< "pf": PFACTOR (125), not in p2 (126)

@@ -2,23 +2,18 @@
 
 #include "lang/tempo_command.h"
 
-#include "ddf/curves.h"
+#include "base/curves.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "events/tempo_map.h"
 #include "input/scanners.h"
 #include "lang/settings.h"
+#include "words/curve_letters.h"
 
 namespace orlo {
 namespace {
 
-constexpr float FAST_TEMPO   = 300.0F;
-constexpr float SLOW_TEMPO   = 30.0F;
-constexpr float LATE_BEAT    = 600.0F;
-constexpr float SIMPLE_END   = 1000.0F; // end of the segment of the short form, in beats
-constexpr float SQUARE_CURVE = 1.0F;    // code of the curve when none is given
-
-void warn(const Input &in, Warning number) { warning_no(number, in.line_no, in.line, in.pos); }
+constexpr float SIMPLE_END = 1000.0F; // end of the segment of the short form, in beats
 
 void warn_of_tempo(const Input &in, float tempo, Warning fast, Warning slow)
 {
@@ -31,39 +26,37 @@ void warn_of_tempo(const Input &in, float tempo, Warning fast, Warning slow)
 // term -> number, with the blanks and line ends behind it
 int get_term(Input &in, float &value, int error)
 {
-    if (get_f(value, in) == 0)
+    if (!get_f(value, in))
         return error;
-    const int result = skip_lines(in);
-    return result > 0 ? result : OK;
+    return skip_space(in);
 }
 
 // terms -> stime etime stempo etempo [ curve ]
 // from behind the first
 int get_terms(Input &in, TempoSegment &segment)
 {
-    if (const int result = get_term(in, segment.etime, TE_BAD_TERM2); result != OK)
-        return result;
-    if (const int result = get_term(in, segment.stempo, TE_BAD_TERM3); result != OK)
-        return result;
-    if (const int result = get_term(in, segment.etempo, TE_BAD_TERM4); result != OK)
-        return result;
+    if (const int error = get_term(in, segment.etime, TE_BAD_TERM2))
+        return error;
+    if (const int error = get_term(in, segment.stempo, TE_BAD_TERM3))
+        return error;
+    if (const int error = get_term(in, segment.etempo, TE_BAD_TERM4))
+        return error;
     if (!is_letter(peek(in)))
         return OK;
-    if (const int result = get_curve_type(in, segment.type, segment.vcurve, false); result != OK)
-        return result;
-    const int result = skip_lines(in);
-    return result > 0 ? result : OK;
+    if (const int error = get_curve_type(in, segment.type, segment.vcurve, false))
+        return error;
+    return skip_space(in);
 }
 
 int check_ranges(const TempoSegment &segment)
 {
-    if (good_time(segment.stime) == 0)
+    if (!good_time(segment.stime))
         return TE_START_TIME_RANGE;
-    if (good_time(segment.etime) == 0)
+    if (!good_time(segment.etime))
         return TE_END_TIME_RANGE;
-    if (good_tempo(segment.stempo) == 0)
+    if (!good_tempo(segment.stempo))
         return TE_START_TEMPO_RANGE;
-    if (good_tempo(segment.etempo) == 0)
+    if (!good_tempo(segment.etempo))
         return TE_END_TEMPO_RANGE;
     return segment.stime > segment.etime ? TE_TIMES_BACKWARDS : OK;
 }
@@ -81,9 +74,9 @@ void warn_of_segment(const Input &in, const TempoSegment &segment)
 // short-form -> "te" "(" tempo ")"
 int store_simple(Input &in, float tempo)
 {
-    if (good_tempo(tempo) == 0)
+    if (!good_tempo(tempo))
         return BAD_TEMPO;
-    const TempoSegment segment{0.0F, tempo, SIMPLE_END, tempo, 0.0F, TEMPO_LIST[0].vcurve};
+    const TempoSegment segment{0.0F, tempo, SIMPLE_END, tempo, static_cast<float>(Curve::line), TEMPO_LIST[0].vcurve};
     warn_of_tempo(in, tempo, W_TEMPO1_FAST, W_TEMPO1_SLOW);
     static_cast<void>(add_tempo(segment)); // replaces the first segment, which always exists
     return OK;
@@ -92,13 +85,13 @@ int store_simple(Input &in, float tempo)
 // long-form -> "te" "(" terms ")"
 int store_change(Input &in, float stime)
 {
-    TempoSegment segment{stime, 0.0F, 0.0F, 0.0F, SQUARE_CURVE, 1.0F};
-    if (const int result = get_terms(in, segment); result != OK)
-        return result;
-    if (const int result = check_ranges(segment); result != OK)
-        return result;
+    TempoSegment segment{stime, 0.0F, 0.0F, 0.0F, static_cast<float>(Curve::square), 1.0F};
+    if (const int error = get_terms(in, segment))
+        return error;
+    if (const int error = check_ranges(segment))
+        return error;
     warn_of_segment(in, segment);
-    if (add_tempo(segment) == 0) {
+    if (!add_tempo(segment)) {
         Mprintf("\n\nERROR: Too many tempo changes! (Max = %d)\n", MAX_TEMPOS);
         return TEXT_REPORTED;
     }
@@ -109,15 +102,14 @@ int store_change(Input &in, float stime)
 
 int get_tempo_change(Input &in)
 {
-    if (const int result = good_cmd_format(in); result != OK)
-        return result;
+    if (const int error = good_cmd_format(in))
+        return error;
     ++in.pos;
     float first = 0.0F;
-    if (const int result = get_term(in, first, TE_BAD_TERM1); result != OK)
-        return result;
-    const int result = peek(in) == ')' ? store_simple(in, first) : store_change(in, first);
-    if (result != OK)
-        return result;
+    if (const int error = get_term(in, first, TE_BAD_TERM1))
+        return error;
+    if (const int error = peek(in) == ')' ? store_simple(in, first) : store_change(in, first))
+        return error;
     ++in.pos;
     check_tempos();
     return OK;

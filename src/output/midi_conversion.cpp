@@ -5,18 +5,16 @@
 
 #include "output/midi_conversion.h"
 
+#include "base/numerics.h"
 #include "diag/report.h"
-#include "events/timing.h"
-#include "events/value_queue.h"
-#include "output/numerics.h"
+#include "events/block.h"
+#include "output/midi_numbers.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
 namespace orlo {
-
-int MKMIDI = 0;
 
 namespace {
 
@@ -102,19 +100,6 @@ void push(PendingHeap &heap, Event *off, std::uint64_t number)
     std::push_heap(heap.items, heap.items + heap.count, comes_later);
 }
 
-// what is not in the track yet is freed; the track is left to the driver
-Event *join(Track &track, Event *rest, PendingHeap &heap)
-{
-    while (heap.count > 0)
-        FreeEvent(heap.items[--heap.count].event);
-    while (rest != nullptr) {
-        Event *next = rest->next;
-        FreeEvent(rest);
-        rest = next;
-    }
-    return track.tail;
-}
-
 // converts a list that has been cut open in front of its head
 int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
 {
@@ -125,10 +110,8 @@ int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
         note->code  = NOTE_ON;
         append(track, note);
         Event *off = make_note_off(note, n);
-        if (off == nullptr) {
-            track.tail = join(track, next, heap);
+        if (off == nullptr)
             return -1;
-        }
         if (std::isnan(off->start)) // comes after nothing
             append(track, off);
         else
@@ -142,18 +125,12 @@ int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
 
 } // namespace
 
-std::uint64_t ticks(float seconds)
-{
-    const float count = seconds * TICKS_PER_SECOND;
-    return count < 0.0F ? 0 : to_uint64(static_cast<double>(count));
-}
-
 int List2MIDI(Event *&list, std::int32_t n, std::uint64_t &length)
 {
     length = 0;
     if (list == nullptr)
         return 0;
-    if (RemoveRests(list) == 0) {
+    if (!RemoveRests(list)) {
         Mprintf("\n\nOops i-block %d is all rests! ", I_NO);
         return 0;
     }

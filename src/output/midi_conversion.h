@@ -7,13 +7,6 @@
 
 namespace orlo {
 
-extern int MKMIDI; // 1: a MIDI file is made instead of a score, 0 at start; set by the options
-
-inline constexpr float TICKS_PER_SECOND = 480.0F;
-
-/// Seconds as ticks, truncated; a negative time gives 0, one that is no number or out of range 2^63.
-[[nodiscard]] std::uint64_t ticks(float seconds);
-
 /// Converts a list in place: rests are dropped, every event becomes a note-on with a note-off at its end; p4 becomes the velocity,
 /// p5 the key. Each event is traced on the screen.
 /// @param n p-fields of an event

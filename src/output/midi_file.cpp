@@ -2,9 +2,8 @@
 
 #include "output/midi_file.h"
 
-#include "events/value_queue.h"
-#include "output/midi_conversion.h"
-#include "output/numerics.h"
+#include "base/numerics.h"
+#include "output/midi_numbers.h"
 
 namespace orlo {
 namespace {
@@ -85,13 +84,6 @@ void NoteOn(std::FILE *out, std::uint64_t delta, std::int32_t key, std::int32_t 
 void NoteOff(std::FILE *out, std::uint64_t delta, std::int32_t key, std::int32_t channel)
 {
     put_event(out, delta, NOTE_OFF_STATUS + channel, key, RELEASE_VELOCITY);
-}
-
-void WriteVarLen(std::uint64_t value, std::FILE *out)
-{
-    for (unsigned group = VLSize(value) - 1; group > 0; --group)
-        std::putc(static_cast<int>((value >> (7 * group) & 0x7F) | 0x80), out);
-    std::putc(static_cast<int>(value & 0x7F), out);
 }
 
 } // namespace orlo

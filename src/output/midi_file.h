@@ -24,7 +24,4 @@ void PutTrkHeader(std::FILE *out, std::uint64_t length);
 void NoteOn(std::FILE *out, std::uint64_t delta, std::int32_t key, std::int32_t velocity, std::int32_t channel);
 void NoteOff(std::FILE *out, std::uint64_t delta, std::int32_t key, std::int32_t channel);
 
-/// A number as a variable-length quantity: seven bits a byte, most significant first, the top bit set in all but the last.
-void WriteVarLen(std::uint64_t value, std::FILE *out);
-
 } // namespace orlo

@@ -2,13 +2,12 @@
 
 #include "output/score_writer.h"
 
+#include "base/conversions.h"
+#include "base/number_text.h"
+#include "base/numerics.h"
 #include "diag/report.h"
-#include "events/timing.h"
-#include "lang/iblock.h"
-#include "lang/keywords.h"
-#include "output/conversions.h"
-#include "output/number_text.h"
-#include "output/numerics.h"
+#include "events/block.h"
+#include "events/pfields.h"
 
 namespace orlo {
 namespace {
@@ -94,13 +93,13 @@ void put_event(Lines &lines, const Event *event, std::int32_t n)
 
 } // namespace
 
-int print_csound(Event *&list, std::FILE *out, std::int32_t n)
+bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
 {
     if (list == nullptr)
-        return 0;
-    if (RemoveRests(list) == 0) {
+        return false;
+    if (!RemoveRests(list)) {
         Mprintf("\n\nOops i-block %d is all rests (check p2=0 and p3 != 400+n OR 1000+n?)! ", I_NO);
-        return 0;
+        return false;
     }
     Lines lines;
     lines.out = out;
@@ -113,7 +112,7 @@ int print_csound(Event *&list, std::FILE *out, std::int32_t n)
     } while (event != list);
     flush(lines);
     std::fputc('\n', out);
-    return 1;
+    return true;
 }
 
 } // namespace orlo

@@ -10,7 +10,7 @@ namespace orlo {
 /// Drops the rests from a list and writes a line for every event that is left, each p-field in its output type.
 /// Write errors are left to the stream's error flag.
 /// @param n p-fields of an event
-/// @return 1 when lines were written, 0 for a list that is empty or all rests (which is empty then, and told on the screen)
-[[nodiscard]] int print_csound(Event *&list, std::FILE *out, std::int32_t n);
+/// @return false for a list that is empty or all rests (which is empty then, and told on the screen)
+[[nodiscard]] bool print_csound(Event *&list, std::FILE *out, std::int32_t n);
 
 } // namespace orlo

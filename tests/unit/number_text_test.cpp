@@ -1,6 +1,6 @@
 // Numbers as text: compared with the C library.
 
-#include "output/number_text.h"
+#include "base/number_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "output/numerics.h"
+#include "base/numerics.h"
 
-#include "ddf/random.h"
+#include "base/random.h"
 
 #include <gtest/gtest.h>
 
@@ -184,6 +184,15 @@ TEST(Mod, WhatIsNotFiniteGivesNoNumber)
 }
 
 TEST(Mod, AnInfiniteDivisorEnds) { EXPECT_TRUE(std::isnan(mod(5.0F, FLOAT_INF))); } // 5 - infinity * 0
+
+TEST(Swapf, TwoNumbersAreExchanged)
+{
+    float a = 1.0F;
+    float b = 2.0F;
+    swapf(a, b);
+    EXPECT_EQ(2.0F, a);
+    EXPECT_EQ(1.0F, b);
+}
 
 } // namespace
 } // namespace orlo

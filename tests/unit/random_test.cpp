@@ -1,4 +1,4 @@
-#include "ddf/random.h"
+#include "base/random.h"
 
 #include "support.h"
 

@@ -1,6 +1,6 @@
 #include "driver/run.h"
 
-#include "driver/temporary_file.h"
+#include "platform/temporary_file.h"
 #include "support.h"
 
 #include <sys/resource.h>

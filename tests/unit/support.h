@@ -1,7 +1,7 @@
 // What the unit tests share: lines to scan, the screen as text, places in the sequence of draws.
 #pragma once
 
-#include "ddf/random.h"
+#include "base/random.h"
 #include "input/line_reader.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,21 @@
+#include "base/clock.h"
+
+namespace orlo {
+namespace {
+
+constexpr float START_TEMPO = 60.0F;
+
+} // namespace
+
+double CUM_TIME    = 0.0;
+double LAST_IB_DUR = 0.0;
+float  TEMPO       = START_TEMPO;
+
+void reset_clock()
+{
+    CUM_TIME    = 0.0;
+    LAST_IB_DUR = 0.0;
+    TEMPO       = START_TEMPO;
+}
+
+} // namespace orlo

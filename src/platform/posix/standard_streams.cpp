@@ -1,0 +1,21 @@
+#include "platform/standard_streams.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace orlo {
+
+void secure_standard_streams()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    int number = 0;
+    do // ends behind the standard streams, or when no file can be opened
+        number = open("/dev/null", O_RDWR);
+    while (number >= 0 && number <= STDERR_FILENO);
+    if (number >= 0)
+        close(number);
+}
+
+} // namespace orlo

@@ -1,0 +1,10 @@
+// The standard streams and the signals that writing can raise.
+#pragma once
+
+namespace orlo {
+
+/// Opens the standard streams that are closed on nothing: a file must not take the number of one, or it would receive what is meant
+/// for the screen. From here on a pipe that is closed, or a file at its limit of size, is an error of writing.
+void secure_standard_streams();
+
+} // namespace orlo
