@@ -28,6 +28,8 @@ MANY_EVENTS = b"i1 = 3 0 -5000 {\np2 1\np3 1\n}\n"  # a long score
 MANY_NOTICES = b"#define m(a) #$a#\n" + 5000 * b"$m( )\n" + PIECE  # a long log
 MANY_LINES = 5000 * b"; a line that the trace repeats as it is\n" + PIECE  # a long trace
 LONG_WORK = b"i1 = 4 0 -1000 {\np2 1\np3 1\np4 rw(T 1 0 1 .0000001 .5)\n}\n"
+GREEDY = b"i1 = 3 0 -1000000000000 {\np2 1\np3 1\n}\n"  # more events than any machine has memory for
+NO_MEMORY = b"\nERROR: Line 3: Yikes, out of memory!\np3 1 \n^\n"
 
 orlo, megabytes = None, None
 checks = {}  # name: function
@@ -229,12 +231,71 @@ def without_sanitizers():
 def memory_is_limited_to_what_the_system_has():
     """More events than there is memory for end the run with a message, not by the system's hand."""
     without_sanitizers()
-    write("in.orlo", b"i1 = 3 0 -1000000000000 {\np2 1\np3 1\n}\n")
+    write("in.orlo", GREEDY)
     for lines in b"MemAvailable:   64000 kB\nSwapFree:   0 kB\n", b"MemAvailable:   32000 kB\nSwapFree:   32000 kB\n":
         write("meminfo", b"MemTotal:  100000 kB\n" + lines)
         result = run("in.orlo", "out.sco", through=with_mount("mount --bind meminfo /proc/meminfo"))
-        expect(result, 1, b"\nERROR: Line 3: Yikes, out of memory!\np3 1 \n^\n")
+        expect(result, 1, NO_MEMORY)
     check_memory()
+
+
+@check
+def memory_is_limited_to_what_a_made_up_group_leaves():
+    """A control group of version 2, where nothing but its files is made: the limit is that of an ancestor, less what it holds."""
+    without_sanitizers()
+    write("in.orlo", GREEDY)
+    folder = os.path.realpath("groups")
+    os.makedirs("groups/one/two")
+    write("groups/one/memory.max", b"%d\n" % (200 << 20))
+    write("groups/one/memory.current", b"%d\n" % (190 << 20))
+    write("groups/one/memory.stat", b"anon 0\nactive_file %d\ninactive_file %d\n" % (10 << 20, 20 << 20))
+    write("mountinfo", b"25 23 0:23 / %s rw - cgroup2 cgroup2 rw\n" % folder.encode())
+    write("cgroup", b"0::/one/two\n")
+    mount = "mount --bind mountinfo /proc/$$/mountinfo && mount --bind cgroup /proc/$$/cgroup"
+    expect(run("in.orlo", "out.sco", through=with_mount(mount)), 1, NO_MEMORY)
+    check_memory()
+
+
+def make_group(mebibytes):
+    """A control group in that of this process, by which the system itself limits memory; returns its folder."""
+    with open("/proc/self/cgroup", encoding="utf-8") as lines:
+        groups = {controllers: path for _, controllers, path in (line.rstrip("\n").split(":", 2) for line in lines)}
+    kinds = ("memory", "/sys/fs/cgroup/memory", "memory.limit_in_bytes"), ("", "/sys/fs/cgroup", "memory.max")
+    for controllers, hierarchy, limit in kinds:
+        if controllers not in groups:
+            continue
+        folder = f"{hierarchy}{groups[controllers]}/orlo-{os.getpid()}"
+        try:
+            os.mkdir(folder)
+        except OSError:
+            continue
+        if os.path.exists(f"{folder}/{limit}"):
+            write(f"{folder}/{limit}", b"%d" % (mebibytes << 20))
+            return folder
+        os.rmdir(folder)
+    raise Skip("no control group that limits memory can be made here")
+
+
+@check
+def memory_is_limited_to_what_the_group_leaves():
+    """Where the system would end it in a group of 200 MiB, a run ends with a message; pages of files that were read are no loss."""
+    without_sanitizers()
+    write("in.orlo", GREEDY)
+    with open("read", "wb") as file:
+        for _ in range(180):
+            file.write(bytes(1 << 20))
+        file.flush()
+        os.fsync(file.fileno())
+        os.posix_fadvise(file.fileno(), 0, 0, os.POSIX_FADV_DONTNEED)  # so that it is the group that reads it
+    folder = make_group(200)
+    through = ["sh", "-c", f'echo $$ > {folder}/cgroup.procs && cat read read > /dev/null && exec "$0" "$@"']
+    try:
+        expect(run("in.orlo", "out.sco", through=through), 1, NO_MEMORY)
+        write("in.orlo", b"i1 = 3 0 -1000000 {\np2 1\np3 1\n}\n")
+        status, _ = run("in.orlo", "out.sco", through=through)
+        expect((status, b""), 0)  # 80 megabytes are left
+    finally:
+        os.rmdir(folder)
 
 
 @check
