@@ -1,167 +1,34 @@
-"""Run behaviour cases: run_case.py --orlo PROGRAM CASE...
+"""Run behaviour cases: run_case.py --orlo PROGRAM [CASE | FOLDER]...
 
-A case is a plain ASCII file: a line "# " with the sentence it shows, more "# " lines if need be, then sections.
-A section begins with a line "--- NAME [WORDS]" and runs to the next such line or the end of the file.
+Runs the cases that are named and those of the folders, all of them when none is named, several at a time. What a case can
+say is told in case_file.py. Each case is reported by its name, what fails with how it differs. Ends with 1 when a case fails
+or when there is none.
 
-  --- program NAME      the program, in the folder of --orlo (default: the one that --orlo names)
-  --- args              the arguments, quoted as in a shell (default: in.orlo out.sco)
-  --- file NAME         a file made in the case's own empty folder before the run
-  --- dir NAME          an empty folder made there
-  --- env               lines NAME=VALUE for the environment
-  --- stdin             the standard input (default: empty)
-  --- status            the exit status (default: 0)
-  --- screen            exact standard error without the banner
-  --- screen whole      exact standard error, date and time of the banner replaced by DATE and TIME
-  --- screen has        each line must occur in standard error
-  --- screen lacks      no line may occur in standard error
-  --- stdout            exact standard output (default: empty)
-  --- out NAME          exact contents of a file after the run
-  --- out NAME hex      the same as hexadecimal bytes; ";" starts a comment
-  --- log NAME          exact contents of a log without the banner
-  --- missing NAME      a file that must not exist after the run
-
-Words after file, stdin, screen, stdout, out and log: "escaped" reads \\n \\t \\r \\0 \\\\ and \\xNN as bytes, "noeol" leaves
-out the section's last line end. A file may be "hex", too. Everything else is literal, trailing blanks included.
+A case's name is its folder and its file without the ending: iblock/empty. --filter takes part of a name or a pattern
+(*, ?, [...]). --program takes a command line instead of a program, "wine64 build/orlo.exe"; its last word is the program's
+file. --exclude names a file of cases that are not run: lines "NAME REASON", a pattern may stand for the name, "#" starts a
+comment. --accept writes what came out into the cases instead of what was expected: screens, logs, standard output and
+files, and only where nothing else is wrong. Look at the difference before you keep it.
 """
 
 import argparse
+import concurrent.futures
 import difflib
+import fnmatch
+import glob
 import os
 import re
 import shlex
+import signal
 import subprocess
 import sys
 import tempfile
 
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, HERE)
+from case_file import CaseError, parse_args, parse_case, parse_command, parse_status, parse_variables, prepare, with_texts
+
 TIME_LIMIT = 10  # seconds that a run may take
-
-# section: (takes a name, words that may follow)
-SECTIONS = {
-    "program": (True, set()),
-    "args": (False, set()),
-    "file": (True, {"hex", "escaped", "noeol"}),
-    "dir": (True, set()),
-    "env": (False, set()),
-    "stdin": (False, {"escaped", "noeol"}),
-    "status": (False, set()),
-    "screen": (False, {"whole", "has", "lacks", "escaped", "noeol"}),
-    "stdout": (False, {"escaped", "noeol"}),
-    "out": (True, {"hex", "escaped", "noeol"}),
-    "log": (True, {"escaped", "noeol"}),
-    "missing": (True, set()),
-}
-CHECKS = ("screen", "out", "log", "stdout")
-ESCAPES = {b"n": b"\n", b"t": b"\t", b"r": b"\r", b"0": b"\0", b"\\": b"\\"}
-
-
-class CaseError(Exception):
-    """A fault in the case file itself."""
-
-
-class Section:
-    def __init__(self, line_no, kind, name, words):
-        self.line_no, self.kind, self.name, self.words = line_no, kind, name, words
-        self.lines = []
-
-    def text(self):
-        """The section's bytes, as the case means them."""
-        text = b"".join(self.lines)
-        if "noeol" in self.words:
-            text = text.removesuffix(b"\n")
-        if "hex" in self.words:
-            return hex_bytes(text, self)
-        return unescape(text, self) if "escaped" in self.words else text
-
-    def line(self):
-        """The one line of a section that has one line."""
-        lines = [line.strip() for line in self.lines if line.strip()]
-        if len(lines) != 1:
-            raise CaseError(f"line {self.line_no}: '{self.kind}' takes exactly one line")
-        return lines[0].decode()
-
-    def phrases(self):
-        """The lines of a section that lists phrases."""
-        phrases = [line.removesuffix(b"\n") for line in self.lines if line.strip()]
-        if not phrases:
-            raise CaseError(f"line {self.line_no}: nothing stands in this section")
-        return [unescape(phrase, self) for phrase in phrases] if "escaped" in self.words else phrases
-
-
-def unescape(text, section):
-    def byte(match):
-        code = match[1]
-        if len(code) == 3:
-            return bytes([int(code[1:], 16)])
-        if code not in ESCAPES:
-            raise CaseError(f"line {section.line_no}: unknown escape '\\{code.decode()}' in this section")
-        return ESCAPES[code]
-    return re.sub(rb"\\(x[0-9A-Fa-f]{2}|.|\Z)", byte, text, flags=re.S)
-
-
-def hex_bytes(text, section):
-    digits = re.sub(rb";[^\n]*|\s", b"", text).decode()
-    try:
-        return bytes.fromhex(digits)
-    except ValueError:
-        raise CaseError(f"line {section.line_no}: not pairs of hexadecimal digits") from None
-
-
-def parse_heading(line, line_no):
-    parts = line.split()[1:]
-    kind, rest = (parts[0], parts[1:]) if parts else ("", [])
-    if kind not in SECTIONS:
-        raise CaseError(f"line {line_no}: unknown section '{kind}'")
-    named, allowed = SECTIONS[kind]
-    name = None
-    if named:
-        if not rest:
-            raise CaseError(f"line {line_no}: '{kind}' needs a name")
-        name, rest = rest[0], rest[1:]
-        if name.startswith("/") or ".." in name.split("/"):
-            raise CaseError(f"line {line_no}: '{name}' lies outside the case's folder")
-    for word in rest:
-        if word not in allowed:
-            raise CaseError(f"line {line_no}: '{kind}' does not know the word '{word}'")
-    if len({"whole", "has", "lacks"} & set(rest)) > 1 or {"hex", "escaped"} <= set(rest):
-        raise CaseError(f"line {line_no}: these words exclude each other")
-    return Section(line_no, kind, name, set(rest))
-
-
-def parse_case(data):
-    """The title and the sections of a case."""
-    bad = re.search(rb"[^\t\n -~]", data)
-    if bad:
-        line_no = data.count(b"\n", 0, bad.start()) + 1
-        raise CaseError(f"line {line_no}: byte 0x{bad[0][0]:02x}: write it as \\x{bad[0][0]:02x}, escaped")
-    if not data.endswith(b"\n"):
-        raise CaseError("the last line has no line end")
-    lines = data.splitlines(keepends=True)
-    if not re.match(rb"# \S", lines[0]):
-        raise CaseError("line 1 must be '# ' and the sentence that the case shows")
-    sections = []
-    for line_no, line in enumerate(lines, 1):
-        if line.startswith(b"--- "):
-            sections.append(parse_heading(line.decode(), line_no))
-        elif sections:
-            sections[-1].lines.append(line)
-        elif not line.startswith(b"#") and line.strip():
-            raise CaseError(f"line {line_no}: text before the first section")
-    check_sections(sections)
-    return lines[0][2:].decode().strip(), sections
-
-
-def check_sections(sections):
-    seen = set()
-    for section in sections:
-        if not section.words & {"has", "lacks"}:
-            if (section.kind, section.name) in seen:
-                raise CaseError(f"line {section.line_no}: this section stands twice")
-            seen.add((section.kind, section.name))
-        if section.kind in ("program", "dir", "missing") and b"".join(section.lines).strip():
-            raise CaseError(f"line {section.line_no}: '{section.kind}' holds no text")
-        section.text()  # a fault in it is found here
-    if not any(section.kind in CHECKS for section in sections):
-        raise CaseError("the case checks nothing: no screen, out, log or stdout section")
 
 
 def cut_banner(text):
@@ -216,122 +83,226 @@ def read_file(path):
         return file.read()
 
 
-def prepare(sections, folder):
-    for section in sections:
-        if section.kind == "dir":
-            os.makedirs(os.path.join(folder, section.name), exist_ok=True)
-        elif section.kind == "file":
-            path = os.path.join(folder, section.name)
-            os.makedirs(os.path.dirname(path), exist_ok=True)
-            with open(path, "wb") as file:
-                file.write(section.text())
+class Result:
+    """What a case's run has shown."""
+
+    def __init__(self, path):
+        self.path, self.title = path, "a fault in the case file"
+        self.faults = []  # what no other text in the case would mend
+        self.texts = []   # sections whose text is another, with what came out and how it differs
+        self.screen = []  # shown of a case that fails
+        self.accepted = False
+
+    def failed(self):
+        return bool(self.faults or self.texts)
+
+    def compare(self, section, what, got):
+        report = difference(what, section.text(), got)
+        if report:
+            self.texts.append((section, got, report))
+
+    def report(self):
+        verdict = "FAIL" if self.failed() else "accepted" if self.accepted else "ok"
+        differences = [line for _, _, report in self.texts for line in report]
+        return "\n  ".join([f"{verdict}: {self.path}: {self.title}", *self.faults, *differences, *self.screen])
 
 
-def single(sections, kind, default):
-    found = [section for section in sections if section.kind == kind]
-    return found[0].line() if found else default
-
-
-def parse_args(sections):
-    try:
-        return shlex.split(single(sections, "args", "in.orlo out.sco"))
-    except ValueError as fault:
-        raise CaseError(f"args: {fault}") from None
-
-
-def parse_status(sections):
-    status = single(sections, "status", "0")
-    if not re.fullmatch(r"\d{1,3}", status):
-        raise CaseError(f"status: '{status}' is no exit status")
-    return int(status)
-
-
-def parse_environment(sections):
-    lines = b"".join(section.text() for section in sections if section.kind == "env").decode().splitlines()
-    if not all("=" in line for line in lines):
-        raise CaseError("env: a line is not NAME=VALUE")
-    return environment() | dict(line.split("=", 1) for line in lines)
-
-
-def parse_program(sections, orlo):
-    names = [section.name for section in sections if section.kind == "program"]
-    if len(names) > 1:
-        raise CaseError("one program at a time")
-    return os.path.join(os.path.dirname(orlo), names[0]) if names else orlo
-
-
-def check_screen(section, screen):
+def check_screen(result, section, screen):
     if "has" in section.words:
-        return [f"screen lacks: {visible(phrase)}" for phrase in section.phrases() if phrase not in screen]
-    if "lacks" in section.words:
-        return [f"screen has: {visible(phrase)}" for phrase in section.phrases() if phrase in screen]
-    if "whole" in section.words:
-        return difference("screen", section.text(), hide_date(screen))
-    return difference("screen", section.text(), cut_banner(screen))
+        result.faults += [f"screen lacks: {visible(phrase)}" for phrase in section.phrases() if phrase not in screen]
+    elif "lacks" in section.words:
+        result.faults += [f"screen has: {visible(phrase)}" for phrase in section.phrases() if phrase in screen]
+    else:
+        result.compare(section, "screen", hide_date(screen) if "whole" in section.words else cut_banner(screen))
 
 
-def check_file(section, folder):
+def check_file(result, section, folder):
     path = os.path.join(folder, section.name)
     if section.kind == "missing":
-        return [f"{section.name} exists"] if os.path.lexists(path) else []
-    if not os.path.isfile(path):
-        return [f"{section.name} was not written"]
-    got = read_file(path)
-    return difference(section.name, section.text(), cut_banner(got) if section.kind == "log" else got)
+        result.faults += [f"{section.name} exists"] if os.path.lexists(path) else []
+    elif not os.path.isfile(path):
+        result.faults.append(f"{section.name} was not written")
+    else:
+        got = read_file(path)
+        result.compare(section, section.name, cut_banner(got) if section.kind == "log" else got)
 
 
-def run_case(orlo, path, seconds):
-    """Runs one case; returns its title and the list of what is wrong."""
-    title, sections = parse_case(read_file(path))
-    args, status, env = parse_args(sections), parse_status(sections), parse_environment(sections)
-    program = parse_program(sections, orlo)
+def check_sections(result, sections, run, folder):
+    for section in sections:
+        if section.kind == "screen":
+            check_screen(result, section, run.stderr)
+        elif section.kind == "stdout":
+            result.compare(section, "stdout", run.stdout)
+        elif section.kind in ("out", "log", "missing"):
+            check_file(result, section, folder)
+    if not any(section.kind == "stdout" for section in sections):
+        result.faults += difference("stdout", b"", run.stdout)
+
+
+def run_program(command, folder, variables, given, seconds):
+    """Runs a program; None when it is still running after some seconds. What it has started is killed with it."""
+    with subprocess.Popen(command, cwd=folder, env=environment() | variables, start_new_session=True,
+                          stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+        try:
+            out, screen = process.communicate(given, seconds)
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            return None
+        return subprocess.CompletedProcess(command, process.returncode, out, screen)
+
+
+def run_case(command, path, seconds):
+    result = Result(path)
+    result.title, sections = parse_case(read_file(path))
+    args, status, variables = parse_args(sections), parse_status(sections), parse_variables(sections)
+    program = parse_command(sections, command)
     given = b"".join(section.text() for section in sections if section.kind == "stdin")
-    expected_out = b"".join(section.text() for section in sections if section.kind == "stdout")
-    faults = []
     with tempfile.TemporaryDirectory(prefix="orlo-case-") as folder:
         prepare(sections, folder)
-        try:
-            run = subprocess.run([program, *args], cwd=folder, env=env, input=given, capture_output=True, timeout=seconds, check=False)
-        except subprocess.TimeoutExpired:
-            return title, [f"still running after {seconds} seconds: killed"]
+        run = run_program([*program, *args], folder, variables, given, seconds)
+        if run is None:
+            result.faults = [f"still running after {seconds} seconds: killed"]
+            return result
         if sanitizer_report(run.stderr):
-            return title, ["a sanitizer report:", run.stderr.decode(errors="replace")]
+            result.faults = ["a sanitizer report:", run.stderr.decode(errors="replace")]
+            return result
         if run.returncode < 0:
-            faults.append(f"ended by signal {-run.returncode}")
+            result.faults.append(f"ended by signal {-run.returncode}")
         elif run.returncode != status:
-            faults.append(f"exit status {run.returncode}, expected {status}")
-        for section in sections:
-            if section.kind == "screen":
-                faults += check_screen(section, run.stderr)
-            elif section.kind in ("out", "log", "missing"):
-                faults += check_file(section, folder)
-        faults += difference("stdout", expected_out, run.stdout)
-        shown = any(section.kind == "screen" and not section.words & {"has", "lacks"} for section in sections)
-        if faults and not shown:
-            faults += ["the screen was:"] + [f"  {visible(line)}" for line in run.stderr.splitlines(True)[-20:]]
-    return title, faults
+            result.faults.append(f"exit status {run.returncode}, expected {status}")
+        check_sections(result, sections, run, folder)
+    shown = any(section.kind == "screen" and not section.words & {"has", "lacks"} for section in sections)
+    if result.failed() and not shown:
+        result.screen = ["the screen was:"] + [f"  {visible(line)}" for line in run.stderr.splitlines(True)[-20:]]
+    return result
+
+
+def accept(path, texts):
+    """Writes what came out into a case."""
+    data = with_texts(read_file(path), [(section, got) for section, got, _ in texts])
+    parse_case(data)
+    with open(path, "wb") as file:
+        file.write(data)
+
+
+def judge(command, path, options):
+    """Runs one case, and with --accept once more after its texts are written."""
+    try:
+        result = run_case(command, path, options.seconds)
+        if options.accept and result.texts and not result.faults:
+            accept(path, result.texts)
+            result = run_case(command, path, options.seconds)
+            result.accepted = True
+    except (CaseError, OSError) as fault:
+        result = Result(path)
+        result.faults = [str(fault)]
+    return result
+
+
+def case_name(path):
+    folder, file = os.path.split(os.path.abspath(path))
+    return f"{os.path.basename(folder)}/{file.removesuffix('.case')}"
+
+
+def find_cases(places):
+    cases = []
+    for place in places:
+        found = sorted(glob.glob(os.path.join(glob.escape(place), "**", "*.case"), recursive=True)) if os.path.isdir(place) else [place]
+        if not found:
+            sys.exit(f"there is no case in {place}")
+        cases += found
+    return cases
+
+
+def is_meant(name, pattern):
+    return fnmatch.fnmatchcase(name, pattern) if set("*?[") & set(pattern) else pattern in name
+
+
+def read_exclusions(path):
+    """Patterns of names and the reasons."""
+    with open(path, encoding="ascii") as file:
+        lines = [line.partition("#")[0].split(maxsplit=1) for line in file]
+    for line in lines:
+        if len(line) == 1:
+            sys.exit(f"{path}: no reason is given for {line[0]}")
+    return dict(line for line in lines if line)
+
+
+def leave_out(cases, exclusions):
+    """The cases that no exclusion names; one that names none is a fault where cases of its folder are run."""
+    kept, used = [], set()
+    for path in cases:
+        patterns = [pattern for pattern in exclusions if fnmatch.fnmatchcase(case_name(path), pattern)]
+        used.update(patterns)
+        if patterns:
+            print(f"left out: {path}: {exclusions[patterns[0]].strip()}")
+        else:
+            kept.append(path)
+    folders = {os.path.dirname(case_name(path)) for path in cases}
+    stale = [pattern for pattern in exclusions if pattern not in used and os.path.dirname(pattern) in folders]
+    if stale:
+        sys.exit(f"no case has the name {', '.join(stale)}")
+    return kept
+
+
+def chosen_cases(options):
+    cases = find_cases(options.cases)
+    found = len(cases)
+    if options.exclude:
+        cases = leave_out(cases, read_exclusions(options.exclude))
+    cases = [path for path in cases if is_meant(case_name(path), options.filter)]
+    if not cases:
+        sys.exit(f"none of {found} cases is to be run")
+    return cases
+
+
+def run_all(command, cases, options):
+    """Runs cases and reports each; counts those that ran and those that failed."""
+    done, failed = 0, 0
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        try:
+            for result in pool.map(lambda path: judge(command, path, options), cases):
+                print(result.report(), flush=True)
+                done += 1
+                failed += result.failed()
+                if failed and options.stop_at_first:
+                    break
+        finally:
+            pool.shutdown(cancel_futures=True)
+    return done, failed
+
+
+def whole_paths(command):
+    """A command whose words that name files hold in every folder."""
+    return [os.path.abspath(word) if os.path.isfile(word) else word for word in command]
+
+
+def parse_options():
+    parser = argparse.ArgumentParser(description="run behaviour cases of orlo")
+    program = parser.add_mutually_exclusive_group(required=True)
+    program.add_argument("--orlo", metavar="FILE", help="the program")
+    program.add_argument("--program", metavar="COMMAND", help="the program as a command line")
+    program.add_argument("--list", action="store_true", help="show the cases' names and run nothing")
+    parser.add_argument("--filter", default="*", metavar="PATTERN", help="run the cases whose names match")
+    parser.add_argument("--exclude", metavar="FILE", help="cases to leave out")
+    parser.add_argument("--accept", action="store_true", help="write what comes out into the cases that fail")
+    parser.add_argument("--seconds", type=int, default=TIME_LIMIT, help="time that a run may take")
+    parser.add_argument("--jobs", type=int, default=len(os.sched_getaffinity(0)), help="runs at the same time")
+    parser.add_argument("--stop-at-first", action="store_true", help="run no more cases after one that fails")
+    parser.add_argument("cases", nargs="*", metavar="CASE", help="a case or a folder",
+                        default=[os.path.join(HERE, "cases"), os.path.join(HERE, "view")])
+    return parser.parse_args()
 
 
 def main():
-    parser = argparse.ArgumentParser(description="run behaviour cases of orlo")
-    parser.add_argument("--orlo", required=True, help="the program")
-    parser.add_argument("--seconds", type=int, default=TIME_LIMIT, help="time that a run may take")
-    parser.add_argument("--stop-at-first", action="store_true", help="run no more cases behind one that fails")
-    parser.add_argument("cases", nargs="+", metavar="CASE")
-    options = parser.parse_args()
-    orlo = os.path.abspath(options.orlo)
-    failed = 0
-    for path in options.cases:
-        try:
-            title, faults = run_case(orlo, path, options.seconds)
-        except CaseError as fault:
-            title, faults = "a fault in the case file", [str(fault)]
-        print(f"{'FAIL' if faults else 'ok'}: {path}: {title}")
-        for fault in faults:
-            print(f"  {fault}")
-        failed += bool(faults)
-        if failed and options.stop_at_first:
-            break
+    options = parse_options()
+    cases = chosen_cases(options)
+    if options.list:
+        print("\n".join(case_name(path) for path in cases))
+        return 0
+    command = whole_paths(shlex.split(options.program)) if options.program else [os.path.abspath(options.orlo)]
+    done, failed = run_all(command, cases, options)
+    print(f"{done} of {len(cases)} cases run, {failed} failed")
     return 1 if failed else 0
 
 

@@ -5,6 +5,7 @@ import stat
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 RUNNER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "run_case.py")
@@ -29,22 +30,53 @@ esac
 """
 
 
+def has_ended(number):
+    """True when there is no such process, or when nobody has asked for its status yet."""
+    try:
+        with open(f"/proc/{number}/stat", encoding="ascii") as file:
+            return file.read().rpartition(")")[2].split()[0] == "Z"
+    except FileNotFoundError:
+        return True
+
+
 class RunCase(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
-        self.program = os.path.join(self.folder.name, "orlo")
-        with open(self.program, "w", encoding="ascii") as file:
-            file.write(PROGRAM)
+        self.program = self.write("orlo", PROGRAM)
         os.chmod(self.program, stat.S_IRWXU)
 
-    def run_case(self, text):
-        case = os.path.join(self.folder.name, "a.case")
-        with open(case, "wb") as file:
+    def write(self, name, text):
+        path = os.path.join(self.folder.name, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
             file.write(text if isinstance(text, bytes) else text.encode())
-        run = subprocess.run([sys.executable, RUNNER, "--seconds", "1", "--orlo", self.program, case],
-                             stdout=subprocess.PIPE, text=True, check=False)
+        return path
+
+    def read(self, name):
+        with open(os.path.join(self.folder.name, name), encoding="ascii") as file:
+            return file.read()
+
+    def run_cases(self, *arguments, program=True):
+        program = ["--orlo", self.program] if program else []
+        run = subprocess.run([sys.executable, "-I", "-S", RUNNER, "--seconds", "1", *program, *arguments], cwd=self.folder.name,
+                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
         return run.returncode, run.stdout
+
+    def run_case(self, text):
+        return self.run_cases(self.write("a.case", text))
+
+    def accepts(self, text, expected):
+        self.write("a.case", text)
+        status, output = self.run_cases("--accept", "a.case")
+        self.assertEqual((0, expected), (status, self.read("a.case")), output)
+        self.assertIn("accepted: a.case: a", output)
+
+    def refuses(self, text, reason):
+        self.write("a.case", text)
+        status, output = self.run_cases("--accept", "a.case")
+        self.assertEqual((1, text), (status, self.read("a.case")), output)
+        self.assertIn(reason, output)
 
     def passes(self, text):
         status, output = self.run_case(text)
@@ -92,6 +124,18 @@ class RunCase(unittest.TestCase):
     def test_hanging_run_is_killed(self):
         self.fails("# a\n--- file in.orlo\nhang\n--- screen has\nhello\n", "still running after 1 seconds")
 
+    def test_what_a_hanging_run_has_started_is_killed(self):
+        self.write("orlo", "#!/bin/sh\necho $$ >\"$1\"\nsleep 60 &\necho $! >>\"$1\"\nwait\n")
+        numbers = os.path.join(self.folder.name, "numbers")
+        self.fails(f"# a\n--- args\n{numbers}\n--- screen\n", "still running after 1 seconds")
+        for number in self.read(numbers).split():
+            for _ in range(500):  # the kill takes its moment
+                if has_ended(int(number)):
+                    break
+                time.sleep(0.01)
+            else:
+                self.fail(f"process {number} is still there")
+
     def test_stdout_must_be_empty(self):
         self.fails("# a\n--- file in.orlo\nloud\n--- screen has\nhello\n", "stdout differs")
         self.passes("# a\n--- file in.orlo\nloud\n--- stdout\nloud\n")
@@ -109,6 +153,112 @@ class RunCase(unittest.TestCase):
     def test_files(self):
         self.fails("# a\n--- file in.orlo\n--- out other\n", "other was not written")
         self.fails("# a\n--- file in.orlo\n--- screen has\nhello\n--- missing out.sco\n", "out.sco exists")
+
+    def make_folders(self):
+        """Two cases that pass in one folder, in another one of each kind."""
+        good = "# good\n--- file in.orlo\nx\n--- out out.sco\nx\n"
+        for name in ("one/a", "one/b", "two/a"):
+            self.write(f"{name}.case", good)
+        self.write("two/bad.case", good + "y\n")
+
+    def test_folders(self):
+        self.make_folders()
+        status, output = self.run_cases("one")
+        self.assertEqual((0, "ok: one/a.case: good\nok: one/b.case: good\n2 of 2 cases run, 0 failed\n"), (status, output))
+        for jobs in "1", "4":
+            status, output = self.run_cases("--jobs", jobs, "one", "two")
+            self.assertEqual(1, status)
+            self.assertEqual(["ok: one/a.case: good", "ok: one/b.case: good", "ok: two/a.case: good", "FAIL: two/bad.case: good"],
+                             [line for line in output.splitlines() if line.startswith(("ok:", "FAIL:"))])
+            self.assertIn("\n  out.sco differs at byte 2 (line 2, column 1): expected 'y', got the end\n", output)
+            self.assertIn("\n    -y\\n\n", output)
+            self.assertTrue(output.endswith("4 of 4 cases run, 1 failed\n"), output)
+        self.assertEqual((1, 0), (self.run_cases(".")[0], self.run_cases("one/b.case", "two/a.case")[0]))
+
+    def test_no_case_is_a_failure(self):
+        os.mkdir(os.path.join(self.folder.name, "empty"))
+        self.make_folders()
+        for arguments, reason in ((["empty"], "there is no case in empty"), (["one", "empty"], "there is no case in empty"),
+                                  (["nowhere"], "nowhere"), (["--filter", "none", "one"], "none of 2 cases")):
+            status, output = self.run_cases(*arguments)
+            self.assertEqual(1, status, output)
+            self.assertIn(reason, output)
+            self.assertNotIn("0 failed", output)
+
+    def test_filter(self):
+        self.make_folders()
+        for pattern, names in (("a", "one/a two/a two/bad"), ("one", "one/a one/b"), ("*/a", "one/a two/a"), ("*/?", "one/a one/b two/a"),
+                               ("o/b", "two/bad")):
+            status, output = self.run_cases("--list", "--filter", pattern, "one", "two", program=False)
+            self.assertEqual((0, names.split()), (status, output.split()))
+        self.assertEqual(0, self.run_cases("--filter", "*/a", "one", "two")[0])
+
+    def test_stops_at_the_first_failure(self):
+        self.make_folders()
+        status, output = self.run_cases("--stop-at-first", "--jobs", "1", "two/bad.case", "one", "two")
+        self.assertEqual(1, status)
+        self.assertNotIn("ok:", output)
+        self.assertIn("1 of 5 cases run", output)
+
+    def test_cases_are_left_out(self):
+        self.make_folders()
+        self.write("left", "# what can't be\ntwo/b*   for a reason # of note\n\n")
+        status, output = self.run_cases("--exclude", "left", "one", "two")
+        self.assertEqual(0, status, output)
+        self.assertIn("left out: two/bad.case: for a reason\n", output)
+        self.assertIn("3 of 3 cases run", output)
+        self.assertEqual(0, self.run_cases("--exclude", "left", "one")[0])
+        self.write("left", "two/bad for a reason\ntwo/worse for another\n")
+        self.assertEqual((1, "left out: two/bad.case: for a reason\nno case has the name two/worse\n"),
+                         self.run_cases("--exclude", "left", "two"))
+        self.write("left", "two/bad\n")
+        self.assertEqual((1, "left: no reason is given for two/bad\n"), self.run_cases("--exclude", "left", "two"))
+
+    def test_program_as_a_command_line(self):
+        self.make_folders()
+        self.write("in a folder/other.sh", "echo another >&2\n")
+        os.rename(self.program, os.path.join(self.folder.name, "in a folder", "orlo.sh"))
+        self.write("two/bad.case", "# a\n--- program other\n--- screen\nanother\n")
+        for arguments in ["one", "two"], ["--jobs", "1", "two/bad.case"]:
+            status, output = self.run_cases("--program", "sh -u 'in a folder/orlo.sh'", *arguments, program=False)
+            self.assertEqual(0, status, output)
+        self.assertEqual(1, self.run_cases("--program", "sh nowhere", "one", program=False)[0])
+        self.assertEqual(2, self.run_cases("one", program=False)[0])
+
+    def test_texts_are_accepted(self):
+        head, tail = "# a\n# more\n\n", "--- screen has\nhello\n"
+        self.accepts(f"{head}--- file in.orlo\nx\n\n--- screen\nhullo\n\n--- out out.sco\n{tail}",
+                     f"{head}--- file in.orlo\nx\n\n--- screen\n\nhello\t1 \n--- out out.sco\nx\n\n{tail}")
+        whole = '\nOrlo (2.1.1, DATE, TIME)\ncredit\n\n\nInput\t= "in.orlo"\nOutput\t= "out.sco" [Csound score-file]\n\nhello\t1 \n'
+        self.accepts("# a\n--- file in.orlo\n--- screen whole\nx\n", f"# a\n--- file in.orlo\n--- screen whole\n{whole}")
+        self.accepts("# a\n--- file in.orlo\nloud\n--- stdout\n", "# a\n--- file in.orlo\nloud\n--- stdout\nloud\n")
+
+    def test_accepted_texts_keep_their_way_of_writing(self):
+        def out(words, text):
+            return f"# a\n--- file in.orlo escaped noeol\na\\tb\nc\\\\\n\\x2d-- \\xff\n--- out out.sco{words}\n{text}"
+        self.accepts(out(" escaped noeol", "a\\x09b\nd\n\\x2d-- \\xff\n"), out(" escaped noeol", "a\\x09b\nc\\\\\n\\x2d-- \\xff\n"))
+        self.accepts(out("", "a\n"), out(" escaped noeol", "a\tb\nc\\\\\n\\x2d-- \\xff\n"))
+        self.accepts(out(" hex", "; all\n61 09 ; head\n00\n2d20ff ; tail\n"),
+                     out(" hex", "; all\n61 09 ; head\n62 0a 63 5c 0a 2d 2d\n2d20ff ; tail\n"))
+        self.accepts("# a\n--- file in.orlo\nx\n--- out out.sco noeol\nx\n", "# a\n--- file in.orlo\nx\n--- out out.sco\nx\n")
+
+    def test_what_is_not_accepted(self):
+        self.refuses("# a\n--- file in.orlo\nfail\n--- screen\nx\n", "exit status 1, expected 0")
+        self.refuses("# a\n--- file in.orlo\nhang\n--- screen\nx\n", "still running")
+        self.refuses("# a\n--- file in.orlo\nsanitizer\n--- screen\nx\n", "a sanitizer report")
+        self.refuses("# a\n--- file in.orlo\nloud\n--- screen\nx\n", "stdout differs")
+        self.refuses("# a\n--- file in.orlo\n--- screen\nx\n--- out b\n", "b was not written")
+        self.refuses("# a\n--- file in.orlo\n--- screen\nx\n--- screen has\ny\n", "screen lacks: y")
+        good = "# a\n--- file in.orlo\n--- out out.sco\n"
+        self.write("a.case", good)
+        self.assertEqual((0, good), (self.run_cases("--accept", "a.case")[0], self.read("a.case")))
+
+    def test_an_accepted_text_must_come_out_again(self):
+        self.write("orlo", "#!/bin/sh\ndate +%N >&2\n")
+        self.write("a.case", "# a\n--- screen\n")
+        status, output = self.run_cases("--accept", "a.case")
+        self.assertEqual(1, status, output)
+        self.assertIn("FAIL: a.case", output)
 
     def test_faults_in_the_case(self):
         self.fails("a\n--- screen has\nx\n", "line 1 must be")

@@ -1,12 +1,13 @@
-// The screen stream is unbuffered, so every call on it costs a write to the system. A message is therefore collected in a small
-// buffer on the stack and leaves it in one piece, or in several when it is longer than the buffer. Nothing is allocated: an
-// exhausted memory can still be reported.
+// A message is collected in a small buffer on the stack and leaves it in one piece, or in several when it is longer than the
+// buffer: where the screen shows it at once, every piece costs a write to the system. Nothing is allocated: an exhausted memory can
+// still be reported.
 
 #include "diag/report.h"
 
 #include "base/number_text.h"
 #include "base/switches.h"
 #include "diag/messages.h"
+#include "platform/screen.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,18 +19,44 @@ std::FILE *fllog = nullptr;
 
 namespace {
 
+// What is said before the log is started: at most MOST_INCLUDE_CALLS notices and one message, which are far shorter.
+struct Kept {
+    std::size_t used;
+    char        text[MOST_KEPT_TEXT];
+};
+
+Kept kept{};
+
+void keep(const char *text, std::size_t length)
+{
+    length = std::min(length, sizeof kept.text - kept.used);
+    std::memcpy(kept.text + kept.used, text, length);
+    kept.used += length;
+}
+
+void write_to_log(const char *text, std::size_t length)
+{
+    if (fllog != nullptr)
+        std::fwrite(text, 1, length, fllog);
+    else
+        keep(text, length);
+}
+
 struct Text {
-    std::FILE  *first;
-    std::FILE  *second; // may be null
+    std::FILE  *stream; // the screen
+    bool        logged; // also goes to the log
     std::size_t used;
     char        buffer[4608]; // holds a whole line of input and its caret line
 };
 
 void flush(Text &out)
 {
-    std::fwrite(out.buffer, 1, out.used, out.first);
-    if (out.second != nullptr)
-        std::fwrite(out.buffer, 1, out.used, out.second);
+    if (out.stream == stderr)
+        put_on_screen(out.buffer, out.used);
+    else
+        std::fwrite(out.buffer, 1, out.used, out.stream);
+    if (out.logged)
+        write_to_log(out.buffer, out.used);
     out.used = 0;
 }
 
@@ -76,12 +103,28 @@ void put_conversion(Text &out, const MprintfArg &arg)
 
 bool is_conversion(char c) { return c == 'd' || c == 'f' || c == 'c' || c == 's'; }
 
-// the line and its caret on the screen, and again in the log
+void put_line(Text &out, const char *line, unsigned column)
+{
+    const std::size_t length = std::strlen(line);
+    for (std::size_t i = 0; i < length; ++i)
+        put(out, line[i] == '\n' ? 'L' : line[i]);
+    put(out, '\n');
+    for (std::size_t i = 0; i < length && i < column; ++i)
+        put(out, line[i] == '\t' ? '\t' : ' ');
+    if (column < length)
+        put(out, '^');
+    put(out, '\n');
+}
+
+// the line and its caret on the screen and in the log
 void show_line(const char *line, unsigned column)
 {
-    put_buff(stderr, line, column);
-    if (MKLOG && fllog != nullptr)
-        put_buff(fllog, line, column);
+    Text out;
+    out.stream = stderr;
+    out.logged = MKLOG;
+    out.used   = 0;
+    put_line(out, line, column);
+    flush(out);
 }
 
 void show_with_line(const char *kind, const char *text, unsigned long line_no, const char *line, unsigned column)
@@ -93,11 +136,30 @@ void show_with_line(const char *kind, const char *text, unsigned long line_no, c
 
 } // namespace
 
+void start_log(std::FILE *log)
+{
+    fllog = log;
+    std::fwrite(kept.text, 1, kept.used, log);
+    kept.used = 0;
+}
+
+void end_log()
+{
+    MKLOG = false;
+    fllog = nullptr;
+}
+
+void reset_report()
+{
+    fllog     = nullptr;
+    kept.used = 0;
+}
+
 void Mprintf_args(const char *format, const MprintfArg *args, int count)
 {
     Text out;
-    out.first  = stderr;
-    out.second = MKLOG ? fllog : nullptr;
+    out.stream = stderr;
+    out.logged = MKLOG;
     out.used   = 0;
 
     int next = 0;
@@ -121,19 +183,10 @@ void Mprintf_args(const char *format, const MprintfArg *args, int count)
 void put_buff(std::FILE *stream, const char *line, unsigned column)
 {
     Text out;
-    out.first  = stream;
-    out.second = nullptr;
+    out.stream = stream;
+    out.logged = false;
     out.used   = 0;
-
-    const std::size_t length = std::strlen(line);
-    for (std::size_t i = 0; i < length; ++i)
-        put(out, line[i] == '\n' ? 'L' : line[i]);
-    put(out, '\n');
-    for (std::size_t i = 0; i < length && i < column; ++i)
-        put(out, line[i] == '\t' ? '\t' : ' ');
-    if (column < length)
-        put(out, '^');
-    put(out, '\n');
+    put_line(out, line, column);
     flush(out);
 }
 

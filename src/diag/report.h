@@ -3,11 +3,23 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdio>
 
 namespace orlo {
 
-extern std::FILE *fllog; // the open log, null without one; set by the driver
+inline constexpr std::size_t MOST_KEPT_TEXT = 16384; // characters that are kept for a log until it is started
+
+extern std::FILE *fllog; // the log that is written, null without one or before its start; written by start_log and end_log
+
+/// Starts the log of a run with one (MKLOG): it receives what was said so far, and a copy of all that is said from here on.
+void start_log(std::FILE *log);
+
+/// From here on nothing is copied to the log or kept for it.
+void end_log();
+
+/// No log, and nothing kept.
+void reset_report();
 
 /// One argument of Mprintf, tagged with the kind of value that it holds.
 struct MprintfArg {

@@ -3,6 +3,7 @@
 #include "driver/options.h"
 
 #include "base/switches.h"
+#include "platform/output_files.h"
 
 #include <cstring>
 
@@ -58,7 +59,10 @@ int take_option(const char *option, int argc, const char *const *argv, int &next
     return fail_with_usage();
 }
 
-bool same(const char *a, const char *b) { return std::strcmp(a, b) == 0; }
+// An input that is not there clashes with nothing: that it can't be opened is told later.
+bool clashes_with_input(const char *name) { return std::strcmp(name, in_fname) == 0 || same_file(name, in_fname); }
+
+bool clash(const char *a, const char *b) { return std::strcmp(a, b) == 0 || same_file(a, b) || same_new_file(a, b); }
 
 } // namespace
 
@@ -82,14 +86,16 @@ int get_options(int argc, const char *const *argv)
 
 int check_fnames()
 {
-    const bool log   = MKLOG;
-    const bool trace = MKEXP;
-    bool       clash = same(in_fname, out_fname);
-
-    clash = clash || (log && (same(log_fname, out_fname) || same(log_fname, in_fname)));
-    clash = clash || (trace && (same(exp_fname, out_fname) || same(exp_fname, in_fname)));
-    clash = clash || (log && trace && same(log_fname, exp_fname));
-    if (!clash)
+    const char *outputs[MOST_OUTPUTS] = {out_fname, MKLOG ? log_fname : nullptr, MKEXP ? exp_fname : nullptr};
+    bool        found                 = false;
+    for (int i = 0; i < MOST_OUTPUTS; ++i) {
+        if (outputs[i] == nullptr)
+            continue;
+        found = found || clashes_with_input(outputs[i]);
+        for (int j = 0; j < i; ++j)
+            found = found || (outputs[j] != nullptr && clash(outputs[i], outputs[j]));
+    }
+    if (!found)
         return 0;
     std::fputs("\nERROR: You can't use a filename multiple times!\n\n", stderr);
     return 1;

@@ -35,7 +35,7 @@ inline constexpr Option option_table[] = {
 /// @return 0, or 1 after a message or the usage text has been printed
 [[nodiscard]] int get_options(int argc, const char *const *argv);
 
-/// 1, with a message, when two of the run's files have the same name, else 0.
+/// 1, with a message, when two of the run's files have the same name, or are one regular file by different names; else 0.
 [[nodiscard]] int check_fnames();
 
 void print_usage(std::FILE *stream);

@@ -10,13 +10,13 @@
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "driver/options.h"
+#include "driver/run_files.h"
 #include "events/block.h"
 #include "events/event_list.h"
 #include "events/pfields.h"
 #include "events/tempo_map.h"
 #include "input/conditionals.h"
 #include "input/constants.h"
-#include "input/include_pass.h"
 #include "input/macro_expansion.h"
 #include "input/macros.h"
 #include "lang/global_block.h"
@@ -24,8 +24,8 @@
 #include "output/midi_conversion.h"
 #include "output/midi_file.h"
 #include "output/score_writer.h"
+#include "platform/output_files.h"
 #include "platform/standard_streams.h"
-#include "platform/temporary_file.h"
 #include "words/values.h"
 
 namespace orlo {
@@ -33,12 +33,6 @@ namespace {
 
 constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
-
-struct Files {
-    std::FILE *in;  // the input, later the temporary file; null while closed
-    std::FILE *out; // the score or MIDI file
-    std::FILE *tmp; // the temporary file while it is written
-};
 
 // Every room at its start, whatever was run before in this process.
 void reset()
@@ -57,64 +51,24 @@ void reset()
     free_macro_list();
     free_variable_list();
     reset_values();
+    reset_report();
 }
 
-// closes a stream that was written to, if it is open; false when anything was lost
-bool close_written(std::FILE *&stream)
-{
-    if (stream == nullptr)
-        return true;
-    const bool lost   = std::ferror(stream) != 0;
-    const bool closed = std::fclose(stream) == 0;
-    stream            = nullptr;
-    return closed && !lost;
-}
-
-void close_read(std::FILE *&stream)
-{
-    if (stream != nullptr)
-        std::fclose(stream);
-    stream = nullptr;
-}
-
-bool report_lost(const char *name)
-{
-    Mprintf("\nERROR: Can't write \"%s\".\n\n", name);
-    return false;
-}
-
-// Releases everything; false when a file could not be written in full. What trace and log have lost is told after a complete run
-// only: no further error follows the one that ended a run.
+// Releases everything; false when a file could not be written in full.
 bool clean_up(Files &files, bool complete)
 {
     FreeListNodes(note_list);
     free_pfield_record();
     free_macro_list();
     free_variable_list();
-    close_read(files.in);
-    close_read(files.tmp);
-    bool written = close_written(files.out);
-    if (!written)
-        written = report_lost(out_fname);
-    if (!close_written(fecho) && complete)
-        written = report_lost(exp_fname);
-    MKLOG = false; // what the log has lost is told on the screen alone
-    if (!close_written(fllog) && complete)
-        written = report_lost(log_fname);
-    remove_temporary_file();
-    return written;
-}
-
-int fail(Files &files)
-{
-    clean_up(files, false);
-    return FAILURE;
+    return close_files(files, complete);
 }
 
 int fail_with(int error, Files &files, const Input &in)
 {
     error_no(error, in.line_no, in.line, in.pos);
-    return fail(files);
+    clean_up(files, false);
+    return FAILURE;
 }
 
 int finish(Files &files)
@@ -123,51 +77,6 @@ int finish(Files &files)
         return FAILURE;
     Mprintf("\n");
     return SUCCESS;
-}
-
-int open_file(std::FILE *&stream, const char *name, const char *mode)
-{
-    stream = std::fopen(name, mode);
-    if (stream != nullptr)
-        return SUCCESS;
-    std::fprintf(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
-    return FAILURE;
-}
-
-int open_files(Files &files)
-{
-    if (const int failure = open_file(files.in, in_fname, "r"))
-        return failure;
-    if (const int failure = open_file(files.out, out_fname, MKMIDI ? "wb" : "w"))
-        return failure;
-    if (MKEXP)
-        if (const int failure = open_file(fecho, exp_fname, "w"))
-            return failure;
-    files.tmp = open_temporary_file();
-    if (files.tmp == nullptr) {
-        std::fputs("\nERROR: Can't open temporary file\n\n", stderr);
-        return FAILURE;
-    }
-    return MKLOG ? open_file(fllog, log_fname, "w") : SUCCESS;
-}
-
-// copies the input with its include files into the temporary file, which becomes the input
-int combine_input(Files &files, const Input &in)
-{
-    std::uint32_t includes = 0;
-    if (parse_includes(files.in, files.tmp, includes) > 0)
-        return fail(files);
-    if (std::ferror(files.in) != 0) { // a folder can be opened but not read
-        Mprintf("\nERROR: Can't read \"%s\".\n\n", in_fname);
-        return fail(files);
-    }
-    close_read(files.in);
-    if (!close_written(files.tmp)) {
-        Mprintf("\nERROR: Can't write temporary file\n\n");
-        return fail(files);
-    }
-    files.in = reopen_temporary_file();
-    return files.in != nullptr ? SUCCESS : fail_with(NO_TEMPORARY_FILE, files, in);
 }
 
 int nothing_written(std::uint32_t block)
@@ -180,6 +89,7 @@ int nothing_written(std::uint32_t block)
 // written tells whether there was anything to write
 int write_score(std::FILE *out, std::uint32_t block, bool &written)
 {
+    begin_output(out);
     std::fprintf(out, "\n;I-block #%u (i%d):", block, I_NO);
     written = print_csound(note_list, out, MAX_PFIELDS);
     if (written)
@@ -194,6 +104,7 @@ int write_midi(std::FILE *out, bool &written)
     written              = result > 0;
     if (!written)
         return result < 0 ? OUT_OF_MEMORY : OK;
+    begin_output(out);
     PutMidiHeader(out, 2);
     PutTrack1(out, note_list->start + note_list->dur + 1.0F);
     WriteTrack(out, note_list, length);
@@ -245,8 +156,10 @@ int run_input(Files &files, Input &in)
         return fail_with(error, files, in);
     if (ended)
         return finish(files);
-    if (!MKMIDI)
+    if (!MKMIDI) {
+        begin_output(files.out);
         std::fputs("\ne\n", files.out);
+    }
     Mprintf("\n\nGlobal cumulative duration of all i-blocks = %f (secs)\n", CUM_TIME);
     return finish(files);
 }
@@ -276,14 +189,12 @@ int run(int argc, const char *const *argv)
     if (get_options(argc, argv) != 0 || check_fnames() != 0)
         return FAILURE;
     Files files{};
-    if (open_files(files) != SUCCESS)
-        return fail(files);
-    print_info(stderr);
-    if (MKLOG)
-        print_info(fllog);
     Input in{};
-    if (combine_input(files, in) != SUCCESS)
-        return FAILURE;
+    if (!open_files(files))
+        return fail_with(FULLY_REPORTED, files, in);
+    print_info(stderr);
+    if (const int error = combine_input(files))
+        return fail_with(error, files, in);
     return run_input(files, in);
 }
 

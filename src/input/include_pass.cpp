@@ -6,8 +6,12 @@
 
 #include "diag/messages.h"
 #include "diag/report.h"
+#include "input/line_reader.h"
+#include "platform/output_files.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace orlo {
 namespace {
@@ -16,10 +20,12 @@ constexpr std::size_t BLOCK_SIZE = 16384;
 
 // A file that is read by blocks; next and end are positions in the block.
 struct Reader {
-    std::FILE  *file;
-    std::size_t next;
-    std::size_t end;
-    char        block[BLOCK_SIZE];
+    std::FILE    *file;
+    std::uint64_t offset;     // of the block in the file
+    std::uint64_t line_start; // offset in the file, of the line that is read
+    std::size_t   next;
+    std::size_t   end;
+    char          block[BLOCK_SIZE];
 };
 
 struct Scanner {
@@ -28,18 +34,29 @@ struct Scanner {
     unsigned depth;        // open block comments
 };
 
+// Where a directive stands, to be shown.
+struct Place {
+    std::uint64_t line_no; // in the combined input
+    unsigned      column;  // of the "#" in the line
+    char          line[LINE_SIZE];
+};
+
+std::uint64_t lines_copied = 0; // in the run; set back by its first call
+
 struct FileName {
     char        text[MAX_INCLUDE_NAME + 1];
     std::size_t length; // without the line ends that were dropped
 };
 
 constexpr int  INCLUDE_FAILED = 1;
-constexpr char keyword_rest[] = "clude"; // of "#include", behind "#in"
+constexpr char keyword[]      = "#include";
+constexpr char keyword_rest[] = "clude"; // behind "#in"
 
 constexpr bool matters(char c) { return c == '#' || c == ';' || c == '>' || c == '/' || c == '*' || c == '\n'; }
 
 bool fill(Reader &in)
 {
+    in.offset += in.end;
     in.next = 0;
     in.end  = std::fread(in.block, 1, BLOCK_SIZE, in.file);
     return in.end > 0;
@@ -50,7 +67,17 @@ int get(Reader &in)
 {
     if (in.next == in.end && !fill(in))
         return EOF;
-    return static_cast<unsigned char>(in.block[in.next++]);
+    const char c = in.block[in.next++];
+    if (c == '\n')
+        in.line_start = in.offset + in.next;
+    return static_cast<unsigned char>(c);
+}
+
+void put(int c, std::FILE *out)
+{
+    std::putc(c, out);
+    if (c == '\n')
+        ++lines_copied;
 }
 
 // copies up to the next character that matters
@@ -86,8 +113,8 @@ bool take_keyword(Reader &in, std::FILE *out, Scanner &state)
 {
     const int second = get(in);
     if (second != 'i') {
-        std::putc('#', out);
-        std::putc(second, out);
+        put('#', out);
+        put(second, out);
         state.line_comment = false;
         state.previous     = second;
         return false;
@@ -95,7 +122,7 @@ bool take_keyword(Reader &in, std::FILE *out, Scanner &state)
     const int third = get(in);
     if (third != 'n') {
         std::fputs("#i", out);
-        std::putc(third, out);
+        put(third, out);
         state.line_comment = false;
         state.previous     = 'i';
         return false;
@@ -107,6 +134,27 @@ bool take_keyword(Reader &in, std::FILE *out, Scanner &state)
         }
     }
     return true;
+}
+
+// The place of a directive whose keyword has just been read; of a line that is longer than a block, the part in the block.
+Place place_of_directive(const Reader &in)
+{
+    Place             place{lines_copied + 1, 0, {}};
+    const std::size_t start  = in.line_start > in.offset ? static_cast<std::size_t>(in.line_start - in.offset) : 0;
+    const std::size_t mark   = in.next - std::min(in.next - start, std::strlen(keyword));
+    const char       *line   = in.block + start;
+    const auto       *end    = static_cast<const char *>(std::memchr(line, '\n', in.end - start));
+    const std::size_t length = std::min(end != nullptr ? static_cast<std::size_t>(end - line) : in.end - start, LINE_SIZE - 1);
+    std::memcpy(place.line, line, length);
+    place.column = static_cast<unsigned>(mark - start);
+    return place;
+}
+
+int refuse_output(const FileName &name, const Place &place)
+{
+    Mprintf("\n\nERROR: Line %d: The include file \"%s\" is one that this run writes!\n", place.line_no, name.text);
+    error_no(TEXT_REPORTED, place.line_no, place.line, place.column);
+    return FULLY_REPORTED;
 }
 
 // file-name -> blanks "|" characters "|"
@@ -144,12 +192,18 @@ int bad_file(const FileName &name)
 // directive -> "#include" file-name
 int include_file(Reader &in, std::FILE *out, std::uint32_t &calls)
 {
-    FileName name;
+    const Place place = place_of_directive(in);
+    FileName    name;
     if (const int error = take_name(in, name))
         return error;
     std::FILE *file = std::fopen(name.text, "r");
     if (file == nullptr)
         return bad_file(name);
+    if (std::FILE *output = find_output(file)) {
+        spare_output(output);
+        std::fclose(file);
+        return refuse_output(name, place);
+    }
     Mprintf("\n\tOpening include file \"%s\"...", name.text);
     int result = parse_includes(file, out, calls);
     if (result == OK && std::ferror(file) != 0) // a folder can be opened but not read
@@ -162,14 +216,18 @@ int include_file(Reader &in, std::FILE *out, std::uint32_t &calls)
 
 int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls)
 {
+    if (calls == 0)
+        lines_copied = 0;
     if (++calls > MAX_INCLUDE_CALLS) {
         Mprintf("\n\nToo many embedded include files! (Max = %d)\n", MAX_INCLUDE_CALLS);
         return INCLUDE_FAILED;
     }
     Reader reader;
-    reader.file = in;
-    reader.next = 0;
-    reader.end  = 0;
+    reader.file       = in;
+    reader.offset     = 0;
+    reader.line_start = 0;
+    reader.next       = 0;
+    reader.end        = 0;
     Scanner state{' ', false, 0};
     for (;;) { // each round takes a character, up to the end of the file
         copy_plain(reader, out, state);
@@ -177,7 +235,7 @@ int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls)
         if (c == EOF)
             return OK;
         if (c != '#' || state.line_comment || state.depth > 0) {
-            std::putc(c, out);
+            put(c, out);
             follow_comments(state, c);
         } else if (take_keyword(reader, out, state)) {
             if (const int error = include_file(reader, out, calls))

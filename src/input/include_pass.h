@@ -11,6 +11,7 @@ inline constexpr std::size_t   MAX_INCLUDE_NAME  = 255; // characters of a file 
 
 /// Copies a file, replacing each "#include |name|" outside comments and score lines by the contents of the named file.
 /// @param calls files copied so far in the run, grown by each call
+/// An included file that is one of the run's outputs is refused, and spared.
 /// @return OK, or a positive number after the failure has been printed
 [[nodiscard]] int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls);
 

@@ -9,6 +9,7 @@
 #include "input/conditionals.h"
 #include "input/constants.h"
 #include "input/macro_expansion.h"
+#include "platform/output_files.h"
 
 #include <cstring>
 
@@ -45,6 +46,7 @@ int expand_line(Input &in)
 
 void trace_line(const char *line)
 {
+    begin_output(fecho);
     std::fputs(line, fecho);
     std::fputc('\n', fecho);
 }

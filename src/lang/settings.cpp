@@ -8,6 +8,7 @@
 #include "diag/messages.h"
 #include "events/block.h"
 #include "input/scanners.h"
+#include "platform/output_files.h"
 
 #include <cstring>
 
@@ -95,6 +96,7 @@ void do_direct_out(Input &in, std::FILE *out)
 {
     const char *rest = in.line + in.pos;
     if (!MKMIDI) {
+        begin_output(out);
         std::fputc('\n', out);
         std::fputs(rest, out);
     }

@@ -5,8 +5,8 @@
 
 namespace orlo {
 
-/// Creates a new file under a name of its own and opens it for writing. From here on the file is removed when the process is ended
-/// by SIGINT, SIGTERM or SIGHUP. @return the stream, or null
+/// Creates a new file that the user alone may read, in the folder that TMPDIR names or, where that can't be, in the system's own,
+/// and opens it for writing. From here on the file is removed when a signal ends the process. @return the stream, or null
 [[nodiscard]] std::FILE *open_temporary_file();
 
 /// Opens the finished file for reading. @return the stream, or null

@@ -11,28 +11,17 @@
 // which switch the options on, and the first number: so many allocations succeed, all later ones fail. Without a number there
 // are MOST_ALLOCATIONS, so that "a billion events" ends in exhausted memory and not in a time-out.
 //
-// All runs share one process, so every variable of the program is set back before a run; what is private to a file is set back
-// through the functions that use it. The replay proves this: it runs all inputs forward and backward and wants the same results.
+// All runs share one process: the program sets itself back at the start of each. The replay proves this: it runs all inputs forward
+// and backward and wants the same results.
 // A run stays inside a folder of its own: what a piece includes is looked for there alone.
 
 #include "fuzz_orlo.h"
 
-#include "base/random.h"
-#include "diag/messages.h"
 #include "diag/report.h"
-#include "driver/options.h"
 #include "driver/run.h"
 #include "events/event_list.h"
-#include "events/tempo_map.h"
-#include "events/timing.h"
-#include "input/conditionals.h"
+#include "events/pfields.h"
 #include "input/line_reader.h"
-#include "input/macro_expansion.h"
-#include "lang/iblock.h"
-#include "words/keywords.h"
-#include "words/values.h"
-#include "base/conversions.h"
-#include "output/midi_conversion.h"
 
 #include <algorithm>
 #include <climits>
@@ -40,6 +29,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <iterator>
 #include <new>
@@ -65,12 +55,14 @@ bool may_allocate()
 
 } // namespace
 
-// what the program calls in place of malloc, calloc, operator new, fopen and remove: redirected.syms
+// what the program calls in place of malloc, calloc, operator new, fopen, open, mkstemp and remove: redirected.syms
 extern "C" {
 void      *fuzz_malloc(std::size_t size);
 void      *fuzz_calloc(std::size_t count, std::size_t size);
 void      *fuzz_new(std::size_t size);
 std::FILE *fuzz_fopen(const char *name, const char *mode);
+int        fuzz_open(const char *name, int flags, ...);
+int        fuzz_mkstemp(char *name);
 int        fuzz_remove(const char *name);
 }
 
@@ -114,12 +106,18 @@ void remove_root()
     std::abort();
 }
 
-std::FILE *open_in_root(const char *name, const char *mode)
+struct Path {
+    char text[2 * PATH_MAX];
+};
+
+Path in_root(const char *name)
 {
-    char path[2 * PATH_MAX];
-    std::snprintf(path, sizeof path, "%s/%s", root, name);
-    return std::fopen(path, mode);
+    Path path;
+    std::snprintf(path.text, sizeof path.text, "%s/%s", root, name);
+    return path;
 }
+
+std::FILE *open_in_root(const char *name, const char *mode) { return std::fopen(in_root(name).text, mode); }
 
 void write_file(const char *name, std::string_view text)
 {
@@ -155,96 +153,10 @@ bool prepare()
     return true;
 }
 
-void set_input(Input &in, const char *line, std::FILE *stream)
-{
-    in        = Input{};
-    in.stream = stream;
-    std::strcpy(in.line, line);
-}
-
-// sets back what is private to a file of the program
-void reset_private_state()
-{
-    static std::FILE *empty = std::fopen("/dev/null", "r");
-    static Input      in;
-    float             ignored = 0.0F;
-
-    set_input(in, "c4", empty); // the remembered octave
-    static_cast<void>(get_pitch(ignored, in));
-    set_input(in, "if(0)", empty); // the remembered condition
-    static_cast<void>(do_if_interface(in));
-    do // the open blocks
-        set_input(in, "endif", empty);
-    while (do_endif(in) == OK);
-    set_input(in, "", empty); // the line whose expansions are counted
-    static_cast<void>(expand_macro(in));
-    seed_draws(1);
-}
-
-void reset_options()
-{
-    MKLOG       = 0;
-    MKMIDI      = 0;
-    SUPRESS     = 0;
-    SHOW_TEMPOS = 0;
-    MKEXP       = 0;
-    in_fname    = nullptr;
-    out_fname   = nullptr;
-    log_fname   = nullptr;
-    exp_fname   = nullptr;
-    fllog       = nullptr;
-    fecho       = nullptr;
-}
-
-void reset_block()
-{
-    I_NO        = 0;
-    STIME       = 0.0F;
-    SBEAT       = 0.0F;
-    BEATS       = 0.0F;
-    ETIME       = 0.0F;
-    EVENTS      = 0;
-    EVENT_NO    = 0;
-    CBEATS      = 0.0F;
-    LAST_VAL    = 0.0F;
-    P_NO        = 0;
-    IN_TYPE     = TYPE_RE;
-    OUT_TYPE    = TYPE_RE;
-    IN_LOOP     = 0;
-    NX          = 0;
-    MAX_DEV     = 0.0F;
-    MAX_DEV2    = 0.0F;
-    MAX_PFIELDS = 0;
-    IS_FUSED    = 0;
-    LUT         = nullptr;
-    WROTE_DATA  = 0;
-    PFACTOR     = 1.0F;
-    std::fill(std::begin(DID_P), std::end(DID_P), false);
-}
-
-// sets every variable of the program to its value at the start; what a run has allocated it has given back itself
-void reset()
-{
-    reset_private_state();
-    reset_options();
-    reset_block();
-    CUM_TIME     = 0.0;
-    LAST_IB_DUR  = 0.0;
-    SRATE        = 44100;
-    TEMPO        = 60.0F;
-    TOT_TEMPOS   = 1;
-    IN_COMMENT   = false;
-    IN_MACRO_DEF = 0;
-    std::fill(std::begin(TEMPO_LIST), std::end(TEMPO_LIST), TempoSegment{});
-    TEMPO_LIST[0] = {0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F};
-}
-
 // The command line that the first line stands for.
 struct CommandLine {
     const char *arguments[12];
     int         count;
-    bool        trace;
-    bool        log;
 };
 
 void add(CommandLine &line, const char *argument) { line.arguments[line.count++] = argument; }
@@ -253,8 +165,6 @@ CommandLine read_command_line(std::string_view flags)
 {
     CommandLine line{};
     const auto  has = [flags](char letter) { return flags.find(letter) != std::string_view::npos; };
-    line.trace      = has('x');
-    line.log        = has('l');
     add(line, "orlo");
     if (has('m'))
         add(line, "-m");
@@ -262,11 +172,11 @@ CommandLine read_command_line(std::string_view flags)
         add(line, "-s");
     if (has('t'))
         add(line, "-t");
-    if (line.trace) {
+    if (has('x')) {
         add(line, "-x");
         add(line, TRACE);
     }
-    if (line.log) {
+    if (has('l')) {
         add(line, "-l");
         add(line, LOG);
     }
@@ -286,11 +196,8 @@ std::uint64_t read_allocations(std::string_view flags)
     return number;
 }
 
-bool traced = false; // files that the last run has written
-bool logged = false;
-
-// the program takes these signals over, and whoever had them wants them back
-constexpr int taken_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
+// the program switches these signals off, and whoever had them wants them back
+constexpr int taken_signals[] = {SIGPIPE, SIGXFSZ};
 
 int run_once(const CommandLine &line)
 {
@@ -332,13 +239,18 @@ void append_file(std::string &results, const char *name)
 // All files of a run lie in its folder. What a piece includes is looked for there alone: no name leads out.
 std::FILE *fuzz_fopen(const char *name, const char *mode)
 {
-    if (std::strcmp(mode, "wx") == 0) {
-        std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
-        return open_in_root(TEMPORARY, "w");
-    }
     if (std::strcmp(name, temporary_name) == 0)
         return open_in_root(TEMPORARY, mode);
-    return mode[0] == 'r' && std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+    return std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+}
+
+// the files that are written, and the device that takes the place of closed streams
+int fuzz_open(const char *name, int flags, ...) { return open(name[0] == '/' ? name : in_root(name).text, flags, 0600); }
+
+int fuzz_mkstemp(char *name)
+{
+    std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
+    return open(in_root(TEMPORARY).text, O_RDWR | O_CREAT | O_TRUNC, 0600);
 }
 
 // the temporary file, which the next run overwrites
@@ -347,11 +259,8 @@ int fuzz_remove(const char *) { return 0; }
 std::string last_results()
 {
     std::string results;
-    append_file(results, SCORE);
-    if (traced)
-        append_file(results, TRACE);
-    if (logged)
-        append_file(results, LOG);
+    for (const char *name : {SCORE, TRACE, LOG})
+        append_file(results, name);
     return results;
 }
 
@@ -363,12 +272,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view input{reinterpret_cast<const char *>(data), size};
     const std::string_view flags = input.substr(0, input.find('\n'));
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
+    for (const char *name : {SCORE, TRACE, LOG}) // a run that fails would leave those of the run before
+        std::remove(in_root(name).text);
     write_file(PIECE, piece);
-    reset();
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
-    traced                 = line.trace;
-    logged                 = line.log;
     check(run_once(line));
     return 0;
 }

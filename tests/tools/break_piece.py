@@ -1,6 +1,7 @@
-"""No broken piece may break the program: break_piece.py --orlo PROGRAM --piece FILE [--truncate] [--replace N | --all]
+"""No broken piece may break the program: break_piece.py --forked PROGRAM --piece FILE [--truncate] [--replace N | --all]
 
 Makes broken variants of a piece, by cutting it off at every byte or by replacing one byte by another, and runs each.
+PROGRAM is tests/forked, which runs orlo in a process of its own for each variant.
 Every run must end by itself within two seconds with status 0 or 1, and say something when it is 1; a signal, another
 status or a sanitizer's report is a failure. The first failing variants are kept in a folder that is named at the end.
 Files that the piece includes are found by their names, beside the piece, and stay whole.
@@ -8,24 +9,23 @@ Files that the piece includes are found by their names, beside the piece, and st
 
 import argparse
 import collections
-import multiprocessing
+import concurrent.futures
 import os
 import random
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
-from run_case import cut_banner, environment, sanitizer_report
+from run_case import cut_banner, environment, read_file, sanitizer_report
 from pieces import included_files
 
 REPLACEMENTS = b"{}()<>\"':/;#$~0xpi\0"
 TIME_LIMIT = 2  # seconds that a run may take
 KEPT = 5  # failing variants that are saved
-ENOUGH = 50  # failures after which no more variants are run
-
-orlo, piece = None, None  # of a worker
+ENOUGH = 50  # failures after which a job runs no more variants
 
 
 def all_variants(data, truncate, replace):
@@ -46,58 +46,69 @@ def describe(variant):
     return f"cut off at byte {at}" if byte is None else f"byte {at} replaced by {chr(byte)!r}"
 
 
-def start_worker(program, path, data, root):
-    """Gives a worker a folder of its own, with the files that the piece includes."""
-    global orlo, piece
-    orlo, piece = program, data
-    folder = tempfile.mkdtemp(dir=root)
-    for name, source in included_files(path):
-        os.makedirs(os.path.join(folder, os.path.dirname(name)), exist_ok=True)
-        shutil.copy(source, os.path.join(folder, name))
-    os.chdir(folder)
-    os.environ.update(environment())
+class Runs:
+    """Runs of variants, one after the other, in a folder of their own with the files that the piece includes."""
+
+    def __init__(self, options, root):
+        self.folder = tempfile.mkdtemp(dir=root)
+        for name, source in included_files(options.piece):
+            os.makedirs(os.path.dirname(os.path.join(self.folder, name)), exist_ok=True)
+            shutil.copy(source, os.path.join(self.folder, name))
+        self.process = subprocess.Popen([os.path.abspath(options.forked), str(TIME_LIMIT), "screen", "in.orlo", "out.sco"],
+                                        cwd=self.folder, env=environment(), text=True, bufsize=1,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+
+    def make(self, text):
+        """Runs a variant; returns its status and its screen."""
+        with open(os.path.join(self.folder, "in.orlo"), "wb") as file:
+            file.write(text)
+        self.process.stdin.write("\n")
+        return int(self.process.stdout.readline()), read_file(os.path.join(self.folder, "screen"))
+
+    def end(self):
+        self.process.communicate()
 
 
-def try_variant(variant):
-    """Runs one variant; returns it with its status and with what is wrong, if anything."""
-    with open("in.orlo", "wb") as file:
-        file.write(make(piece, variant))
-    try:
-        run = subprocess.run([orlo, "in.orlo", "out.sco"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                             stderr=subprocess.PIPE, timeout=TIME_LIMIT, close_fds=False, check=False)
-    except subprocess.TimeoutExpired:
+def judge(variant, status, screen):
+    """A variant with its status, None where it did not end in time, and with what is wrong, if anything."""
+    if status == -signal.SIGALRM:
         return variant, None, f"still running after {TIME_LIMIT} seconds"
     fault = None
-    if sanitizer_report(run.stderr):
-        fault = "a sanitizer report:\n" + run.stderr.decode(errors="replace")
-    elif run.returncode not in (0, 1):
-        fault = f"ended with {run.returncode}:\n" + run.stderr[-2000:].decode(errors="replace")
-    elif run.returncode == 1 and not cut_banner(run.stderr).strip():
+    if sanitizer_report(screen):
+        fault = "a sanitizer report:\n" + screen.decode(errors="replace")
+    elif status not in (0, 1):
+        fault = f"ended with {status}:\n" + screen[-2000:].decode(errors="replace")
+    elif status == 1 and not cut_banner(screen).strip():
         fault = "failed without a message"
-    return variant, run.returncode, fault
+    return variant, status, fault
+
+
+def try_variants(options, data, variants, root):
+    """Runs variants, one after the other; returns the result of each."""
+    runs, results, failed = Runs(options, root), [], 0
+    for variant in variants:
+        results.append(judge(variant, *runs.make(make(data, variant))))
+        failed += results[-1][2] is not None
+        if failed == ENOUGH:
+            break
+    runs.end()
+    return results
 
 
 def run_variants(options, data, variants, root):
-    """Runs the variants; returns the result of each."""
-    setup = os.path.abspath(options.orlo), options.piece, data, root
-    results, failed = [], 0
-    with multiprocessing.Pool(options.jobs, start_worker, setup) as pool:
-        for result in pool.imap_unordered(try_variant, variants, chunksize=32):
-            results.append(result)
-            failed += result[2] is not None
-            if failed == ENOUGH:
-                break
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        parts = pool.map(lambda part: try_variants(options, data, variants[part::options.jobs], root), range(options.jobs))
+        results = [result for part in parts for result in part]
     late = [variant for variant, status, _ in results if status is None]
     if late:  # once more, one at a time: other work may have held them up
         results = [result for result in results if result[1] is not None]
-        with multiprocessing.Pool(1, start_worker, setup) as pool:
-            results += pool.map(try_variant, late)
+        results += try_variants(options, data, late, root)
     return results
 
 
 def main():
     parser = argparse.ArgumentParser(description="run broken variants of a piece")
-    parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("--forked", required=True, help="the program that runs orlo")
     parser.add_argument("--piece", required=True, help="the piece to break")
     parser.add_argument("--truncate", action="store_true", help="cut it off at every byte")
     parser.add_argument("--replace", type=int, metavar="N", help="replace one byte, N variants drawn at random")

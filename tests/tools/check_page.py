@@ -112,7 +112,7 @@ def check_logs(browser, path):
 
 
 def point_at(browser, x, y):
-    actions = ActionBuilder(browser)
+    actions = ActionBuilder(browser, duration=0)
     actions.pointer_action.move_to_location(round(x), round(y))
     actions.perform()
 
@@ -167,7 +167,7 @@ def check_zoom(browser, roll):
     box = browser.execute_script("const box = arguments[0].getBoundingClientRect(); return [box.left, box.width]", roll)
     x = round(x + box[1] / 8)
     place = (x - box[0]) / box[1]
-    ActionChains(browser).scroll_from_origin(ScrollOrigin.from_viewport(x, round(y)), 0, -500).perform()
+    ActionChains(browser, duration=0).scroll_from_origin(ScrollOrigin.from_viewport(x, round(y)), 0, -500).perform()
     wait(browser, "the wheel zooms", lambda: seen(browser)[1] - seen(browser)[0] < 0.9)
     start, end = wait(browser, "zooming is over", lambda: seen(browser))
     expect(math.isclose(start + place * (end - start), place, abs_tol=1e-3), f"zoomed at another place: {start}, {end}")
@@ -180,13 +180,13 @@ def check_zoom(browser, roll):
     wanted = start + 60 / box[1] * (end - start)
     wait(browser, "dragging moves", lambda: math.isclose(seen(browser)[0], wanted, abs_tol=1e-2) and seen(browser)[0] > start)
 
-    ActionChains(browser).double_click(roll).perform()
+    ActionChains(browser, duration=0).double_click(roll).perform()
     wait(browser, "a double click shows the whole", lambda: is_whole(browser))
     expect([data.get_dom_attribute("viewBox") for data in find(browser, ".data")] == boxes, "the whole is not what it was")
-    keys = ActionChains(browser)
+    keys = ActionChains(browser, duration=0)
     keys.send_keys("+").perform()
     wait(browser, "+ zooms", lambda: seen(browser)[1] - seen(browser)[0] == 0.5)
-    keys = ActionChains(browser)
+    keys = ActionChains(browser, duration=0)
     keys.send_keys("0").perform()
     wait(browser, "0 shows the whole", lambda: is_whole(browser))
     for button, width in (("nearer", 0.5), ("farther", 1), ("nearer", 0.5), ("whole", 1)):
@@ -225,10 +225,10 @@ def check_hiding(browser):
         button.send_keys(key)
         wait(browser, f"instrument is {'shown' if shown else 'hidden'}", lambda shown=shown: is_shown(browser, ".s0") is shown)
         expect(button.get_attribute("aria-pressed") == str(shown).lower(), "aria-pressed of an instrument is wrong")
-    ActionChains(browser).key_down(Keys.SHIFT).click(button).key_up(Keys.SHIFT).perform()
+    ActionChains(browser, duration=0).key_down(Keys.SHIFT).click(button).key_up(Keys.SHIFT).perform()
     pressed = [other.get_attribute("aria-pressed") for other in find(browser, ".legend button")]
     expect(pressed == ["true"] + ["false"] * (len(pressed) - 1), f"an instrument is not alone: {pressed}")
-    ActionChains(browser).key_down(Keys.SHIFT).click(button).key_up(Keys.SHIFT).perform()
+    ActionChains(browser, duration=0).key_down(Keys.SHIFT).click(button).key_up(Keys.SHIFT).perform()
     expect(all(other.get_attribute("aria-pressed") == "true" for other in find(browser, ".legend button")), "not all are back")
 
     heading = find(browser, ".head button")[-1]

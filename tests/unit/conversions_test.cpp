@@ -12,8 +12,8 @@ constexpr std::int32_t MIN_32 = std::numeric_limits<std::int32_t>::min();
 
 class Conversions : public testing::Test {
   protected:
-    void SetUp() override { SRATE = 44100; }
-    void TearDown() override { SRATE = 44100; }
+    void SetUp() override { reset_conversions(); }
+    void TearDown() override { reset_conversions(); }
 };
 
 TEST_F(Conversions, SemitonesToPitchClass)

@@ -548,26 +548,26 @@ TEST(WeightedChoice, FollowsTheWeights)
 TEST(HundredPercent, BothLimitsAreOutside)
 {
     for (const float sum : {0.999995F, 1.0F, 1.000005F, 0.9999901F, 1.0000099F})
-        EXPECT_EQ(1, hundred_percent(&sum, 1)) << wide(sum);
+        EXPECT_TRUE(hundred_percent(&sum, 1)) << wide(sum);
     for (const float sum : {0.99999F, 1.00001F, 0.9F, 1.1F, 0.0F, -1.0F, std::nanf("")})
-        EXPECT_EQ(0, hundred_percent(&sum, 1)) << wide(sum);
+        EXPECT_FALSE(hundred_percent(&sum, 1)) << wide(sum);
 }
 
 TEST(HundredPercent, AddsTheFirstWeights)
 {
     const float weights[] = {0.25F, 0.25F, 0.5F, 7.0F};
-    EXPECT_EQ(0, hundred_percent(weights, 2));
-    EXPECT_EQ(1, hundred_percent(weights, 3));
-    EXPECT_EQ(0, hundred_percent(weights, 4));
+    EXPECT_FALSE(hundred_percent(weights, 2));
+    EXPECT_TRUE(hundred_percent(weights, 3));
+    EXPECT_FALSE(hundred_percent(weights, 4));
     const std::vector<float> tenths(10, 0.1F);
-    EXPECT_EQ(1, hundred_percent(tenths.data(), 10));
+    EXPECT_TRUE(hundred_percent(tenths.data(), 10));
 }
 
 TEST(HundredPercent, OfNothingIsRefused)
 {
     const float weight = 1.0F;
-    EXPECT_EQ(0, hundred_percent(&weight, 0));
-    EXPECT_EQ(0, hundred_percent(&weight, -1));
+    EXPECT_FALSE(hundred_percent(&weight, 0));
+    EXPECT_FALSE(hundred_percent(&weight, -1));
 }
 
 } // namespace

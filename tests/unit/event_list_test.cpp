@@ -1,115 +1,75 @@
 #include "events/event_list.h"
 
-#include "events/timing.h"
-#include "support.h"
-
-#include <vector>
+#include "section_fixture.h"
 
 namespace orlo {
 namespace {
 
 using test::file_of;
+using test::Floats;
 using test::output_of;
 
-class EventList : public testing::Test {
+class EventList : public test::SectionTest {
   protected:
-    void SetUp() override { reset(); }
-    void TearDown() override
-    {
-        FreeListNodes(list);
-        reset();
-    }
-
-    static void reset()
-    {
-        WROTE_DATA = 0;
-        PFACTOR    = 1.0F;
-        EVENTS     = 0;
-        EVENT_NO   = 0;
-    }
-
-    // an event behind the tail, as p2 makes it
-    void add(float dur, float start = 0.0F, float beat = 0.0F) { ASSERT_EQ(1, InsertBegTime(list, n, fused, dur, start, beat)); }
-
     void add_member(float dur)
     {
-        fused = 1;
+        IS_FUSED = 1;
         add(dur, 99.0F, 99.0F);
     }
 
-    // events of equal length, the cursor before the first of them
-    void fill(int count)
+    void store(std::int32_t pfield, float value)
     {
-        for (int i = 0; i < count; ++i)
-            add(1.0F, 0.0F, static_cast<float>(i));
-        cursor = list;
-        lut    = list;
+        P_NO = pfield;
+        ASSERT_TRUE(StorePfield(section, value));
     }
-
-    void store(std::int32_t pfield, float value) { ASSERT_EQ(1, StorePfield(cursor, list, pfield, n, fused, lut, value)); }
 
     void store_member(std::int32_t pfield, float value)
     {
-        fused = 1;
+        IS_FUSED = 1;
         store(pfield, value);
     }
 
     std::uint64_t repeat_chord(std::int32_t pfield)
     {
         std::uint64_t members = 99;
-        EXPECT_EQ(1, DoListChord(list, cursor, lut, pfield, n, members));
+        P_NO                  = pfield;
+        EXPECT_TRUE(DoListChord(section, members));
         return members;
     }
 
-    std::vector<Event *> events() const
+    // the window from the event behind the cursor on
+    std::uint64_t window(float beats)
     {
-        std::vector<Event *> all;
-        if (list == nullptr)
-            return all;
-        for (Event *event = list->next;; event = event->next) {
-            all.push_back(event);
-            if (event == list || all.size() > 100)
-                return all;
-        }
+        first = -1.0F;
+        last  = -2.0F;
+        return ListSize(first, last, section, beats);
     }
 
-    // one field of every event from the head on
-    template <class Field> std::vector<float> all(Field field) const
+    std::uint64_t window_from(Event *cursor, float beats)
     {
-        std::vector<float> values;
-        for (const Event *event : events())
-            values.push_back(static_cast<float>(field(*event)));
-        return values;
+        section.cursor = cursor;
+        return window(beats);
     }
 
-    std::vector<float> starts() const
+    Floats starts() const
     {
         return all([](const Event &event) { return event.start; });
     }
-    std::vector<float> beats() const
+    Floats beats() const
     {
         return all([](const Event &event) { return event.beat; });
     }
-    std::vector<float> durs() const
+    Floats durs() const
     {
         return all([](const Event &event) { return event.dur; });
     }
-    std::vector<float> codes() const
+    Floats codes() const
     {
         return all([](const Event &event) { return event.code; });
     }
-    std::vector<float> values(int pfield) const
-    {
-        return all([pfield](const Event &event) { return event.pf[pfield - 4]; });
-    }
 
-    using Floats = std::vector<float>;
-
-    std::int32_t n      = 5; // p-fields of an event
-    Event       *list   = nullptr;
-    Event       *cursor = nullptr;
-    Event       *lut    = nullptr;
-    std::int32_t fused  = 0;
+    float first = -1.0F; // of the last window, in beats
+    float last  = -2.0F;
 };
 
 TEST_F(EventList, ANewEventIsAllZero)
@@ -162,7 +122,7 @@ TEST_F(EventList, AChordMemberSharesStartAndBeat)
     EXPECT_EQ((Floats{5.0F, 5.0F}), beats());
     EXPECT_EQ((Floats{1.0F, 0.5F}), durs());
     EXPECT_EQ((Floats{0.0F, 1.0F}), codes());
-    EXPECT_EQ(0, fused);
+    EXPECT_EQ(0, IS_FUSED);
 }
 
 TEST_F(EventList, AChordAdvancesTimeByItsLongestMember)
@@ -179,7 +139,7 @@ TEST_F(EventList, AChordAdvancesTimeByItsLongestMember)
 
 TEST_F(EventList, AFirstEventIsNoChordMember)
 {
-    fused = 1;
+    IS_FUSED = 1;
     add(1.0F, 3.0F, 2.0F);
     EXPECT_EQ((Floats{3.0F}), starts());
     EXPECT_EQ((Floats{2.0F}), beats());
@@ -198,19 +158,18 @@ TEST_F(EventList, ANewListForgetsTheLastLength)
 TEST_F(EventList, InsertingMarksTheSectionAsWritten)
 {
     add(1.0F);
-    EXPECT_EQ(1, WROTE_DATA);
+    EXPECT_TRUE(WROTE_DATA);
 }
 
 TEST_F(EventList, ValuesGoToTheHeadFirst)
 {
     fill(3);
-    WROTE_DATA = 0;
     store(4, 10.0F);
-    EXPECT_EQ(1, WROTE_DATA);
+    EXPECT_TRUE(WROTE_DATA);
     store(4, 20.0F);
     EXPECT_EQ((Floats{10.0F, 20.0F, 0.0F}), values(4));
-    EXPECT_EQ(list->next->next, cursor);
-    EXPECT_EQ(cursor, lut);
+    EXPECT_EQ(list->next->next, section.cursor);
+    EXPECT_EQ(section.cursor, LUT);
 }
 
 TEST_F(EventList, AValueBehindTheTailWrapsToTheHead)
@@ -219,7 +178,7 @@ TEST_F(EventList, AValueBehindTheTailWrapsToTheHead)
     for (const float value : {1.0F, 2.0F, 3.0F})
         store(5, value);
     EXPECT_EQ((Floats{3.0F, 2.0F}), values(5));
-    EXPECT_EQ(list->next, cursor);
+    EXPECT_EQ(list->next, section.cursor);
 }
 
 TEST_F(EventList, ValuesAreMultipliedByTheFactor)
@@ -235,7 +194,7 @@ TEST_F(EventList, AFusedValueMakesACopyBehindTheCursor)
 {
     fill(2);
     store(4, 10.0F);
-    cursor = list;
+    section.cursor = list;
     store(5, 1.0F);
     store_member(5, 2.0F);
     EXPECT_EQ((Floats{10.0F, 10.0F, 0.0F}), values(4));
@@ -244,9 +203,9 @@ TEST_F(EventList, AFusedValueMakesACopyBehindTheCursor)
     EXPECT_EQ((Floats{0.0F, 0.0F, 1.0F}), starts());
     EXPECT_EQ((Floats{1.0F, 1.0F, 1.0F}), durs());
     EXPECT_EQ((Floats{0.0F, 0.0F, 1.0F}), beats());
-    EXPECT_EQ(list->next->next, cursor);
-    EXPECT_EQ(list->next, lut); // the base of the chord
-    EXPECT_EQ(0, fused);
+    EXPECT_EQ(list->next->next, section.cursor);
+    EXPECT_EQ(list->next, LUT); // the base of the chord
+    EXPECT_EQ(0, IS_FUSED);
 }
 
 TEST_F(EventList, ACopyBehindTheTailIsTheNewTail)
@@ -256,7 +215,7 @@ TEST_F(EventList, ACopyBehindTheTailIsTheNewTail)
     store_member(4, 2.0F);
     store_member(4, 3.0F);
     EXPECT_EQ((Floats{1.0F, 2.0F, 3.0F}), values(4));
-    EXPECT_EQ(list, cursor);
+    EXPECT_EQ(list, section.cursor);
     EXPECT_EQ(3.0F, list->pf[0]);
 }
 
@@ -265,12 +224,12 @@ TEST_F(EventList, ALaterFieldTakesChordMembersAsEvents)
     fill(1);
     store(4, 1.0F);
     store_member(4, 2.0F);
-    cursor = list;
+    section.cursor = list;
     store(5, 7.0F);
     store(5, 8.0F);
     EXPECT_EQ((Floats{7.0F, 8.0F}), values(5));
     EXPECT_EQ((Floats{0.0F, 0.0F}), codes());
-    EXPECT_EQ(list, lut);
+    EXPECT_EQ(list, LUT);
 }
 
 TEST_F(EventList, ACopyHasEverythingOfItsSource)
@@ -311,7 +270,7 @@ TEST_F(EventList, ASingleValueIsRepeatedInTheNextEvent)
     store(4, 5.0F);
     EXPECT_EQ(0U, repeat_chord(4));
     EXPECT_EQ((Floats{5.0F, 5.0F, 0.0F}), values(4));
-    EXPECT_EQ(list->next->next, cursor);
+    EXPECT_EQ(list->next->next, section.cursor);
 }
 
 TEST_F(EventList, AChordIsRepeatedInsideTheList)
@@ -319,7 +278,7 @@ TEST_F(EventList, AChordIsRepeatedInsideTheList)
     fill(3);
     for (const float value : {70.0F, 71.0F, 72.0F})
         store(5, value);
-    cursor = list;
+    section.cursor = list;
     store(4, 1.0F);
     store_member(4, 2.0F);
     store_member(4, 3.0F);
@@ -329,7 +288,7 @@ TEST_F(EventList, AChordIsRepeatedInsideTheList)
     EXPECT_EQ((Floats{0.0F, 1.0F, 1.0F, 0.0F, 1.0F, 1.0F, 0.0F}), codes());
     EXPECT_EQ((Floats{0.0F, 0.0F, 0.0F, 1.0F, 1.0F, 1.0F, 2.0F}), starts());
     EXPECT_EQ((Floats{0.0F, 0.0F, 0.0F, 1.0F, 1.0F, 1.0F, 2.0F}), beats());
-    EXPECT_EQ(events()[5], cursor);
+    EXPECT_EQ(events()[5], section.cursor);
 }
 
 TEST_F(EventList, AChordRepeatedOnTheLastEventMovesTheTail)
@@ -339,16 +298,16 @@ TEST_F(EventList, AChordRepeatedOnTheLastEventMovesTheTail)
     store_member(4, 2.0F);
     EXPECT_EQ(1U, repeat_chord(4));
     EXPECT_EQ((Floats{1.0F, 2.0F, 1.0F, 2.0F}), values(4));
-    EXPECT_EQ(list, cursor);
+    EXPECT_EQ(list, section.cursor);
     EXPECT_EQ(2.0F, list->pf[0]);
 }
 
 TEST_F(EventList, AChordRepeatedAtTheTailGrowsInWholeSeconds)
 {
     add(2.75F, 3.5F, 1.0F);
-    cursor = list;
+    section.cursor = list;
     store(5, 9.0F);
-    cursor = list;
+    section.cursor = list;
     store(4, 1.0F);
     store_member(4, 2.0F);
     EXPECT_EQ(1U, repeat_chord(4));
@@ -358,14 +317,14 @@ TEST_F(EventList, AChordRepeatedAtTheTailGrowsInWholeSeconds)
     EXPECT_EQ((Floats{3.5F, 3.5F, 5.0F, 5.0F}), starts());
     EXPECT_EQ((Floats{1.0F, 1.0F, 1.0F, 1.0F}), beats());
     EXPECT_EQ((Floats{0.0F, 1.0F, 0.0F, 1.0F}), codes());
-    EXPECT_EQ(list, cursor);
+    EXPECT_EQ(list, section.cursor);
 }
 
 TEST_F(EventList, GrowingTakesMagnitudesOfTimes)
 {
     add(-2.75F, -3.5F);
-    cursor = list;
-    lut    = list;
+    section.cursor = list;
+    LUT            = list;
     EXPECT_EQ(0U, repeat_chord(4));
     EXPECT_EQ((Floats{-2.75F, 2.0F}), durs());
     EXPECT_EQ((Floats{-3.5F, 5.0F}), starts());
@@ -378,7 +337,7 @@ TEST_F(EventList, GrowingTakesTheLengthOfTheChordAndTheStartOfTheTail)
     list->start     = 10.9F;
     store(4, 6.0F);
     store(5, 7.0F); // the cursor is at the tail, with the first event as the last chord
-    lut = list->next;
+    LUT = list->next;
     EXPECT_EQ(0U, repeat_chord(4));
     EXPECT_EQ(14.0F, list->start);
     EXPECT_EQ(4.0F, list->dur);
@@ -389,8 +348,8 @@ TEST_F(EventList, GrowingTakesTheLengthOfTheChordAndTheStartOfTheTail)
 TEST_F(EventList, GrowingCountsSecondsIn64Bits)
 {
     add(5e9F, 1e10F);
-    cursor = list;
-    lut    = list;
+    section.cursor = list;
+    LUT            = list;
     EXPECT_EQ(0U, repeat_chord(4));
     EXPECT_EQ(5e9F, list->dur);
     EXPECT_EQ(1.5e10F, list->start);
@@ -399,12 +358,12 @@ TEST_F(EventList, GrowingCountsSecondsIn64Bits)
 TEST_F(EventList, AnInsertedEventIsTheCursor)
 {
     fill(2);
-    cursor        = list->next;
-    Event *event  = GetListNode(n);
-    event->pf[0]  = 8.0F;
-    Event *before = list;
-    EXPECT_EQ(event, InsertEvent(event, cursor, list));
-    EXPECT_EQ(event, cursor);
+    section.cursor = list->next;
+    Event *event   = GetListNode(MAX_PFIELDS);
+    event->pf[0]   = 8.0F;
+    Event *before  = list;
+    EXPECT_EQ(event, InsertEvent(event, section));
+    EXPECT_EQ(event, section.cursor);
     EXPECT_EQ(before, list);
     EXPECT_EQ((Floats{0.0F, 8.0F, 0.0F}), values(4));
 }
@@ -412,9 +371,9 @@ TEST_F(EventList, AnInsertedEventIsTheCursor)
 TEST_F(EventList, AnEventInsertedBehindTheTailIsTheTail)
 {
     fill(2);
-    Event *event = GetListNode(n);
-    EXPECT_EQ(event, InsertEvent(event, cursor, list));
-    EXPECT_EQ(event, cursor);
+    Event *event = GetListNode(MAX_PFIELDS);
+    EXPECT_EQ(event, InsertEvent(event, section));
+    EXPECT_EQ(event, section.cursor);
     EXPECT_EQ(event, list);
     EXPECT_EQ(3U, events().size());
 }
@@ -422,21 +381,17 @@ TEST_F(EventList, AnEventInsertedBehindTheTailIsTheTail)
 TEST_F(EventList, AWindowCountsUpToItsLimit)
 {
     fill(5);
-    float first = -1.0F;
-    float last  = -1.0F;
-    EXPECT_EQ(3U, ListSize(first, last, cursor, list, 2.0F)); // beats 0, 1 and 2
+    EXPECT_EQ(3U, window(2.0F)); // beats 0, 1 and 2
     EXPECT_EQ(0.0F, first);
     EXPECT_EQ(2.0F, last);
-    EXPECT_EQ(2U, ListSize(first, last, cursor, list, 1.999F));
+    EXPECT_EQ(2U, window(1.999F));
     EXPECT_EQ(1.0F, last);
 }
 
 TEST_F(EventList, AWindowBeginsAtTheEventBehindTheCursor)
 {
     fill(5);
-    float first = -1.0F;
-    float last  = -1.0F;
-    EXPECT_EQ(2U, ListSize(first, last, list->next, list, 1.0F));
+    EXPECT_EQ(2U, window_from(list->next, 1.0F));
     EXPECT_EQ(1.0F, first);
     EXPECT_EQ(2.0F, last);
 }
@@ -444,11 +399,9 @@ TEST_F(EventList, AWindowBeginsAtTheEventBehindTheCursor)
 TEST_F(EventList, AWindowEndsWithTheList)
 {
     fill(5);
-    float first = -1.0F;
-    float last  = -1.0F;
-    EXPECT_EQ(5U, ListSize(first, last, cursor, list, 1000.0F));
+    EXPECT_EQ(5U, window(1000.0F));
     EXPECT_EQ(4.0F, last);
-    EXPECT_EQ(4U, ListSize(first, last, list->next, list, 1000.0F));
+    EXPECT_EQ(4U, window_from(list->next, 1000.0F));
     EXPECT_EQ(1.0F, first);
 }
 
@@ -458,18 +411,14 @@ TEST_F(EventList, AWindowOfZeroCountsTheEventsOfOneBeat)
     add_member(1.0F);
     add_member(1.0F);
     add(1.0F, 0.0F, 4.0F);
-    float first = -1.0F;
-    float last  = -1.0F;
-    EXPECT_EQ(3U, ListSize(first, last, list, list, 0.0F));
+    EXPECT_EQ(3U, window_from(list, 0.0F));
     EXPECT_EQ(3.0F, first);
     EXPECT_EQ(3.0F, last);
 }
 
 TEST_F(EventList, AnEmptyListHasNoWindow)
 {
-    float first = -1.0F;
-    float last  = -2.0F;
-    EXPECT_EQ(0U, ListSize(first, last, nullptr, nullptr, 5.0F));
+    EXPECT_EQ(0U, window(5.0F));
     EXPECT_EQ(-1.0F, first);
     EXPECT_EQ(-2.0F, last);
 }
@@ -524,7 +473,7 @@ TEST_F(EventList, RestsAreTakenOutAnywhere)
         add(dur);
     EVENTS   = 6;
     EVENT_NO = 16;
-    EXPECT_EQ(1, RemoveRests(list));
+    EXPECT_TRUE(RemoveRests(list));
     EXPECT_EQ((Floats{5.0F, 6.0F}), durs());
     EXPECT_EQ(6.0F, list->dur);
     EXPECT_EQ(2U, EVENTS);
@@ -536,7 +485,7 @@ TEST_F(EventList, WithoutRestsNothingIsTakenOut)
     fill(3);
     EVENTS   = 3;
     EVENT_NO = 3;
-    EXPECT_EQ(1, RemoveRests(list));
+    EXPECT_TRUE(RemoveRests(list));
     EXPECT_EQ(3U, events().size());
     EXPECT_EQ(3U, EVENTS);
     EXPECT_EQ(3U, EVENT_NO);
@@ -548,7 +497,7 @@ TEST_F(EventList, AllRestsLeaveAnEmptyList)
         add(dur);
     EVENTS   = 17;
     EVENT_NO = 5;
-    EXPECT_EQ(0, RemoveRests(list));
+    EXPECT_FALSE(RemoveRests(list));
     EXPECT_EQ(nullptr, list);
     EXPECT_EQ(0U, EVENTS);
     EXPECT_EQ(0U, EVENT_NO);
@@ -558,7 +507,7 @@ TEST_F(EventList, OneEventBetweenRestsIsARingOfItsOwn)
 {
     for (const float dur : {0.0F, 3.0F, 0.0F})
         add(dur);
-    EXPECT_EQ(1, RemoveRests(list));
+    EXPECT_TRUE(RemoveRests(list));
     EXPECT_EQ(list, list->next);
     EXPECT_EQ(3.0F, list->dur);
 }
@@ -578,14 +527,14 @@ TEST_F(EventList, IsEmptyWhenItIsFreed)
 TEST_F(EventList, IsListedWithItsValuesOnTheStandardOutput)
 {
     add(1.0F, 2.5F, 1.0F);
-    cursor = list;
+    section.cursor = list;
     store(4, 1.5F);
-    cursor = list;
+    section.cursor = list;
     store(5, -20.0F);
     store_member(5, 3.0F);
     std::string times;
     EXPECT_EQ("   1.5000\t -20.0000\t   1.5000\t   3.0000\t",
-              output_of([&] { times = file_of([&](std::FILE *file) { TraverseList(list, file, n); }); }));
+              output_of([&] { times = file_of([&](std::FILE *file) { TraverseList(list, file, MAX_PFIELDS); }); }));
     EXPECT_EQ("\nST   2.500\tD   1.000\tBT  1.000\tCODE 0\t"
               "\nST   2.500\tD   1.000\tBT  1.000\tCODE 1\t",
               times);
@@ -593,16 +542,16 @@ TEST_F(EventList, IsListedWithItsValuesOnTheStandardOutput)
 
 TEST_F(EventList, OfThreeFieldsIsListedWithoutValues)
 {
-    n = 3;
+    MAX_PFIELDS = 3;
     add(1.0F);
     std::string times;
-    EXPECT_EQ("", output_of([&] { times = file_of([&](std::FILE *file) { TraverseList(list, file, n); }); }));
+    EXPECT_EQ("", output_of([&] { times = file_of([&](std::FILE *file) { TraverseList(list, file, MAX_PFIELDS); }); }));
     EXPECT_EQ("\nST   0.000\tD   1.000\tBT  0.000\tCODE 0\t", times);
 }
 
 TEST_F(EventList, OfNoEventsIsListedAsNothing)
 {
-    EXPECT_EQ("", output_of([&] { EXPECT_EQ("", file_of([&](std::FILE *file) { TraverseList(list, file, n); })); }));
+    EXPECT_EQ("", output_of([&] { EXPECT_EQ("", file_of([&](std::FILE *file) { TraverseList(list, file, MAX_PFIELDS); })); }));
 }
 
 } // namespace

@@ -1,12 +1,13 @@
 #include "words/keywords.h"
 
-#include "diag/messages.h"
-#include "events/event_list.h"
-#include "events/timing.h"
-#include "lang/pfield.h"
-#include "words/values.h"
 #include "base/conversions.h"
+#include "diag/messages.h"
+#include "events/block.h"
+#include "events/pfields.h"
+#include "events/section.h"
+#include "lang/pfield.h"
 #include "support.h"
+#include "words/values.h"
 
 namespace orlo {
 namespace {
@@ -20,12 +21,9 @@ class Keywords : public testing::Test {
 
     static void reset()
     {
-        free_pfield_record();
-        P_NO        = 0;
-        MAX_PFIELDS = 0;
-        NX          = 0;
-        IN_TYPE     = TYPE_RE;
-        LAST_VAL    = 0.0F;
+        reset_block();
+        reset_pfields();
+        reset_conversions();
     }
 
     // reads a keyword: its code, and the position behind it
@@ -33,7 +31,7 @@ class Keywords : public testing::Test {
     {
         Input        in   = line_of(text);
         std::int32_t read = -1;
-        EXPECT_EQ(1, get_command(read, in)) << text;
+        EXPECT_TRUE(get_command(read, in)) << text;
         EXPECT_EQ(code, read) << text;
         EXPECT_EQ(pos, in.pos) << text;
     }
@@ -42,7 +40,7 @@ class Keywords : public testing::Test {
     {
         Input        in   = line_of(text);
         std::int32_t code = -1;
-        EXPECT_EQ(0, get_command(code, in)) << text;
+        EXPECT_FALSE(get_command(code, in)) << text;
     }
 };
 
@@ -107,16 +105,16 @@ TEST_F(Keywords, AnotherFirstLetterIsNone)
 TEST_F(Keywords, XBehindAPitchTypeIsTaken)
 {
     reads("nox", TYPE_NO, 3);
-    EXPECT_EQ(1, NX);
+    EXPECT_TRUE(NX);
     reads("no", TYPE_NO, 2);
-    EXPECT_EQ(0, NX);
+    EXPECT_FALSE(NX);
     reads("opx", TYPE_OP, 3);
-    EXPECT_EQ(1, NX);
+    EXPECT_TRUE(NX);
 }
 
 TEST_F(Keywords, ADigitBehindATypeGoesToItsPField)
 {
-    ASSERT_EQ(1, make_pfield_record(5));
+    ASSERT_TRUE(make_pfield_record(5));
     MAX_PFIELDS = 5;
     P_NO        = 5;
     reads("re7", TYPE_RE, 3);
@@ -131,7 +129,7 @@ TEST_F(Keywords, ADigitBehindATypeGoesToItsPField)
 
 TEST_F(Keywords, WithoutADigitBnTakesItsOwnAndReNone)
 {
-    ASSERT_EQ(1, make_pfield_record(4));
+    ASSERT_TRUE(make_pfield_record(4));
     MAX_PFIELDS = 4;
     P_NO        = 4;
     RE_FW[2]    = 5;
@@ -151,7 +149,7 @@ TEST_F(Keywords, ADigitAboveSevenIsRefused)
 TEST_F(Keywords, ADigitWithoutAPFieldGoesNowhere)
 {
     reads("re3", TYPE_RE, 3); // no record
-    ASSERT_EQ(1, make_pfield_record(3));
+    ASSERT_TRUE(make_pfield_record(3));
     MAX_PFIELDS = 3;
     for (const std::int32_t number : {1, 4}) {
         P_NO = number;
@@ -161,22 +159,22 @@ TEST_F(Keywords, ADigitWithoutAPFieldGoesNowhere)
     }
 }
 
-TEST_F(Keywords, AnswersAreOneOrZero)
+TEST_F(Keywords, HaveTheirPlaces)
 {
-    EXPECT_EQ(1, is_command(line_of("ra")));
-    EXPECT_EQ(1, is_command(line_of("#")));
-    EXPECT_EQ(0, is_command(line_of("od")));
-    EXPECT_EQ(1, is_out_type(line_of("od")));
-    EXPECT_EQ(0, is_out_type(line_of("ra")));
-    EXPECT_EQ(1, is_gcommand(line_of("te")));
-    EXPECT_EQ(1, is_gcommand(line_of(">")));
-    EXPECT_EQ(1, is_gcommand(line_of("#")));
-    EXPECT_EQ(0, is_gcommand(line_of("ra")));
-    EXPECT_EQ(1, is_input_code(TYPE_RH));
-    EXPECT_EQ(0, is_input_code(CMD_RA));
-    EXPECT_EQ(1, is_pfield(line_of("p4")));
-    EXPECT_EQ(0, is_pfield(line_of("px")));
-    EXPECT_EQ(0, is_pfield(line_of("x4")));
+    EXPECT_TRUE(is_command(line_of("ra")));
+    EXPECT_TRUE(is_command(line_of("#")));
+    EXPECT_FALSE(is_command(line_of("od")));
+    EXPECT_TRUE(is_out_type(line_of("od")));
+    EXPECT_FALSE(is_out_type(line_of("ra")));
+    EXPECT_TRUE(is_gcommand(line_of("te")));
+    EXPECT_TRUE(is_gcommand(line_of(">")));
+    EXPECT_TRUE(is_gcommand(line_of("#")));
+    EXPECT_FALSE(is_gcommand(line_of("ra")));
+    EXPECT_TRUE(is_input_code(TYPE_RH));
+    EXPECT_FALSE(is_input_code(CMD_RA));
+    EXPECT_TRUE(is_pfield(line_of("p4")));
+    EXPECT_FALSE(is_pfield(line_of("px")));
+    EXPECT_FALSE(is_pfield(line_of("x4")));
 }
 
 TEST_F(Keywords, TheRateMayBeSetAmongCommands)
@@ -187,7 +185,6 @@ TEST_F(Keywords, TheRateMayBeSetAmongCommands)
     EXPECT_EQ(OK, do_commands(CMD_SR, section, in));
     EXPECT_EQ(48000U, SRATE);
     EXPECT_EQ(7U, in.pos);
-    SRATE = 44100;
 }
 
 TEST_F(Keywords, ATypeOfOutputIsNoneOfInput)
@@ -195,9 +192,9 @@ TEST_F(Keywords, ATypeOfOutputIsNoneOfInput)
     IN_TYPE     = TYPE_HZ;
     Input in    = line_of("1");
     float value = 5.0F;
-    EXPECT_EQ(0, get_input_type(value, in));
+    EXPECT_FALSE(get_input_type(value, in));
     EXPECT_EQ(0U, in.pos);
-    EXPECT_EQ(0, in_limits('1'));
+    EXPECT_FALSE(in_limits('1'));
 }
 
 } // namespace

@@ -1,24 +1,27 @@
-// The MIDI conversion against the plain walk that defines it, on random lists; numbers of variable length at all their limits.
-#include "events/event_list.h"
-#include "events/timing.h"
-#include "events/value_queue.h"
+// The MIDI conversion against the plain walk that defines it, on random lists.
+
 #include "output/midi_conversion.h"
+
+#include "events/block.h"
+#include "events/event_list.h"
+#include "midi_bytes.h"
 #include "output/midi_file.h"
 
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
 #include <gtest/gtest.h>
-#include <limits>
+
+#include <cmath>
+#include <cstdio>
 #include <ostream>
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace orlo {
 namespace {
+
+using test::append_number;
+using test::written;
 
 constexpr std::int32_t P_FIELDS = 6; // p4, p5 and a p6 that is carried along
 
@@ -113,32 +116,6 @@ std::pair<std::vector<Item>, std::uint64_t> plain_walk(const std::vector<Item> &
     return {list, length};
 }
 
-// what the functions write, as bytes
-template <class Write> std::vector<std::uint8_t> written(Write write)
-{
-    std::FILE *file = std::tmpfile();
-    if (file == nullptr) {
-        throw std::runtime_error("no temporary file");
-    }
-    write(file);
-    std::rewind(file);
-    std::vector<std::uint8_t> bytes;
-    for (int c = std::getc(file); c != EOF; c = std::getc(file)) {
-        bytes.push_back(static_cast<std::uint8_t>(c));
-    }
-    std::fclose(file);
-    return bytes;
-}
-
-void append_number(std::vector<std::uint8_t> &bytes, std::uint64_t value)
-{
-    std::vector<std::uint8_t> groups{static_cast<std::uint8_t>(value % 128)};
-    for (value /= 128; value != 0; value /= 128) {
-        groups.insert(groups.begin(), static_cast<std::uint8_t>(128 + value % 128));
-    }
-    bytes.insert(bytes.end(), groups.begin(), groups.end());
-}
-
 std::vector<std::uint8_t> expected_track(const std::vector<Item> &list, std::uint64_t length)
 {
     std::vector<std::uint8_t> bytes{'M', 'T', 'r', 'k'};
@@ -161,6 +138,9 @@ std::vector<std::uint8_t> expected_track(const std::vector<Item> &list, std::uin
 
 class MidiConversion : public testing::Test {
   protected:
+    void SetUp() override { reset_block(); }
+    void TearDown() override { reset_block(); }
+
     // converts and writes a list and compares all that can be seen with the plain walk
     static void check(const std::vector<Item> &events)
     {
@@ -404,54 +384,6 @@ TEST(MidiEvents, ChannelsAndBytes)
     EXPECT_EQ(written([](std::FILE *file) { NoteOn(file, 0, -1, 256, 0); }), (std::vector<std::uint8_t>{0x00, 0x90, 0xFF, 0x00}));
     EXPECT_EQ(written([](std::FILE *file) { NoteOff(file, 127, 60, 0); }), (std::vector<std::uint8_t>{0x7F, 0x80, 60, 64}));
     EXPECT_EQ(written([](std::FILE *file) { NoteOff(file, 128, 60, 9); }), (std::vector<std::uint8_t>{0x81, 0x00, 0x89, 60, 64}));
-}
-
-TEST(VariableLength, GroupLimits)
-{
-    for (unsigned groups = 1; groups <= 9; groups++) {
-        const std::uint64_t first = groups == 1 ? 0 : std::uint64_t{1} << (7 * (groups - 1)); // smallest number of so many groups
-        const std::uint64_t last  = (std::uint64_t{1} << (7 * groups)) - 1;
-        EXPECT_EQ(VLSize(first), groups);
-        EXPECT_EQ(VLSize(last), groups);
-        for (const std::uint64_t value : {first, first + 1, (first + last) / 2, last}) {
-            std::vector<std::uint8_t> expected;
-            append_number(expected, value);
-            EXPECT_EQ(written([value](std::FILE *file) { WriteVarLen(value, file); }), expected) << value;
-            EXPECT_EQ(expected.size(), VLSize(value)) << value;
-        }
-    }
-    EXPECT_EQ(VLSize(std::uint64_t{1} << 63), 10U);
-    EXPECT_EQ(VLSize(std::numeric_limits<std::uint64_t>::max()), 10U);
-}
-
-TEST(VariableLength, KnownNumbers) // the examples of the MIDI file format
-{
-    const std::pair<std::uint64_t, std::vector<std::uint8_t>> known[] = {
-        {0x00, {0x00}},
-        {0x40, {0x40}},
-        {0x7F, {0x7F}},
-        {0x80, {0x81, 0x00}},
-        {0x2000, {0xC0, 0x00}},
-        {0x3FFF, {0xFF, 0x7F}},
-        {0x4000, {0x81, 0x80, 0x00}},
-        {0x100000, {0xC0, 0x80, 0x00}},
-        {0x1FFFFF, {0xFF, 0xFF, 0x7F}},
-        {0x200000, {0x81, 0x80, 0x80, 0x00}},
-        {0x8000000, {0xC0, 0x80, 0x80, 0x00}},
-        {0xFFFFFFF, {0xFF, 0xFF, 0xFF, 0x7F}},
-    };
-    for (const auto &[value, bytes] : known) {
-        EXPECT_EQ(written([value = value](std::FILE *file) { WriteVarLen(value, file); }), bytes) << value;
-    }
-}
-
-TEST(Ticks, SecondsAreCutOff)
-{
-    EXPECT_EQ(ticks(0.0F), 0U);
-    EXPECT_EQ(ticks(1.0F), 480U);
-    EXPECT_EQ(ticks(0.002F), 0U);
-    EXPECT_EQ(ticks(0.999F), 479U);
-    EXPECT_EQ(ticks(-1.0F), 0U);
 }
 
 } // namespace

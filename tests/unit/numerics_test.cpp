@@ -185,5 +185,14 @@ TEST(Mod, WhatIsNotFiniteGivesNoNumber)
 
 TEST(Mod, AnInfiniteDivisorEnds) { EXPECT_TRUE(std::isnan(mod(5.0F, FLOAT_INF))); } // 5 - infinity * 0
 
+TEST(Swapf, TwoNumbersAreExchanged)
+{
+    float a = 1.0F;
+    float b = 2.0F;
+    swapf(a, b);
+    EXPECT_EQ(2.0F, a);
+    EXPECT_EQ(1.0F, b);
+}
+
 } // namespace
 } // namespace orlo

@@ -1,5 +1,7 @@
-#include "diag/messages.h"
 #include "diag/report.h"
+
+#include "base/switches.h"
+#include "diag/messages.h"
 #include "support.h"
 
 #include <limits>
@@ -17,9 +19,8 @@ class Report : public testing::Test {
 
     static void reset()
     {
-        MKLOG   = 0;
-        SUPRESS = 0;
-        fllog   = nullptr;
+        reset_switches();
+        fllog = nullptr;
     }
 
     // the log of a call, whose screen must show the same
@@ -27,7 +28,7 @@ class Report : public testing::Test {
     {
         std::string screen;
         std::string log = file_of([&](std::FILE *file) {
-            MKLOG  = 1;
+            MKLOG  = true;
             fllog  = file;
             screen = screen_of(call);
         });
@@ -263,14 +264,14 @@ TEST_F(Report, TheLogShowsWarningsWithTheirLine)
 
 TEST_F(Report, SuppressedWarningsOfAnyNumberAreSilent)
 {
-    SUPRESS = 1;
+    SUPRESS = true;
     for (int number = -1; number <= 40; ++number)
         EXPECT_EQ("", screen_of([&] { warning_no(number, 7, "p3", 1); })) << number;
 }
 
 TEST_F(Report, ErrorsAndMessagesAreNeverSuppressed)
 {
-    SUPRESS = 1;
+    SUPRESS = true;
     EXPECT_EQ("\nERROR: P-fields don't match i-block header!\n\n", screen_of([] { error_no(4, 7, "p3", 1); }));
     EXPECT_EQ("p3\n ^\n", screen_of([] { error_no(1000, 7, "p3", 1); }));
     EXPECT_EQ("notice", screen_of([] { Mprintf("notice"); }));
@@ -292,7 +293,7 @@ TEST_F(Report, ACharacterBehindTextOfAnyLengthArrives)
 
 TEST_F(Report, AnErrorBeforeTheLogIsOpenGoesToTheScreen)
 {
-    MKLOG = 1;
+    MKLOG = true;
     EXPECT_EQ("\n\nERROR: Line 4: Yikes, out of memory!\np4\n^\n", screen_of([] { error_no(OUT_OF_MEMORY, 4, "p4", 0); }));
 }
 

@@ -1,5 +1,6 @@
 #include "input/scanners.h"
-#include "output/midi_conversion.h"
+
+#include "base/switches.h"
 #include "support.h"
 
 #include <cmath>
@@ -13,35 +14,35 @@ using test::wide;
 
 // what a scanner made of a text
 template <class Value> struct Scan {
-    int           result;
+    bool          result;
     Value         value; // 77 when nothing was stored
     std::uint32_t pos;
 };
 
-template <class Value> Scan<Value> scan(int (*scanner)(Value &, Input &), std::string_view text, std::uint32_t pos = 0)
+template <class Value> Scan<Value> scan(bool (*scanner)(Value &, Input &), std::string_view text, std::uint32_t pos = 0)
 {
     Input in = line_of(text);
     in.pos   = pos;
-    Scan<Value> scanned{0, Value{77}, 0};
+    Scan<Value> scanned{false, Value{77}, 0};
     scanned.result = scanner(scanned.value, in);
     scanned.pos    = in.pos;
     return scanned;
 }
 
 // a number that ends at a position
-template <class Value> void reads(int (*scanner)(Value &, Input &), std::string_view text, Value value, std::uint32_t pos)
+template <class Value> void reads(bool (*scanner)(Value &, Input &), std::string_view text, Value value, std::uint32_t pos)
 {
     const Scan<Value> scanned = scan(scanner, text);
-    EXPECT_EQ(1, scanned.result) << text;
+    EXPECT_TRUE(scanned.result) << text;
     EXPECT_EQ(value, scanned.value) << text;
     EXPECT_EQ(pos, scanned.pos) << text;
 }
 
 // no number, with the position left somewhere
-template <class Value> void refuses(int (*scanner)(Value &, Input &), std::string_view text, std::uint32_t pos)
+template <class Value> void refuses(bool (*scanner)(Value &, Input &), std::string_view text, std::uint32_t pos)
 {
     const Scan<Value> scanned = scan(scanner, text);
-    EXPECT_EQ(0, scanned.result) << text;
+    EXPECT_FALSE(scanned.result) << text;
     EXPECT_EQ(pos, scanned.pos) << text;
 }
 
@@ -296,13 +297,13 @@ TEST(GetDb, OutOfRangeItFailsJustBehindTheNumber)
 
 class GetOctPc : public testing::Test {
   protected:
-    void SetUp() override { MKMIDI = 0; }
-    void TearDown() override { MKMIDI = 0; }
+    void SetUp() override { reset_switches(); }
+    void TearDown() override { reset_switches(); }
 
     static void reads_near(std::string_view text, double value, std::uint32_t pos)
     {
         const Scan<float> scanned = scan(get_oct_pc, text);
-        EXPECT_EQ(1, scanned.result) << text;
+        EXPECT_TRUE(scanned.result) << text;
         EXPECT_NEAR(value, wide(scanned.value), 1e-4) << text;
         EXPECT_EQ(pos, scanned.pos) << text;
     }
@@ -330,14 +331,14 @@ TEST_F(GetOctPc, ANegativeOctaveGivesTheNegatedResult)
 
 TEST_F(GetOctPc, ForMidiItIsAnOctaveHigher)
 {
-    MKMIDI = 1;
+    MKMIDI = true;
     reads_near("8.07", 67.0, 4);
     reads_near("4.00", 12.0, 4);
 }
 
 TEST_F(GetOctPc, ForMidiANegativeOctaveLosesItsSign)
 {
-    MKMIDI = 1;
+    MKMIDI = true;
     reads_near("-8.07", 67.0, 5);
 }
 
@@ -359,11 +360,11 @@ TEST_F(GetOctPc, TheOctaveHas16Bits)
 
 TEST(IsLastVariable, IsEitherZ)
 {
-    EXPECT_EQ(1, is_last_variable(line_of("z")));
-    EXPECT_EQ(1, is_last_variable(line_of("Z 5")));
-    EXPECT_EQ(0, is_last_variable(line_of(" z")));
-    EXPECT_EQ(0, is_last_variable(line_of("y")));
-    EXPECT_EQ(0, is_last_variable(line_of("")));
+    EXPECT_TRUE(is_last_variable(line_of("z")));
+    EXPECT_TRUE(is_last_variable(line_of("Z 5")));
+    EXPECT_FALSE(is_last_variable(line_of(" z")));
+    EXPECT_FALSE(is_last_variable(line_of("y")));
+    EXPECT_FALSE(is_last_variable(line_of("")));
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "events/tempo_map.h"
 
-#include "events/timing.h"
+#include "base/clock.h"
+#include "base/switches.h"
+#include "events/block.h"
 #include "support.h"
 
 #include <cmath>
@@ -19,18 +21,15 @@ class TempoMap : public testing::Test {
 
     static void reset()
     {
-        for (TempoSegment &segment : TEMPO_LIST)
-            segment = {};
-        TEMPO_LIST[0] = {0.0F, 60.0F, 0.0F, 60.0F, 1.0F, 0.0F};
-        TOT_TEMPOS    = 1;
-        TEMPO         = 60.0F;
-        SHOW_TEMPOS   = 0;
-        CBEATS        = 0.0F;
+        reset_tempos();
+        reset_clock();
+        reset_switches();
+        reset_block();
     }
 
     static void add(float stime, float etime, float stempo, float etempo, float type = 0.0F, float vcurve = 1.0F)
     {
-        ASSERT_EQ(1, add_tempo({stime, stempo, etime, etempo, type, vcurve}));
+        ASSERT_TRUE(add_tempo({stime, stempo, etime, etempo, type, vcurve}));
     }
 };
 
@@ -131,12 +130,12 @@ TEST_F(TempoMap, SecondsAreComputedIn64Bits)
 
 TEST_F(TempoMap, AConversionCanBeTraced)
 {
-    SHOW_TEMPOS = 1;
+    SHOW_TEMPOS = true;
     add(0.0F, 8.0F, 60.0F, 120.0F);
     CBEATS = 4.0F;
     EXPECT_EQ("\n  > Beat    4.00 Tempo =   90.00 Val =    1.50 (bts)    1.00 (secs)",
               screen_of([] { EXPECT_EQ(1.0F, to_tempo(1.5F)); }));
-    SHOW_TEMPOS = 0;
+    SHOW_TEMPOS = false;
     EXPECT_EQ("", screen_of([] { EXPECT_EQ(1.0F, to_tempo(1.5F)); }));
 }
 
@@ -154,12 +153,22 @@ TEST_F(TempoMap, HoldsFiftySegments)
     for (int i = 1; i < 50; ++i)
         add(static_cast<float>(i), static_cast<float>(i), 60.0F, static_cast<float>(i));
     EXPECT_EQ(50, TOT_TEMPOS);
-    EXPECT_EQ(0, add_tempo({50.0F, 60.0F, 50.0F, 60.0F, 0.0F, 1.0F}));
+    EXPECT_FALSE(add_tempo({50.0F, 60.0F, 50.0F, 60.0F, 0.0F, 1.0F}));
     EXPECT_EQ(50, TOT_TEMPOS);
     EXPECT_EQ(49.0, find_tempo(1000.0F));
     EXPECT_EQ(49, curtempo(1000.0F));
-    EXPECT_EQ(1, add_tempo({0.0F, 70.0F, 0.0F, 70.0F, 0.0F, 1.0F})); // still replaces the first
+    EXPECT_TRUE(add_tempo({0.0F, 70.0F, 0.0F, 70.0F, 0.0F, 1.0F})); // still replaces the first
     EXPECT_EQ(70.0, find_tempo(0.5F));
+}
+
+TEST_F(TempoMap, ARunStartsWithTheFirstMap)
+{
+    add(0.0F, 8.0F, 90.0F, 90.0F);
+    add(8.0F, 9.0F, 90.0F, 100.0F);
+    reset_tempos();
+    EXPECT_EQ(1, TOT_TEMPOS);
+    EXPECT_EQ(60.0, find_tempo(8.5F));
+    EXPECT_EQ(0.0F, TEMPO_LIST[1].stime);
 }
 
 TEST_F(TempoMap, AnOverlapIsWarnedOf)
@@ -213,17 +222,17 @@ TEST_F(TempoMap, TheFirstMapIsListedAsE)
 TEST_F(TempoMap, ATempoIsFromOneTo4000)
 {
     for (const float tempo : {1.0F, 60.0F, 4000.0F})
-        EXPECT_EQ(1, good_tempo(tempo)) << tempo;
+        EXPECT_TRUE(good_tempo(tempo)) << tempo;
     for (const float tempo : {0.9999F, 0.0F, -60.0F, 4000.5F, std::numeric_limits<float>::infinity(), std::nanf("")})
-        EXPECT_EQ(0, good_tempo(tempo)) << tempo;
+        EXPECT_FALSE(good_tempo(tempo)) << tempo;
 }
 
 TEST_F(TempoMap, ATimeIsFromZeroTo10000)
 {
     for (const float beats : {0.0F, 0.001F, 10000.0F})
-        EXPECT_EQ(1, good_time(beats)) << beats;
+        EXPECT_TRUE(good_time(beats)) << beats;
     for (const float beats : {-0.001F, 10000.5F, -std::numeric_limits<float>::infinity(), std::nanf("")})
-        EXPECT_EQ(0, good_time(beats)) << beats;
+        EXPECT_FALSE(good_time(beats)) << beats;
 }
 
 } // namespace

@@ -1,57 +1,71 @@
-// A name from tmpnam may be taken by somebody else before it is used. Opening with "x" fails on any file that exists, a link
-// included, so that nothing foreign is ever followed or truncated; then another name is tried.
-// A signal handler may call little: unlink, signal and raise are allowed (POSIX.1-2017, 2.4.3).
+// mkstemp makes a file that nobody else has or can read (POSIX.1-2017), whatever the umask says. The folder that the user names
+// comes first; where no file can be made in it, the system's own.
 
 #include "platform/temporary_file.h"
 
+#include "platform/ending_signals.h"
+#include "platform/screen.h"
+
+#include <climits>
 #include <csignal>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace orlo {
 namespace {
 
-constexpr int ATTEMPTS         = 100; // names tried before giving up
-constexpr int ending_signals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr char NAME_PATTERN[] = "/fileXXXXXX";
 
-char                       tmp_fname[L_tmpnam]; // settled before file_exists is set
+char                       tmp_fname[PATH_MAX]; // settled before file_exists is set
 volatile std::sig_atomic_t file_exists = 0;     // 1 from the file's creation to its removal
 
-extern "C" void remove_and_end(int signal_number)
+// called by a signal, which may come at any time
+void remove_in_signal()
 {
+    flush_screen_in_signal();
     if (file_exists != 0)
         static_cast<void>(unlink(tmp_fname));
-    std::signal(signal_number, SIG_DFL);
-    std::raise(signal_number);
 }
 
-// a signal that the caller had switched off stays off
-void watch_signals()
+// a new file in a folder; its descriptor, or -1
+int make_file(const char *folder)
 {
-    for (const int number : ending_signals)
-        if (std::signal(number, SIG_IGN) != SIG_IGN)
-            std::signal(number, remove_and_end);
+    const int length = std::snprintf(tmp_fname, sizeof tmp_fname, "%s%s", folder, NAME_PATTERN);
+    return length < static_cast<int>(sizeof tmp_fname) ? mkstemp(tmp_fname) : -1;
+}
+
+int make_file_somewhere()
+{
+    const char *named = std::getenv("TMPDIR");
+    const int   file  = named != nullptr && *named != '\0' ? make_file(named) : -1;
+    return file >= 0 ? file : make_file(P_tmpdir);
+}
+
+// the open file as a stream, null without one
+std::FILE *make_stream(int file)
+{
+    if (file < 0)
+        return nullptr;
+    std::FILE *stream = fdopen(file, "w");
+    if (stream == nullptr) {
+        close(file);
+        static_cast<void>(unlink(tmp_fname));
+    }
+    return stream;
 }
 
 } // namespace
 
 std::FILE *open_temporary_file()
 {
-    sigset_t ending;
-    sigset_t before;
-    sigemptyset(&ending);
-    for (const int number : ending_signals)
-        sigaddset(&ending, number);
-    sigprocmask(SIG_BLOCK, &ending, &before);
-
-    std::FILE *file = nullptr;
-    for (int i = 0; i < ATTEMPTS && file == nullptr && std::tmpnam(tmp_fname) != nullptr; ++i)
-        file = std::fopen(tmp_fname, "wx");
-    if (file != nullptr) {
+    hold_ending_signals();
+    std::FILE *stream = make_stream(make_file_somewhere());
+    if (stream != nullptr) {
         file_exists = 1;
-        watch_signals();
+        on_ending_signal(remove_in_signal);
     }
-    sigprocmask(SIG_SETMASK, &before, nullptr);
-    return file;
+    release_ending_signals();
+    return stream;
 }
 
 std::FILE *reopen_temporary_file() { return std::fopen(tmp_fname, "r"); }
@@ -60,8 +74,11 @@ void remove_temporary_file()
 {
     if (file_exists == 0)
         return;
+    hold_ending_signals();
     std::remove(tmp_fname);
     file_exists = 0;
+    let_signals_end();
+    release_ending_signals();
 }
 
 } // namespace orlo

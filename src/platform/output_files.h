@@ -1,0 +1,36 @@
+// output_files.h: the files that a run writes, and which file is which. An earlier file of the same name is opened as it is and
+// emptied when the first byte for it is on its way, so that a run that fails before leaves it. Writes nothing itself.
+#pragma once
+
+#include <cstdio>
+
+namespace orlo {
+
+inline constexpr int MOST_OUTPUTS = 3; // score, trace and log
+
+/// Whether two names lead to one regular file, also by links. Devices and pipes are nobody's files.
+[[nodiscard]] bool same_file(const char *a, const char *b);
+
+/// Whether two names would make one file: neither exists, and their folders and last parts are the same.
+[[nodiscard]] bool same_new_file(const char *a, const char *b);
+
+/// Opens a file for writing, and makes it when there is none. @return the stream, or null
+[[nodiscard]] std::FILE *open_output(const char *name);
+
+/// Says that bytes for an output are on their way: an earlier file is emptied, once. To be called before its first byte, at least.
+/// @return false when the output is spared, or null
+bool begin_output(std::FILE *output);
+
+/// The output that is the same regular file as an open input, null when there is none.
+[[nodiscard]] std::FILE *find_output(std::FILE *input);
+
+/// Whether a stream leads to the same file, device or pipe as an output.
+[[nodiscard]] bool is_output(std::FILE *stream);
+
+/// Leaves what is in an output as it is, for the rest of the run.
+void spare_output(std::FILE *output);
+
+/// Closes an output, if it is open, and sets it to null. @return false when anything that was written is lost
+bool close_output(std::FILE *&output);
+
+} // namespace orlo
