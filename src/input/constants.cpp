@@ -178,7 +178,7 @@ int parse_var(Input &in)
 
 int parse_variables(Input &in, const DefinitionMarks &marks)
 {
-    CommentFlags flags{IN_COMMENT, IN_COMMENT};
+    PassComments flags{IN_COMMENT, IN_COMMENT};
     in.pos = 0;
     while (peek(in) != '\0') { // each step moves on: what is inserted holds no reference
         if (peek(in) == '~' && !flags.comment && !(marks.any && marks.columns[in.pos])) {
