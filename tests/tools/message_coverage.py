@@ -77,6 +77,7 @@ UNNUMBERED = [
     "There is no macro \"",
     "There is no constant \"",
     "\" expands without end!\n",
+    ": Too many expansions! (Max = ",
     "The expanded line has exceeded the maximum number\nof characters allowed (2047).\n",
     "The macro body has exceeded the maximum number\nof characters allowed (2048).\n",
 ]
