@@ -4,6 +4,8 @@
 
 #include "base/number_text.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -18,7 +20,23 @@ constexpr std::uint32_t HIDDEN_BIT    = std::uint32_t{1} << MANTISSA_BITS;
 constexpr int           EXPONENT_BIAS = 150; // of a mantissa taken as a whole number
 constexpr int           LARGEST_SHIFT = 15;  // 24 bits, and 24 of 10^7, leave room for so many more
 
-constexpr std::uint64_t powers_of_ten[MOST_DECIMALS + 1] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
+constexpr int MOST_WIDTH  = 16;
+constexpr int MOST_DIGITS = 19; // below 2^63
+
+constexpr auto powers_of_ten = [] {
+    std::array<std::uint64_t, MOST_DIGITS + 1> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i)
+        powers[i] = powers[i - 1] * 10;
+    return powers;
+}();
+
+// the digits of 0 to 99, two each
+constexpr auto pairs = [] {
+    std::array<char, 200> digits{};
+    for (std::size_t i = 0; i < digits.size(); ++i)
+        digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+    return digits;
+}();
 
 // a number shifted right by 1 or more, to the nearest, ties to even
 std::uint64_t shift_right_rounded(std::uint64_t number, int shift)
@@ -31,21 +49,26 @@ std::uint64_t shift_right_rounded(std::uint64_t number, int shift)
     return kept + (rest > half || (rest == half && (kept & 1) != 0) ? 1 : 0);
 }
 
-// takes a number's last digit off and writes it in front of a text
-void put_digit_before(char *&start, std::uint64_t &number)
+// digits of a number, none of 0; 1233 / 4096 is a little more than the logarithm of 2
+int count_digits(std::uint64_t number)
 {
-    *--start = static_cast<char>('0' + number % 10);
-    number /= 10;
+    const auto at_most = static_cast<std::size_t>(std::bit_width(number) * 1233 >> 12);
+    return static_cast<int>(at_most) + (number >= powers_of_ten[at_most] ? 1 : 0);
 }
 
-// copies a text that was built at the end of a buffer, with blanks in front of it up to a width
-char *put_aligned(char *text, const char *start, const char *end, int width)
+// takes so many of a number's last digits off and writes them in front of a text; returns where they begin
+char *put_digits_before(char *start, std::uint64_t &number, int count)
 {
-    const std::ptrdiff_t length = end - start;
-    for (std::ptrdiff_t blanks = width - length; blanks > 0; --blanks)
-        *text++ = ' ';
-    std::memcpy(text, start, static_cast<std::size_t>(length));
-    return text + length;
+    for (; count >= 2; count -= 2) {
+        start -= 2;
+        std::memcpy(start, pairs.data() + 2 * (number % 100), 2);
+        number /= 100;
+    }
+    if (count > 0) {
+        *--start = static_cast<char>('0' + number % 10);
+        number /= 10;
+    }
+    return start;
 }
 
 } // namespace
@@ -61,30 +84,32 @@ char *put_real(char *text, float value, int width, int decimals)
         return text + std::snprintf(text, LONGEST_NUMBER, "%*.*f", width, decimals, printable(static_cast<double>(value)));
 
     const std::uint64_t mantissa = (bits & (HIDDEN_BIT - 1)) | (exponent == 0 ? 0 : HIDDEN_BIT);
-    const std::uint64_t product  = mantissa * powers_of_ten[decimals];
+    const std::uint64_t product  = mantissa * powers_of_ten[static_cast<std::size_t>(decimals)];
     const std::uint64_t scaled   = shift >= 0 ? product << shift : shift_right_rounded(product, -shift);
 
-    char          buffer[LONGEST_NUMBER];
-    char         *end   = buffer + sizeof buffer;
-    char         *start = end;
-    std::uint64_t rest  = scaled;
-    for (int i = 0; i < decimals; ++i)
-        put_digit_before(start, rest);
+    const bool    negative = bits >> 31 != 0;
+    const int     digits   = std::max(count_digits(scaled), decimals + 1);
+    char         *end      = text + std::max(digits + (decimals > 0 ? 1 : 0) + (negative ? 1 : 0), width);
+    std::uint64_t rest     = scaled;
+    std::memset(text, ' ', MOST_WIDTH); // of which the number takes its part
+    char *start = put_digits_before(end, rest, decimals);
     if (decimals > 0)
         *--start = '.';
-    do
-        put_digit_before(start, rest);
-    while (rest != 0);
-    if (bits >> 31 != 0)
+    start = put_digits_before(start, rest, digits - decimals);
+    if (negative)
         *--start = '-';
-    return put_aligned(text, start, end, width);
+    return end;
 }
 
 char *put_whole(char *text, std::int32_t value, int width)
 {
     char                       buffer[LONGEST_NUMBER];
     const std::to_chars_result result = std::to_chars(buffer, buffer + sizeof buffer, value);
-    return put_aligned(text, buffer, result.ptr, width);
+    const std::ptrdiff_t       length = result.ptr - buffer;
+    for (std::ptrdiff_t blanks = width - length; blanks > 0; --blanks)
+        *text++ = ' ';
+    std::memcpy(text, buffer, static_cast<std::size_t>(length));
+    return text + length;
 }
 
 } // namespace orlo

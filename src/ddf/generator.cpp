@@ -12,6 +12,7 @@
 #include "diag/report.h"
 #include "events/block.h"
 #include "input/scanners.h"
+#include "platform/screen.h"
 #include "words/range_letters.h"
 #include "words/values.h"
 
@@ -215,6 +216,7 @@ float curve_at(const Place &place, float curve, float exponent, float start, flo
     if (code < TIME_CURVE)
         return pplot_val(place.index, place.count, code, start, end, power);
     const float time = place.event->beat - place.first;
+    flush_screen();
     std::printf("\ntime = %f", printable(static_cast<double>(time)));
     return tplot_val(code - TIME_CURVE, time, place.last + place.first, start, end, power);
 }

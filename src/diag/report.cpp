@@ -1,12 +1,13 @@
-// The screen stream is unbuffered, so every call on it costs a write to the system. A message is therefore collected in a small
-// buffer on the stack and leaves it in one piece, or in several when it is longer than the buffer. Nothing is allocated: an
-// exhausted memory can still be reported.
+// A message is collected in a small buffer on the stack and leaves it in one piece, or in several when it is longer than the
+// buffer: where the screen shows it at once, every piece costs a write to the system. Nothing is allocated: an exhausted memory can
+// still be reported.
 
 #include "diag/report.h"
 
 #include "base/number_text.h"
 #include "base/switches.h"
 #include "diag/messages.h"
+#include "platform/screen.h"
 
 #include <algorithm>
 #include <charconv>
@@ -50,7 +51,10 @@ struct Text {
 
 void flush(Text &out)
 {
-    std::fwrite(out.buffer, 1, out.used, out.stream);
+    if (out.stream == stderr)
+        put_on_screen(out.buffer, out.used);
+    else
+        std::fwrite(out.buffer, 1, out.used, out.stream);
     if (out.logged)
         write_to_log(out.buffer, out.used);
     out.used = 0;

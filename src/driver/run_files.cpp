@@ -12,6 +12,7 @@
 #include "input/line_reader.h"
 #include "input/macro_expansion.h"
 #include "platform/output_files.h"
+#include "platform/screen.h"
 #include "platform/temporary_file.h"
 
 namespace orlo {
@@ -102,11 +103,13 @@ int combine_input(Files &files)
         return FULLY_REPORTED;
     }
     files.in = reopen_temporary_file();
+    gather_screen(); // no input that the screen could be is left to be read
     return files.in != nullptr ? OK : NO_TEMPORARY_FILE;
 }
 
 bool close_files(Files &files, bool complete)
 {
+    end_gathering();
     if (complete) { // a run that had nothing to write leaves nothing of an earlier one
         begin_output(files.out);
         begin_output(fecho);

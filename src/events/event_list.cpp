@@ -4,19 +4,21 @@
 #include "events/event_list.h"
 
 #include "base/numerics.h"
+#include "events/arena.h"
 #include "events/block.h"
 #include "events/pfields.h"
 #include "events/section.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace orlo {
 
 Event *note_list = nullptr;
 
 namespace {
+
+constexpr std::int32_t LEAST_VALUES = 2; // room that every event has: a MIDI note has a velocity and a key, whatever the block has
 
 float last_dur    = 0.0F;  // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
 bool  has_members = false; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
@@ -54,37 +56,17 @@ Event *grow_by_whole_seconds(const Event *list)
     return event;
 }
 
-void free_ring(Event *list)
-{
-    Event *event = list->next;
-    list->next   = nullptr;
-    while (event != nullptr) {
-        Event *next = event->next;
-        FreeEvent(event);
-        event = next;
-    }
-}
-
 } // namespace
 
 Event *GetListNode(std::int32_t n)
 {
-    auto *event = static_cast<Event *>(std::malloc(sizeof(Event)));
+    const auto values = static_cast<std::size_t>(std::max(n - 3, LEAST_VALUES));
+    auto      *event  = static_cast<Event *>(take_piece(sizeof(Event) + values * sizeof(float)));
     if (event == nullptr)
         return nullptr;
-    auto *values = static_cast<float *>(std::calloc(static_cast<std::size_t>(n), sizeof(float)));
-    if (values == nullptr) {
-        std::free(event);
-        return nullptr;
-    }
-    *event = {0, 0.0F, 0.0F, 0.0F, values, nullptr};
+    *event = {0, 0.0F, 0.0F, 0.0F, reinterpret_cast<float *>(event + 1), nullptr};
+    std::fill_n(event->pf, values, 0.0F);
     return event;
-}
-
-void FreeEvent(Event *event)
-{
-    std::free(event->pf);
-    std::free(event);
 }
 
 bool InsertBegTime(Section &section, float dur)
@@ -264,6 +246,7 @@ bool RemoveRests(Event *&list)
     }
     list = last;
     if (last == nullptr) {
+        give_back_pieces();
         EVENTS   = 0;
         EVENT_NO = 0;
         return false;
@@ -274,8 +257,7 @@ bool RemoveRests(Event *&list)
 
 void FreeListNodes(Event *&list)
 {
-    if (list != nullptr)
-        free_ring(list);
+    give_back_pieces();
     list = nullptr;
 }
 

@@ -1,4 +1,5 @@
-// The events of one i-block, as a ring that is held by its last event. Reads no text, reports no errors.
+// The events of one i-block, as a ring that is held by its last event. Reads no text, reports no errors. An event's values lie
+// behind it, in memory that is given back as a whole when the block is done.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,7 @@ struct Event {
     float        start; // seconds
     float        dur;   // seconds; first the time to the next start, then the duration; 0 or less is a rest
     float        beat;  // start in beats
-    float       *pf;    // p4 and up, p-field n at n - 4; room for as many floats as there are p-fields, 0 at start
+    float       *pf;    // p4 and up, p-field n at n - 4, 0 at start; room for p4 and p5 at least
     Event       *next;  // the last event points to the first
 };
 
@@ -30,8 +31,8 @@ struct ListStats {
 /// A new event for n p-fields, all zero; null when memory is exhausted.
 [[nodiscard]] Event *GetListNode(std::int32_t n);
 
-/// Gives an event's memory back.
-void FreeEvent(Event *event);
+/// An event that is in no list any more. Its memory goes back with that of the block.
+inline void FreeEvent(Event *) {}
 
 /// Appends an event of p2, with MAX_PFIELDS p-fields. The first one starts at STIME, every later one as long after its predecessor
 /// as that one's dur says (after a chord: its longest dur); its beat is CBEATS. With IS_FUSED the event joins its predecessor as a
@@ -67,10 +68,10 @@ void GetListStats(const Event *list, ListStats &stats);
 void ClearLFusedCode(Event *list);
 
 /// Takes the rests (dur of 0 or less) out of a list that is not empty, counting EVENTS and EVENT_NO down by one for each.
-/// @return false for an empty list, both counters 0
+/// @return false when nothing is left: both counters are 0, and every event is freed
 [[nodiscard]] bool RemoveRests(Event *&list);
 
-/// Frees every event; the list is empty then.
+/// Frees every event there is, whatever the list holds; the list is empty then.
 void FreeListNodes(Event *&list);
 
 /// Frees the block's events and sets what is private to this room back to the start of a run.

@@ -100,19 +100,6 @@ void push(PendingHeap &heap, Event *off, std::uint64_t number)
     std::push_heap(heap.items, heap.items + heap.count, comes_later);
 }
 
-// what is not in the track yet is freed; the track is left to the driver
-Event *join(Track &track, Event *rest, PendingHeap &heap)
-{
-    while (heap.count > 0)
-        FreeEvent(heap.items[--heap.count].event);
-    while (rest != nullptr) {
-        Event *next = rest->next;
-        FreeEvent(rest);
-        rest = next;
-    }
-    return track.tail;
-}
-
 // converts a list that has been cut open in front of its head
 int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
 {
@@ -123,10 +110,8 @@ int convert(Event *note, std::int32_t n, PendingHeap &heap, Track &track)
         note->code  = NOTE_ON;
         append(track, note);
         Event *off = make_note_off(note, n);
-        if (off == nullptr) {
-            track.tail = join(track, next, heap);
+        if (off == nullptr)
             return -1;
-        }
         if (std::isnan(off->start)) // comes after nothing
             append(track, off);
         else

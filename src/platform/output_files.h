@@ -24,6 +24,9 @@ bool begin_output(std::FILE *output);
 /// The output that is the same regular file as an open input, null when there is none.
 [[nodiscard]] std::FILE *find_output(std::FILE *input);
 
+/// Whether a stream leads to the same file, device or pipe as an output.
+[[nodiscard]] bool is_output(std::FILE *stream);
+
 /// Leaves what is in an output as it is, for the rest of the run.
 void spare_output(std::FILE *output);
 

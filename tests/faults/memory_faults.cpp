@@ -11,6 +11,7 @@
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "driver/run.h"
+#include "events/arena.h"
 #include "events/event_list.h"
 #include "events/pfields.h"
 #include "input/line_reader.h"
@@ -132,10 +133,11 @@ const Piece pieces[] = {
 {
     if (std::freopen(SCREEN, "w", stderr) == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
         std::_Exit(BAD_FOLDER);
-    counting         = true;
-    const int status = orlo::run(static_cast<int>(piece.arguments.size()), piece.arguments.data());
-    counting         = false;
-    account->empty   = orlo::note_list == nullptr && orlo::OUTS == nullptr && orlo::fllog == nullptr && orlo::fecho == nullptr;
+    orlo::ARENA_CHUNK = 0; // each event asks for memory of its own
+    counting          = true;
+    const int status  = orlo::run(static_cast<int>(piece.arguments.size()), piece.arguments.data());
+    counting          = false;
+    account->empty    = orlo::note_list == nullptr && orlo::OUTS == nullptr && orlo::fllog == nullptr && orlo::fecho == nullptr;
     std::exit(status); // looks for leaks
 }
 

@@ -55,7 +55,7 @@ bool may_allocate()
 
 } // namespace
 
-// what the program calls in place of malloc, calloc, operator new, fopen and remove: redirected.syms
+// what the program calls in place of malloc, calloc, operator new, fopen, open, mkstemp and remove: redirected.syms
 extern "C" {
 void      *fuzz_malloc(std::size_t size);
 void      *fuzz_calloc(std::size_t count, std::size_t size);
@@ -106,12 +106,18 @@ void remove_root()
     std::abort();
 }
 
-std::FILE *open_in_root(const char *name, const char *mode)
+struct Path {
+    char text[2 * PATH_MAX];
+};
+
+Path in_root(const char *name)
 {
-    char path[2 * PATH_MAX];
-    std::snprintf(path, sizeof path, "%s/%s", root, name);
-    return std::fopen(path, mode);
+    Path path;
+    std::snprintf(path.text, sizeof path.text, "%s/%s", root, name);
+    return path;
 }
+
+std::FILE *open_in_root(const char *name, const char *mode) { return std::fopen(in_root(name).text, mode); }
 
 void write_file(const char *name, std::string_view text)
 {
@@ -133,15 +139,6 @@ void silence_screen()
 #endif
 }
 
-// a run that fails early would leave those of the run before
-void remove_results()
-{
-    for (const char *name : {SCORE, TRACE, LOG}) {
-        std::error_code ignored;
-        std::filesystem::remove(std::filesystem::path{root} / name, ignored);
-    }
-}
-
 bool prepare()
 {
     const bool in_memory = std::filesystem::is_directory("/dev/shm"); // several times faster
@@ -160,8 +157,6 @@ bool prepare()
 struct CommandLine {
     const char *arguments[12];
     int         count;
-    bool        trace;
-    bool        log;
 };
 
 void add(CommandLine &line, const char *argument) { line.arguments[line.count++] = argument; }
@@ -170,8 +165,6 @@ CommandLine read_command_line(std::string_view flags)
 {
     CommandLine line{};
     const auto  has = [flags](char letter) { return flags.find(letter) != std::string_view::npos; };
-    line.trace      = has('x');
-    line.log        = has('l');
     add(line, "orlo");
     if (has('m'))
         add(line, "-m");
@@ -179,11 +172,11 @@ CommandLine read_command_line(std::string_view flags)
         add(line, "-s");
     if (has('t'))
         add(line, "-t");
-    if (line.trace) {
+    if (has('x')) {
         add(line, "-x");
         add(line, TRACE);
     }
-    if (line.log) {
+    if (has('l')) {
         add(line, "-l");
         add(line, LOG);
     }
@@ -203,11 +196,8 @@ std::uint64_t read_allocations(std::string_view flags)
     return number;
 }
 
-bool traced = false; // files that the last run has written
-bool logged = false;
-
-// the program takes these signals over, and whoever had them wants them back
-constexpr int taken_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
+// the program switches these signals off, and whoever had them wants them back
+constexpr int taken_signals[] = {SIGPIPE, SIGXFSZ};
 
 int run_once(const CommandLine &line)
 {
@@ -251,21 +241,16 @@ std::FILE *fuzz_fopen(const char *name, const char *mode)
 {
     if (std::strcmp(name, temporary_name) == 0)
         return open_in_root(TEMPORARY, mode);
-    return mode[0] == 'r' && std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+    return std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
 }
 
-// what a run writes
-int fuzz_open(const char *name, int flags, ...)
-{
-    char path[2 * PATH_MAX];
-    std::snprintf(path, sizeof path, "%s/%s", root, name);
-    return open(name[0] == '/' ? name : path, flags, 0600);
-}
+// the files that are written, and the device that takes the place of closed streams
+int fuzz_open(const char *name, int flags, ...) { return open(name[0] == '/' ? name : in_root(name).text, flags, 0600); }
 
 int fuzz_mkstemp(char *name)
 {
     std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
-    return fuzz_open(TEMPORARY, O_RDWR | O_CREAT | O_TRUNC);
+    return open(in_root(TEMPORARY).text, O_RDWR | O_CREAT | O_TRUNC, 0600);
 }
 
 // the temporary file, which the next run overwrites
@@ -274,11 +259,8 @@ int fuzz_remove(const char *) { return 0; }
 std::string last_results()
 {
     std::string results;
-    append_file(results, SCORE);
-    if (traced)
-        append_file(results, TRACE);
-    if (logged)
-        append_file(results, LOG);
+    for (const char *name : {SCORE, TRACE, LOG})
+        append_file(results, name);
     return results;
 }
 
@@ -290,12 +272,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view input{reinterpret_cast<const char *>(data), size};
     const std::string_view flags = input.substr(0, input.find('\n'));
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
+    for (const char *name : {SCORE, TRACE, LOG}) // a run that fails would leave those of the run before
+        std::remove(in_root(name).text);
     write_file(PIECE, piece);
-    remove_results();
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
-    traced                 = line.trace;
-    logged                 = line.log;
     check(run_once(line));
     return 0;
 }

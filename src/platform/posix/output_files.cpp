@@ -142,6 +142,19 @@ std::FILE *find_output(std::FILE *input)
     return nullptr;
 }
 
+bool is_output(std::FILE *stream)
+{
+    struct stat status {};
+    if (fstat(fileno(stream), &status) != 0)
+        return false;
+    for (const Output &output : outputs) {
+        struct stat other {};
+        if (output.stream != nullptr && fstat(fileno(output.stream), &other) == 0 && same(status, other))
+            return true;
+    }
+    return false;
+}
+
 void spare_output(std::FILE *stream)
 {
     if (Output *output = find(stream))

@@ -4,6 +4,7 @@
 #include "platform/temporary_file.h"
 
 #include "platform/ending_signals.h"
+#include "platform/screen.h"
 
 #include <climits>
 #include <csignal>
@@ -21,6 +22,7 @@ volatile std::sig_atomic_t file_exists = 0;     // 1 from the file's creation to
 // called by a signal, which may come at any time
 void remove_in_signal()
 {
+    flush_screen_in_signal();
     if (file_exists != 0)
         static_cast<void>(unlink(tmp_fname));
 }

@@ -1,0 +1,59 @@
+// The events of a block come one after another and go together, so that no piece needs a record of its own, and a walk over the
+// list is a walk over memory. Chunks are chained; only the last one has room.
+
+#include "events/arena.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace orlo {
+
+std::size_t ARENA_CHUNK = std::size_t{1} << 20;
+
+namespace {
+
+struct Chunk {
+    Chunk *before; // the pieces lie behind this
+};
+
+Chunk *last = nullptr; // the chunk that pieces are taken from, null when there is none
+char  *next = nullptr; // the first byte of it that is free
+char  *end  = nullptr;
+
+bool add_chunk(std::size_t bytes)
+{
+    const std::size_t size  = std::max(ARENA_CHUNK, sizeof(Chunk) + bytes);
+    auto             *chunk = static_cast<Chunk *>(std::malloc(size));
+    if (chunk == nullptr)
+        return false;
+    chunk->before = last;
+    last          = chunk;
+    next          = reinterpret_cast<char *>(chunk + 1);
+    end           = reinterpret_cast<char *>(chunk) + size;
+    return true;
+}
+
+} // namespace
+
+void *take_piece(std::size_t bytes)
+{
+    bytes = (bytes + alignof(Chunk) - 1) / alignof(Chunk) * alignof(Chunk);
+    if (bytes > static_cast<std::size_t>(end - next) && !add_chunk(bytes))
+        return nullptr;
+    void *piece = next;
+    next += bytes;
+    return piece;
+}
+
+void give_back_pieces()
+{
+    while (last != nullptr) {
+        Chunk *before = last->before;
+        std::free(last);
+        last = before;
+    }
+    next = nullptr;
+    end  = nullptr;
+}
+
+} // namespace orlo

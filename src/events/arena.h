@@ -1,0 +1,17 @@
+// Where the events of a block live: memory that is handed out piece behind piece and given back all at once. Knows nothing of what
+// is kept in it.
+#pragma once
+
+#include <cstddef>
+
+namespace orlo {
+
+extern std::size_t ARENA_CHUNK; // bytes taken from the system at a time; fewer in tests, so that each piece can be refused
+
+/// A piece of memory, aligned for a pointer, with nothing in it; null when memory is exhausted.
+[[nodiscard]] void *take_piece(std::size_t bytes);
+
+/// Gives every piece back.
+void give_back_pieces();
+
+} // namespace orlo
