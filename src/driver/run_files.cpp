@@ -10,6 +10,7 @@
 #include "driver/options.h"
 #include "input/include_pass.h"
 #include "input/line_reader.h"
+#include "input/macro_expansion.h"
 #include "platform/output_files.h"
 #include "platform/screen.h"
 #include "platform/temporary_file.h"
@@ -42,6 +43,12 @@ void close_read(std::FILE *&stream)
     if (stream != nullptr)
         std::fclose(stream);
     stream = nullptr;
+}
+
+std::uint64_t size_so_far(std::FILE *stream)
+{
+    const long bytes = std::ftell(stream);
+    return bytes > 0 ? static_cast<std::uint64_t>(bytes) : 0;
 }
 
 bool close_temporary(Files &files)
@@ -90,6 +97,7 @@ int combine_input(Files &files)
         return FULLY_REPORTED;
     }
     close_read(files.in);
+    bound_expansions(size_so_far(files.tmp));
     if (!close_temporary(files)) {
         Mprintf("\nERROR: Can't write temporary file\n\n");
         return FULLY_REPORTED;

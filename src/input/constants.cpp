@@ -117,6 +117,8 @@ std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
 // replaces the reference behind the "~" at start by its value
 int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
 {
+    if (const int error = count_expansion(in))
+        return error;
     if (!SUPRESS)
         Mprintf("\n\tExpanding const \"%s\" (%f) into line %d...", reference.name, reference.value, in.line_no);
     char              text[FTOA_SIZE];
