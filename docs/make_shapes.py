@@ -1,4 +1,4 @@
-"""Draws the shapes of distributions and curves from the program's own values: make_shapes.py --orlo PROGRAM [--check]
+"""Draws the shapes of distributions and curves from the program's own values: make_shapes.py --orlo PROGRAM [--tables PROGRAM] [--check]
 
 Writes img/dist-LETTER.svg, a histogram of 20,000 values of RA(T 1 [LETTER 0 1]), and img/curve-LETTER.svg, the 101
 values of MO(-101 1 LETTER 0 1), beside itself. The seed is fixed, so the same program gives the same pictures. With
@@ -12,8 +12,10 @@ import sys
 import tempfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-DISTRIBUTIONS = "flhtgxb"
-CURVES = ("f", "e", "l", "v3", "s", "c")
+sys.path.insert(0, os.path.join(HERE, "../src/tables"))
+import tables
+
+EXPONENTS = {"v": "3"}   # of the curves that have one
 DRAWS, BINS, STEPS = 20_000, 50, 101
 WIDTH, HEIGHT, MARGIN = 200, 100, 12
 
@@ -54,12 +56,12 @@ def plot(title, numbers):
     return frame(title, f'<polyline points="{points}" fill="none" stroke="#369" stroke-width="2"/>')
 
 
-def pictures(orlo):
+def pictures(orlo, printed):
     """The pictures by name."""
     drawn = {}
-    for letter in DISTRIBUTIONS:
+    for letter in (row["letter"] for row in printed["distributions"]):
         drawn[f"dist-{letter}"] = histogram(f"distribution {letter}", values(orlo, DRAWS, f"RA(T 1 [{letter} 0 1])"))
-    for letter in CURVES:
+    for letter in (row["letter"] + EXPONENTS.get(row["letter"], "") for row in printed["curves"]):
         drawn[f"curve-{letter}"] = plot(f"curve {letter}", values(orlo, STEPS, f"MO(T 1 {letter} 0 1)"))
     return drawn
 
@@ -67,12 +69,13 @@ def pictures(orlo):
 def main():
     parser = argparse.ArgumentParser(description="draw the shapes of distributions and curves")
     parser.add_argument("--orlo", required=True, help="the program")
+    tables.add_option(parser)
     parser.add_argument("--check", action="store_true", help="write nothing, compare")
     options = parser.parse_args()
 
     faults = []
     folder = os.path.join(HERE, "img")
-    drawn = pictures(os.path.abspath(options.orlo))
+    drawn = pictures(os.path.abspath(options.orlo), tables.read(options.tables))
     for name, picture in drawn.items():
         path = os.path.join(folder, f"{name}.svg")
         if not options.check:

@@ -1,8 +1,6 @@
 """What the words of the language are, and where each may stand: the one description that all editors get.
 
-The words come from the program's own tables: the two-letter words and their places from src/lang/keywords.cpp, their
-forms from docs/keywords.tsv, the letters of curves and distributions from src/ddf/, the option letters from
-src/driver/options.cpp, the directives from docs/manual.md.
+The words come from the program's own tables, which orlo-tables prints; their forms from docs/keywords.tsv.
 
 A rule is a match or a region. Both have a pattern, what must stand behind it ("ahead") and before it ("behind"), and
 the kind that the text is coloured as. A region goes on to its end, and has a context: the rules that hold inside. Rules
@@ -11,9 +9,12 @@ that stand at one place are tried in the order in which they are written here. A
 
 import os
 import re
+import sys
 from dataclasses import dataclass, field
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
+sys.path.insert(0, os.path.join(ROOT, "src", "tables"))
+import tables
 
 # kind: TextMate scope, Vim group that it looks like, Emacs face that it looks like
 KINDS = {
@@ -53,7 +54,7 @@ KINDS = {
     "bracket": ("punctuation.section", "Delimiter", "default"),
 }
 
-# what stands behind a directive, in the names of the contexts below; a directive of the manual that is missing here is a fault
+# what stands behind a directive, in the names of the contexts below; a directive of the program that is missing here is a fault
 DIRECTIVES = {"define": "define", "undef": "undef", "const": "const", "if": "condition", "endif": None, "include": "include"}
 
 
@@ -76,13 +77,13 @@ class Words:
     options: dict      # letter -> whether a file name follows
 
 
-def words():
-    """Reads the words from the program's tables; ends the run if a table is not as expected."""
-    found = re.findall(r"\{'(.)', '(.)', (\w+), ([A-Z |]+)\}", read("src", "lang", "keywords.cpp"))
-    table = {a + b: (code, set(places.replace(" ", "").split("|"))) for a, b, code, places in found}
-    forms = dict(line.split("\t")[:2] for line in read("docs", "keywords.tsv").splitlines()[1:])
-    if not table or set(forms) != set(table):
-        raise SystemExit(f"keywords.cpp and keywords.tsv differ in {sorted(set(forms) ^ set(table))}")
+def words(program=None):
+    """Reads the words from the program's tables; ends the run if the forms are not those of the same words."""
+    printed = tables.read(program)
+    table = {row["word"]: (row["code"], row["places"]) for row in printed["keywords"]}
+    forms = {word: form for word, form, *_ in tables.words_about("keywords")}
+    if set(forms) != set(table):
+        raise SystemExit(f"the program's words and keywords.tsv differ in {sorted(set(forms) ^ set(table))}")
 
     def chosen(condition):
         return [word for word, (code, places) in table.items() if condition(word, code, places)]
@@ -92,22 +93,19 @@ def words():
 
     settings = {place: chosen(lambda word, code, places, at=place: at in places and re.fullmatch(word + r"\(.*\)", forms[word]))
                 for place in ("GLOBAL", "BLOCK")}
-    curves = re.search(r"constexpr CurveLetter letters\[\] = \{(.*?)\n\};", read("src", "ddf", "curves.cpp"), re.S)[1]
-    ranges = re.search(r"int is_rrange_type\(char c\)\n\{(.*?)return 1;", read("src", "ddf", "generator.cpp"), re.S)[1]
-    directives = sorted(set(re.findall(r"^#([a-z]+)\b", read("docs", "manual.md"), re.M)))
+    directives = [row["word"] for row in printed["directives"]]
     if set(directives) != set(DIRECTIVES):
-        raise SystemExit(f"directives of the manual and of grammar.py differ: {sorted(set(directives) ^ set(DIRECTIVES))}")
+        raise SystemExit(f"directives of the program and of grammar.py differ: {sorted(set(directives) ^ set(DIRECTIVES))}")
     return Words(
         generators=chosen(lambda word, code, places: forms[word] == word.upper() + "(...)"),
         settings=settings,
         inputs=chosen(lambda word, code, places: code.startswith("TYPE_") and "BLOCK" in places),
         outputs=chosen(lambda word, code, places: code.startswith("TYPE_") and "OUTPUT" in places),
         suffixes={word: suffix(form) for word, form in forms.items()},
-        curves="".join(re.findall(r"\{'(.)', Curve::", curves)),
-        distributions="".join(re.findall(r"case '(.)':", ranges)),
+        curves="".join(row["letter"] for row in printed["curves"]),
+        distributions="".join(row["letter"] for row in sorted(printed["distributions"], key=lambda row: row["code"])),
         directives=directives,
-        options={letter: bool(name) for letter, name in
-                 re.findall(r'"  -(.) (<\w+>)? ', read("src", "driver", "options.cpp"))},
+        options={row["letter"]: bool(row["value"]) for row in printed["options"]},
     )
 
 
@@ -345,8 +343,8 @@ class Grammar:
         context("ex_equation", *common, "pfield", "unsigned", "operator")
 
 
-def grammar():
-    made = Grammar(words())
+def grammar(program=None):
+    made = Grammar(words(program))
     for name, rules in made.contexts.items():
         for rule in rules:
             if made.rules[rule].context and made.rules[rule].context not in made.contexts:

@@ -1,4 +1,4 @@
-"""Writes the files of the editors from the one description in grammar.py: make_editors.py [--check]
+"""Writes the files of the editors from the one description in grammar.py: make_editors.py [--tables PROGRAM] [--check]
 
   textmate/orlo.tmLanguage.json           the language, and in vscode/syntaxes/ again
   textmate/orlo-csd.tmLanguage.json       the same inside <CsScore bin="orlo ..."> of a Csound document
@@ -22,7 +22,7 @@ except ImportError:   # before Python 3.11
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, HERE)
-from grammar import KINDS, either_case, grammar, read
+from grammar import KINDS, either_case, grammar, read, tables
 
 CSOUND_SCOPES = ["source.csound.csd", "source.csound-document"]   # what grammars of Csound documents call them
 
@@ -241,8 +241,8 @@ def filled(template, values):
     return text
 
 
-def files():
-    made = grammar()
+def files(program):
+    made = grammar(program)
     version = re.search(r"project\(orlo\s+VERSION ([\d.]+)", read("CMakeLists.txt"))[1]
     values = vim_files(made) | emacs_files(made) | {"VERSION": version, "SCOPES": json.dumps(CSOUND_SCOPES)}
     language = json.dumps(textmate(made), indent=1, ensure_ascii=False) + "\n"
@@ -255,10 +255,11 @@ def files():
 
 def main():
     parser = argparse.ArgumentParser(description="write the files of the editors")
+    tables.add_option(parser)
     parser.add_argument("--check", action="store_true", help="write nothing, compare")
     options = parser.parse_args()
     different = []
-    for name, text in files().items():
+    for name, text in files(options.tables).items():
         path = os.path.join(HERE, name)
         if not options.check:
             os.makedirs(os.path.dirname(path), exist_ok=True)

@@ -126,13 +126,8 @@ float rwindow(float &position, float width)
         static_cast<void>(draw_uniform());
         return before;
     }
-    for (int i = 0; i < WINDOW_DRAWS; ++i) {
-        const float u = draw_uniform();
-        if (low <= u && u <= high) {
-            position = u;
-            break;
-        }
-    }
+    if (const float u = draw_uniform_within(low, high, WINDOW_DRAWS); u >= 0.0F)
+        position = u;
     return before;
 }
 

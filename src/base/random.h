@@ -15,6 +15,19 @@ void seed_draws(std::uint32_t seed);
 /// Next number of the sequence times 2^-31, as a 32-bit float in [0, 1]; 1 itself comes from rounding.
 [[nodiscard]] float draw_uniform();
 
+/// Draws from the first to the last; none where the first lies behind the last.
+struct DrawSpan {
+    std::int32_t first;
+    std::int32_t last;
+};
+
+/// The draws whose uniform value lies from low to high.
+[[nodiscard]] DrawSpan uniform_span(float low, float high);
+
+/// As draw_uniform, called until its value lies from low to high, but so many times at most.
+/// @return the value, or -1 when none did
+[[nodiscard]] float draw_uniform_within(float low, float high, int most);
+
 /// Forgets the seed: the sequence starts again as that of seed 1.
 void reset_draws();
 

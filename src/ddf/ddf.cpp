@@ -93,8 +93,7 @@ template <typename Data> int fill_p2_beats(Data &data, const Frame &frame, Secti
     for (int stalled = 0; place.elapsed < frame.span;) { // at most MOST_STALLED_STEPS steps that do not move on
         const float elapsed = place.elapsed;
         const float beats   = CBEATS;
-        const int   result  = insert_DDFp2(data, frame, place, section, in);
-        if (result != OK)
+        if (const int result = insert_DDFp2(data, frame, place, section, in))
             return result == BLOCK_FULL ? OK : result;
         const bool moved = place.elapsed > elapsed || CBEATS > beats;
         stalled          = moved ? 0 : stalled + 1;

@@ -138,6 +138,14 @@ int apply(const Operation &operation, const Event *event, float &value)
     return OK;
 }
 
+// equation -> reference | bracketed
+int get_equation(Equation &equation, Input &in)
+{
+    if (is_reference(in))
+        return get_reference(equation.first, in);
+    return peek(in) == '[' ? get_bracketed(equation, in) : static_cast<int>(BAD_EX_PFIELD);
+}
+
 } // namespace
 
 int check_pfield(const Expression &, const Input &in)
@@ -149,7 +157,7 @@ int check_pfield(const Expression &, const Input &in)
     return OK;
 }
 
-// set -> weight mode ( reference | bracketed )
+// set -> weight mode equation
 int get_set(Expression &data, Frame &frame, Input &in)
 {
     if (const int error = get_weight(frame, in, BAD_EX_DATA))
@@ -157,13 +165,8 @@ int get_set(Expression &data, Frame &frame, Input &in)
     Equation equation{};
     if (const int error = get_mode(equation, in))
         return error;
-    int result = BAD_EX_PFIELD;
-    if (is_reference(in))
-        result = get_reference(equation.first, in);
-    else if (peek(in) == '[')
-        result = get_bracketed(equation, in);
-    if (result != OK)
-        return result;
+    if (const int error = get_equation(equation, in))
+        return error;
     data.sets.push_back(std::move(equation));
     return OK;
 }

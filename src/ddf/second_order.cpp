@@ -46,11 +46,10 @@ int get_groups(GroupSet &set, Input &in)
     do { // at most MAX_GROUPS groups
         if (set.ends.size() == MAX_GROUPS)
             return OUT_OF_BOUNDS;
-        const int result = get_S2_element(set, in);
-        if (result != OK)
-            return result == VALUES_OR_BRACKETS ? static_cast<int>(VALUE_MISSING) : result;
-        if (const int skipped = skip_items(in); skipped != OK)
-            return skipped;
+        if (const int error = get_S2_element(set, in))
+            return error == VALUES_OR_BRACKETS ? static_cast<int>(VALUE_MISSING) : error;
+        if (const int error = skip_items(in))
+            return error;
     } while (peek(in) != ']');
     ++in.pos;
     return OK;

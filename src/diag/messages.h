@@ -161,8 +161,9 @@ enum class Line : bool { left_out, shown };
 
 template <class Number> struct Message {
     Number      number;
+    Line        line;
     const char *text;
-    Line        line = Line::shown;
+    constexpr Message(Number n, const char *t, Line l = Line::shown) : number{n}, line{l}, text{t} {}
 };
 
 // clang-format off

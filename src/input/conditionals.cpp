@@ -41,10 +41,9 @@ int skip_false_block(Input &in)
 {
     SeparateFlags flags{false, false};
     for (bool closed = false; !closed;) { // each step moves on or reads a line
-        int result = OK;
         if (peek(in) == '\0') {
-            result     = get_buff(in);
-            result     = result < 0 ? static_cast<int>(EOF_IN_IF) : result;
+            if (const int status = get_buff(in))
+                return status == END_OF_INPUT ? static_cast<int>(EOF_IN_IF) : status;
             flags.line = false;
         } else if (peek(in) == '#' && !flags.line && !flags.block) {
             closed = skip_directive(in);
@@ -52,8 +51,6 @@ int skip_false_block(Input &in)
             follow_comment(flags, peek(in), in.line[in.pos + 1]);
             ++in.pos;
         }
-        if (result != OK)
-            return result;
     }
     return OK;
 }

@@ -69,9 +69,8 @@ int get_param(std::string &name, Input &in)
             name.push_back(peek(in));
         if (peek(in) != '\0')
             return OK;
-        const int result = get_buff(in);
-        if (result != OK)
-            return result > 0 ? result : OK;
+        if (const int status = get_buff(in))
+            return status == END_OF_INPUT ? OK : status;
     }
 }
 
@@ -83,8 +82,8 @@ int get_args(Macro &macro, Input &in)
     ++in.pos;
     do { // at most MAX_MACRO_PARAMS parameters
         if (macro.params.size() == MAX_MACRO_PARAMS) {
-            const int result = skip_wc(in);
-            return result > 0 ? result : BAD_MACRO_SYNTAX;
+            const int error = skip_wc(in);
+            return error != OK ? error : BAD_MACRO_SYNTAX;
         }
         std::string name;
         if (const int error = get_param(name, in))
@@ -126,8 +125,8 @@ int get_body(std::string &body, Input &in)
             return too_long("body", MAX_MACRO_BODY, in);
         if (c == '\0') {
             flags.line = false;
-            if (const int result = get_buff(in); result != OK)
-                return result > 0 ? result : EOF_IN_MACRO_BODY;
+            if (const int status = get_buff(in))
+                return status == END_OF_INPUT ? static_cast<int>(EOF_IN_MACRO_BODY) : status;
         }
     }
 }

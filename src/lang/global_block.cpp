@@ -47,8 +47,8 @@ int read_rest(Input &in, bool &opened)
         Comment kind{};
         if (!is_comment(in.line, in.pos, kind))
             return INVALID_GLOBAL;
-        if (const int result = skip_comment(in, kind); result != OK)
-            return result == OUT_OF_MEMORY ? OUT_OF_MEMORY : MISMATCHED_COMMENTS;
+        if (const int status = skip_comment(in, kind))
+            return status == OUT_OF_MEMORY ? OUT_OF_MEMORY : MISMATCHED_COMMENTS;
     }
 }
 

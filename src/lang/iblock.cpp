@@ -206,6 +206,21 @@ int do_block_commands(Input &in)
     }
 }
 
+// one part of a block, or the next line
+int do_part(Input &in, Event *&list)
+{
+    if (peek(in) == '\0')
+        return get_buff(in);
+    if (is_pfield(in))
+        return do_section(in, list);
+    if (peek(in) != 'i')
+        return do_block_commands(in);
+    const int status = do_p1(in);
+    if (status == END_OF_INPUT)
+        warn(in, W_BLOCK_SKIPPED);
+    return status;
+}
+
 // end -> "}"
 int end_block(Input &in)
 {
@@ -224,21 +239,9 @@ int parse_iblock(Input &in, Event *&list)
     clear_pfields_done();
     for (;;) { // each round takes a part of the block or reads a line
         skip_blanks(in);
-        int status = OK;
-        if (peek(in) == '\0') {
-            status = get_buff(in);
-        } else if (peek(in) == 'i') {
-            status = do_p1(in);
-            if (status == END_OF_INPUT)
-                warn(in, W_BLOCK_SKIPPED);
-        } else if (is_pfield(in)) {
-            status = do_section(in, list);
-        } else if (peek(in) == '}') {
+        if (peek(in) == '}')
             return end_block(in);
-        } else {
-            status = do_block_commands(in);
-        }
-        if (status != OK)
+        if (const int status = do_part(in, list))
             return status;
     }
 }

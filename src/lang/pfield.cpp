@@ -81,40 +81,34 @@ int do_item(Section &section, Input &in)
     return parse_pdata(section, in);
 }
 
-// passes over what does not fit into the block, up to the section's end
-int pass_rest(Input &in)
+// one step over what does not fit into the block
+int pass_on(Input &in)
 {
-    while (!at_section_end(in)) { // each step moves on or reads a line
-        int     result = OK;
-        Comment kind{};
-        if (peek(in) == '\0')
-            result = next_line(in);
-        else if (is_comment(in.line, in.pos, kind))
-            result = pass_comment(in, kind);
-        else
-            ++in.pos;
-        if (result != OK)
-            return result;
-    }
+    if (peek(in) == '\0')
+        return next_line(in);
+    if (Comment kind{}; is_comment(in.line, in.pos, kind))
+        return pass_comment(in, kind);
+    ++in.pos;
+    return OK;
+}
+
+// one step: what stands between items, or an item
+int do_step(Section &section, Input &in)
+{
+    if (peek(in) == '\0')
+        return next_line(in);
+    if (!is_blank(peek(in)))
+        return do_item(section, in);
+    skip_blanks(in);
     return OK;
 }
 
 // body -> { item }
 int do_body(Section &section, Input &in)
 {
-    while (!at_section_end(in)) { // each step moves on or reads a line
-        if (section.done)
-            return pass_rest(in);
-        int result = OK;
-        if (peek(in) == '\0')
-            result = next_line(in);
-        else if (is_blank(peek(in)))
-            skip_blanks(in);
-        else
-            result = do_item(section, in);
-        if (result != OK)
-            return result;
-    }
+    while (!at_section_end(in)) // each step moves on or reads a line
+        if (const int error = section.done ? pass_on(in) : do_step(section, in))
+            return error;
     return OK;
 }
 

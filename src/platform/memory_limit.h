@@ -4,8 +4,8 @@
 
 namespace orlo {
 
-/// Lowers the process's own limit of data to what it holds now and most of what the system has left, swap included. Where the
-/// system doesn't tell, or a lower limit is set already, nothing changes.
+/// Lowers the process's own limit of data to what it holds now and most of what is left to it: by the system, swap included, and by
+/// the limits of its control groups. Where the system doesn't tell, or a lower limit is set already, nothing changes.
 void limit_memory();
 
 } // namespace orlo

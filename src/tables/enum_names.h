@@ -15,29 +15,28 @@ template <class Enum> struct Enumerator {
 };
 
 // "... V = orlo::TYPE_BN; ..." or "... V = (orlo::Code)8]" for a value that has no name
-template <auto V> constexpr std::string_view name_of()
+template <auto V> const char *described() { return __PRETTY_FUNCTION__; }
+
+inline std::string_view name_in(std::string_view text)
 {
-    std::string_view text = __PRETTY_FUNCTION__;
     text.remove_prefix(text.find("V = ") + 4);
     text = text.substr(0, text.find_first_of(";]"));
-    if (text.front() == '(')
-        return {};
-    return text.substr(text.rfind(':') + 1);
+    return text.front() == '(' ? std::string_view{} : text.substr(text.rfind(':') + 1);
 }
 
 /// The enumerators from First on that are among the next Count values.
 template <class Enum, int First, std::size_t Count> std::vector<Enumerator<Enum>> enumerators()
 {
-    const auto names = []<std::size_t... I>(std::index_sequence<I...>)
+    const auto texts = []<std::size_t... I>(std::index_sequence<I...>)
     {
-        return std::array{name_of<static_cast<Enum>(First + static_cast<int>(I))>()...};
+        return std::array<const char *, Count>{described<static_cast<Enum>(First + static_cast<int>(I))>()...};
     }
     (std::make_index_sequence<Count>{});
 
     std::vector<Enumerator<Enum>> found;
     for (std::size_t i = 0; i < Count; ++i)
-        if (!names[i].empty())
-            found.push_back({First + static_cast<int>(i), names[i]});
+        if (const std::string_view name = name_in(texts[i]); !name.empty())
+            found.push_back({First + static_cast<int>(i), name});
     return found;
 }
 

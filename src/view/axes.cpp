@@ -13,29 +13,16 @@ constexpr double      LABEL_SPACE   = 14; // a label takes this height
 constexpr double      STRIPE_LEAST  = 4;  // a stripe lower than this is a blur
 constexpr std::size_t LABEL_LETTERS = 9;
 
-std::string tenths_text(double pixels)
-{
-    std::string text;
-    put_tenths(text, tenths(pixels));
-    return text;
-}
-
 std::string line_at(double y, const std::string &width, bool strong)
 {
-    const std::string place = tenths_text(y);
+    const std::string place = pixels(y);
     return R"(<line class=")" + std::string(strong ? "G" : "g") + R"(" x2=")" + width + R"(" y1=")" + place + R"(" y2=")" + place +
            "\"/>";
 }
 
 std::string label_at(double x, double y, const std::string &text)
 {
-    return R"(<text class="t" x=")" + tenths_text(x) + R"(" y=")" + tenths_text(y + LABEL_DROP) + "\">" + escaped(text) + "</text>";
-}
-
-bool is_black(int key)
-{
-    const int pitch_class = (key % 12 + 12) % 12;
-    return pitch_class == 1 || pitch_class == 3 || pitch_class == 6 || pitch_class == 8 || pitch_class == 10;
+    return R"(<text class="t" x=")" + pixels(x) + R"(" y=")" + pixels(y + LABEL_DROP) + "\">" + escaped(text) + "</text>";
 }
 
 std::string stripes(const Plan &plan, const std::string &width)
@@ -46,8 +33,8 @@ std::string stripes(const Plan &plan, const std::string &width)
         return out;
     for (int key = static_cast<int>(std::ceil(plan.keys.low)); key < plan.keys.high; key++) {
         if (is_black(key))
-            out += R"(<rect class="k" y=")" + tenths_text(key_y(plan, key + 0.5)) + R"(" width=")" + width + R"(" height=")" +
-                   tenths_text(height) + "\"/>";
+            out += R"(<rect class="k" y=")" + pixels(key_y(plan, key + 0.5)) + R"(" width=")" + width + R"(" height=")" +
+                   pixels(height) + "\"/>";
     }
     return out;
 }

@@ -22,6 +22,16 @@ void add_trouble(Score &score, int line, std::string text);
 /// "p4" for 4.
 std::string field_name(int field);
 
+/// The door of a score: each event passes it once, with its final times and values. One whose times are not from 0 to LARGEST_TIME
+/// stays outside; a value beyond LARGEST_VALUE becomes NaN; both are told.
+/// @param where what comes before the trouble's text: "track 2: ", or nothing
+/// @return false when the event has to go
+[[nodiscard]] bool enters(Score &score, const Event &event, const std::string &where);
+
+/// Why an event is left out whose times are too large.
+/// @param beats their unit, else seconds
+std::string beyond_time(bool beats);
+
 /// Sets the score's end, and brings its troubles in order. To be called once, when all events are there.
 void finish_score(Score &score);
 

@@ -75,7 +75,7 @@ bool look_at(const std::string &name, int standard, struct stat &about)
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // head -> "i" [ "-" ] digits "="
-// text is behind the "i"; whole: no "=" follows a number in a score
+// text is after the "i"; whole: no "=" follows a number in a score
 bool is_block_head(Text text)
 {
     const auto at = [&text](auto wanted) { return text.at != text.end && wanted(*text.at); };

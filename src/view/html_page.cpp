@@ -26,13 +26,6 @@ constexpr int    TICKS     = 12;
 
 constexpr std::size_t FEW_DOTS = 2000;
 
-std::string pixels(double value)
-{
-    std::string text;
-    put_tenths(text, tenths(value));
-    return text;
-}
-
 double width_of(const Plan &plan) { return plan.many ? COARSE : FINE; }
 
 std::string percent(const Plan &plan, double time) { return pixels(100 * fraction(plan.time, time)) + '%'; }

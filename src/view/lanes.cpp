@@ -23,7 +23,7 @@ void count_values(const Score &score, Lane &lane)
         if (event.fields < lane.field)
             continue;
         const double value = field_value(score, event, lane.field);
-        if (std::isfinite(value)) {
+        if (!std::isnan(value)) {
             include(lane.range, empty, value);
             lane.count++;
         } else {
@@ -36,7 +36,7 @@ void fill_bins(const Score &score, Lane &lane)
 {
     for (const Event &event : score.events) {
         const double value = field_value(score, event, lane.field);
-        if (std::isfinite(value))
+        if (!std::isnan(value))
             lane.bins[bin_of(lane.range, value)]++;
     }
 }

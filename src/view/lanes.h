@@ -19,9 +19,9 @@ inline constexpr std::size_t HISTOGRAM_BINS = 24;
 struct Lane {
     int                                     field = 0;   ///< number of the p-field, 4 is p4
     std::string                             name;        ///< "p4", or "p4 velocity" where it has another name
-    std::size_t                             count   = 0; ///< events with a finite value
-    std::size_t                             missing = 0; ///< events that have the p-field, but no finite number in it
-    Range                                   range;       ///< of the finite values; both ends 0 where there is none
+    std::size_t                             count   = 0; ///< events with a number in it
+    std::size_t                             missing = 0; ///< events that have the p-field, but no number in it
+    Range                                   range;       ///< of the numbers; both ends 0 where there is none
     std::array<std::size_t, HISTOGRAM_BINS> bins{};      ///< values in equal parts of the range, low to high; all equal: the middle
 };
 

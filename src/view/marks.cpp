@@ -85,7 +85,7 @@ std::size_t slices_of(const Score &score) { return score.events.size() > MANY_A_
 
 template <class Thing> Thing &slice_of(Slices<Thing> &slices, const Event &event)
 {
-    const double part  = std::clamp(fraction(slices.plan.time, event.start), 0.0, 1.0); // huge times may lie outside
+    const double part  = fraction(slices.plan.time, event.start);
     const auto   slice = std::min(static_cast<std::size_t>(part * static_cast<double>(slices.count)), slices.count - 1);
     return slices.things[static_cast<std::size_t>(series_of(event)) * slices.count + slice];
 }
@@ -166,7 +166,7 @@ std::vector<Piece> merged_dots(const Plan &plan, const Score &score, const Lane 
     Slices<std::vector<Span>> spans{plan, slices_of(score)};
     for (const Event &event : score.events) {
         const double value = field_value(score, event, lane.field);
-        if (!std::isfinite(value))
+        if (std::isnan(value))
             continue;
         const std::int64_t y = std::llround(place.y + value_y(lane, value)) * PIXEL;
         const std::int64_t x = (tenths_x(plan, place, event.start) + DOT / 2) / DOT * DOT;
@@ -182,7 +182,7 @@ std::vector<Piece> merged_dots(const Plan &plan, const Score &score, const Lane 
 
 std::int64_t tenths_x(const Plan &plan, const Place &place, double time)
 {
-    return tenths(place.x + std::clamp(fraction(plan.time, time), 0.0, 1.0) * place.width);
+    return tenths(place.x + fraction(plan.time, time) * place.width);
 }
 
 std::vector<std::string> note_elements(const Plan &plan, const Score &score, const Place &place)
@@ -230,7 +230,7 @@ std::vector<Piece> value_dots(const Plan &plan, const Score &score, const Lane &
     Slices<Pen> pens{plan, slices_of(score)};
     for (const Event &event : score.events) {
         const double value = field_value(score, event, lane.field);
-        if (!std::isfinite(value))
+        if (std::isnan(value))
             continue;
         Pen &pen = slice_of(pens, event);
         move_to(pen, tenths_x(plan, place, event.start), tenths(place.y + value_y(lane, value)));

@@ -139,19 +139,11 @@ void put_json(std::string &out, double value)
         out += "null";
         return;
     }
-    if (std::isinf(value)) {
-        out += value < 0 ? "\"-inf\"" : "\"inf\"";
-        return;
-    }
     std::array<char, 64> text{};
     out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
 }
 
-std::int64_t tenths(double coordinate)
-{
-    constexpr double most = 1e15; // far outside of any drawing, and far enough from overflow
-    return std::isnan(coordinate) ? 0 : std::llround(std::clamp(coordinate * 10, -most, most));
-}
+std::int64_t tenths(double coordinate) { return std::llround(coordinate * 10); }
 
 void put_tenths(std::string &out, std::int64_t tenths)
 {
@@ -164,6 +156,13 @@ void put_tenths(std::string &out, std::int64_t tenths)
         out += '.';
         out += static_cast<char>('0' + size % 10);
     }
+}
+
+std::string pixels(double coordinate)
+{
+    std::string text;
+    put_tenths(text, tenths(coordinate));
+    return text;
 }
 
 std::string shortened(std::string_view text, std::size_t most)

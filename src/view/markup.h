@@ -9,7 +9,7 @@
 
 namespace orlo::view {
 
-/// Texts one behind the other.
+/// Texts one after the other.
 std::string joined(std::initializer_list<std::string_view> texts);
 
 /// Text for an element or a quoted attribute. What XML can't hold (control characters, broken UTF-8) becomes U+FFFD.
@@ -20,17 +20,20 @@ std::string json_text(std::string_view text);
 
 /// A number as people read it.
 /// @param digits significant digits, 1 to 17
-/// @return "0.25", "1e+30", "nan", "inf"; never "-0"
+/// @return "0.25", "1e+30"; never "-0"
 std::string number_text(double value, int digits = 6);
 
-/// A number as JSON, so that reading gives the same double; null for NaN, "inf" or "-inf" in quotes for the infinite.
+/// A number as JSON, so that reading gives the same double; null for NaN. None is infinite.
 void put_json(std::string &out, double value);
 
-/// Tenths of a coordinate, rounded, at most 10^15 either way; 0 for NaN.
+/// Tenths of a coordinate of a drawing, rounded.
 std::int64_t tenths(double coordinate);
 
 /// A coordinate counted in tenths: 125 is "12.5", -120 is "-12".
 void put_tenths(std::string &out, std::int64_t tenths);
+
+/// A coordinate with one decimal, rounded.
+std::string pixels(double coordinate);
 
 /// The first characters of a UTF-8 text, with an ellipsis where something was left out.
 /// @param most characters, >= 1, the ellipsis included

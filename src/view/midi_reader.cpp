@@ -35,6 +35,7 @@ struct Note {
     int           channel; // 0 is the first
     int           key;
     int           velocity;
+    int           track; // 1 is the first
     std::size_t   later; // the next open note of its channel and key
 };
 
@@ -88,9 +89,11 @@ std::string_view take(Bytes &bytes, std::size_t count)
     return taken;
 }
 
+std::string track_text(int number) { return "track " + std::to_string(number) + ": "; }
+
 void trouble(File &file, const Track &track, const std::string &text)
 {
-    add_trouble(file.score, 0, "track " + std::to_string(track.number) + ": " + text);
+    add_trouble(file.score, 0, track_text(track.number) + text);
 }
 
 // quantity -> { byte with its top bit set } byte, four bytes at most
@@ -117,7 +120,7 @@ void strike(File &file, Track &track, int channel, int key, int velocity)
     }
     const std::size_t note  = file.notes.size();
     Queue            &queue = track.open[static_cast<std::size_t>(channel) * KEYS + static_cast<std::size_t>(key)];
-    file.notes.push_back({track.now, track.now, channel, key, velocity, NO_NOTE});
+    file.notes.push_back({track.now, track.now, channel, key, velocity, track.number, NO_NOTE});
     if (queue.first == NO_NOTE)
         queue.first = note;
     else
@@ -137,7 +140,7 @@ void release(File &file, Track &track, int channel, int key)
     queue.first = note.later;
 }
 
-// channel-message -> data [ data ], behind its status
+// channel-message -> data [ data ], after its status
 bool read_channel_message(File &file, Track &track)
 {
     const unsigned         kind    = static_cast<unsigned>(track.status) >> 4U;
@@ -334,9 +337,13 @@ void make_events(File &file)
         const double start      = seconds_at(points, Between::steps, static_cast<double>(note.start));
         const double duration   = seconds_at(points, Between::steps, static_cast<double>(note.end)) - start;
         const int    instrument = instrument_of(score, instruments, note.channel);
-        score.events.push_back({score.values.size(), static_cast<int>(FIELDS), instrument, start, duration, 0});
+        const Event  event{score.values.size(), static_cast<int>(FIELDS), instrument, start, duration, 0};
         score.values.insert(score.values.end(), {note.channel + 1.0, start, duration, static_cast<double>(note.key),
                                                  static_cast<double>(note.velocity)});
+        if (enters(score, event, track_text(note.track)))
+            score.events.push_back(event);
+        else
+            score.values.resize(event.first);
     }
 }
 

@@ -1,4 +1,4 @@
-// An option's value stands behind it in the same argument or is the next argument, as POSIX has it; behind "--" are no options.
+// An option's value follows it in the same argument or is the next argument, as POSIX has it; after "--" are no options.
 
 #include "view/options.h"
 

@@ -94,7 +94,7 @@
   const tip = document.getElementById("tip");
   const [LINE, INSTRUMENT, START, DURATION, Y, KEY, FIELDS] = [0, 1, 2, 3, 4, 5, 6];
   const seriesOf = (event) => Math.min(event[INSTRUMENT], score.series - 1);
-  const fraction = (low, high, value) => (high > low ? (value / 2 - low / 2) / (high / 2 - low / 2) : 0.5);
+  const fraction = (low, high, value) => (high > low ? (value - low) / (high - low) : 0.5);
 
   // where an event stands in a plot: two ends and the middle, in pixels; null where it has no value
   function placeOf(plot, event, width) {

@@ -12,11 +12,10 @@ namespace {
 
 constexpr double LEAST_PITCHES = 140; // height of the part with pitches
 constexpr double MOST_PITCHES  = 440;
-constexpr double KEY_HEIGHT    = 10;    // where there is room
-constexpr double MOST_TIME     = 1e300; // an end may lie beyond the largest double
-constexpr double CENT          = 0.01;  // 8.07 is a little more than seven keys above 8
+constexpr double KEY_HEIGHT    = 10;   // where there is room
+constexpr double CENT          = 0.01; // 8.07 is a little more than seven keys above 8
 constexpr double LEAST_NOTE    = 3;
-constexpr double MARGIN        = 0.016; // beside the first and the last event, a part of half the time
+constexpr double MARGIN        = 0.008; // beside the first and the last event, a part of the time
 
 void set_time(Plan &plan, const Score &score)
 {
@@ -25,13 +24,11 @@ void set_time(Plan &plan, const Score &score)
         include(plan.time, empty, event.start);
         include(plan.time, empty, event.start + event.duration);
     }
-    plan.time.high = std::fmin(plan.time.high, MOST_TIME);
-    plan.time.low  = std::fmax(plan.time.low, -MOST_TIME);
     if (plan.time.low > 0 && plan.time.low < plan.time.high / 2)
         plan.time.low = 0;
     if (!(plan.time.low < plan.time.high))
-        plan.time.high = plan.time.low + std::fmax(1, std::abs(plan.time.low));
-    const double margin = (plan.time.high / 2 - plan.time.low / 2) * MARGIN;
+        plan.time.high = plan.time.low + std::fmax(1, plan.time.low);
+    const double margin = (plan.time.high - plan.time.low) * MARGIN;
     plan.time           = {plan.time.low - margin, plan.time.high + margin};
 }
 
@@ -52,10 +49,10 @@ void look_at_events(Plan &plan, const Score &score)
         Series      &series = plan.series[static_cast<std::size_t>(series_of(event))];
         const double key    = key_of(score, event);
         series.events++;
-        if (std::isfinite(key))
-            include(plan.keys, empty, key);
-        else
+        if (std::isnan(key))
             series.row = 0;
+        else
+            include(plan.keys, empty, key);
     }
     plan.pitched = !empty;
     for (Series &series : plan.series)
@@ -101,7 +98,7 @@ int series_of(const Event &event) { return std::min(event.instrument, MOST_SERIE
 double note_y(const Plan &plan, const Score &score, const Event &event)
 {
     const double key = key_of(score, event);
-    return std::isfinite(key) ? key_y(plan, key) : row_y(plan, plan.series[static_cast<std::size_t>(series_of(event))].row);
+    return std::isnan(key) ? row_y(plan, plan.series[static_cast<std::size_t>(series_of(event))].row) : key_y(plan, key);
 }
 
 double row_y(const Plan &plan, int row) { return plan.pitch_height + (row + 0.5) * ROW_HEIGHT; }

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 namespace orlo::view {
 namespace {
@@ -52,7 +53,7 @@ struct Names {
     int      distance;
 };
 
-constexpr std::array<Names, 5> NAMES{{
+constexpr std::array<Names, 5> CHOICES{{
     {0b1111'1111'1111, 1},
     {0b0010'1001'0101, 2}, // C D E G A
     {0b0000'1001'0001, 3}, // C E G
@@ -60,7 +61,11 @@ constexpr std::array<Names, 5> NAMES{{
     {0b0000'0000'0001, OCTAVE},
 }};
 
+constexpr std::array<const char *, OCTAVE> NAMES{"c", "c#", "d", "d#", "e", "f", "f#", "g", "g#", "a", "a#", "b"};
+
 int pitch_class_of(int key) { return (key % OCTAVE + OCTAVE) % OCTAVE; }
+
+std::string octave_text(int key) { return std::to_string((key - pitch_class_of(key)) / OCTAVE - 1); }
 
 // the keys of a range with these names, in every few octaves
 std::vector<Tick> keys_of(const Range &keys, unsigned classes, int octaves)
@@ -75,11 +80,7 @@ std::vector<Tick> keys_of(const Range &keys, unsigned classes, int octaves)
 
 } // namespace
 
-double fraction(const Range &range, double value)
-{
-    const double width = range.high / 2 - range.low / 2;
-    return width > 0 ? (value / 2 - range.low / 2) / width : 0.5;
-}
+double fraction(const Range &range, double value) { return range.low < range.high ? (value - range.low) / width_of(range) : 0.5; }
 
 void include(Range &range, bool &empty, double value)
 {
@@ -90,7 +91,7 @@ void include(Range &range, bool &empty, double value)
 std::vector<Tick> nice_ticks(const Range &range, int most)
 {
     const double largest = std::fmax(std::abs(range.low), std::abs(range.high));
-    const double width   = std::fmin(width_of(range), std::numeric_limits<double>::max());
+    const double width   = width_of(range);
     if (width < std::numeric_limits<double>::min() || width < largest / MOST_STEPS)
         return {{range.low, number_text(range.low, 9)}};
     const double      step = nice_step(range, width, most);
@@ -104,22 +105,24 @@ std::vector<Tick> nice_ticks(const Range &range, int most)
 
 std::string key_name(int key)
 {
-    constexpr std::array<const char *, OCTAVE> names{"C",       "C\u266F", "D",       "D\u266F", "E",       "F",
-                                                     "F\u266F", "G",       "G\u266F", "A",       "A\u266F", "B"};
-    const int                                  pitch_class = pitch_class_of(key);
-    return names[static_cast<std::size_t>(pitch_class)] + std::to_string((key - pitch_class) / OCTAVE - 1);
+    const std::string_view name = NAMES[static_cast<std::size_t>(pitch_class_of(key))];
+    return std::string{static_cast<char>(name[0] - 'a' + 'A')} + (name.size() > 1 ? "\u266F" : "") + octave_text(key);
 }
+
+bool is_black(int key) { return std::string_view{NAMES[static_cast<std::size_t>(pitch_class_of(key))]}.size() > 1; }
+
+std::string plain_key_name(int key) { return NAMES[static_cast<std::size_t>(pitch_class_of(key))] + octave_text(key); }
 
 std::vector<Tick> key_ticks(const Range &keys, int most)
 {
     if (keys.low < LOWEST_NAME || keys.high > HIGHEST_NAME)
         return nice_ticks(keys, most);
     const double least = width_of(keys) / most; // distance
-    for (const Names &names : NAMES) {
+    for (const Names &names : CHOICES) {
         if (names.distance >= least)
             return keys_of(keys, names.classes, 1);
     }
-    return keys_of(keys, NAMES.back().classes, static_cast<int>(std::ceil(least / OCTAVE)));
+    return keys_of(keys, CHOICES.back().classes, static_cast<int>(std::ceil(least / OCTAVE)));
 }
 
 std::string time_text(double time, bool beats)

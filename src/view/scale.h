@@ -6,7 +6,7 @@
 
 namespace orlo::view {
 
-/// Finite ends, low <= high.
+/// Finite ends, low <= high; their distance is finite, too.
 struct Range {
     double low  = 0;
     double high = 0;
@@ -18,7 +18,7 @@ struct Tick {
     std::string label;
 };
 
-/// Where a value stands, also where high - low is beyond the largest double.
+/// Where a value stands.
 /// @return 0 at the low end, 1 at the high end, 0.5 where both ends are the same
 double fraction(const Range &range, double value);
 
@@ -33,6 +33,12 @@ std::vector<Tick> nice_ticks(const Range &range, int most);
 
 /// Name of a MIDI key: 60 is "C4", 61 is "C♯4". Octaves below 0 have a minus.
 std::string key_name(int key);
+
+/// The same in ASCII: 60 is "c4", 61 is "c#4".
+std::string plain_key_name(int key);
+
+/// Is a MIDI key black on a piano?
+bool is_black(int key);
 
 /// Marks of a pitch axis: all keys, or some of each octave, or every few C, or, beyond what has names, numbers.
 /// @param keys MIDI key numbers

@@ -55,6 +55,8 @@ void drop_unused_instruments(Score &score)
         event.instrument = number[static_cast<std::size_t>(event.instrument)];
 }
 
+bool is_time(double time) { return time >= 0 && time <= LARGEST_TIME; }
+
 } // namespace
 
 double field_value(const Score &score, const Event &event, int field)
@@ -85,6 +87,27 @@ std::string field_name(int field)
 {
     std::string name = "p";
     return name += std::to_string(field);
+}
+
+bool enters(Score &score, const Event &event, const std::string &where)
+{
+    if (!is_time(event.start) || !is_time(event.duration)) {
+        add_trouble(score, event.line, where + beyond_time(score.beats));
+        return false;
+    }
+    for (int field = 1; field <= event.fields; ++field) {
+        double &value = score.values[event.first + static_cast<std::size_t>(field) - 1];
+        if (std::abs(value) > LARGEST_VALUE) {
+            add_trouble(score, event.line, where + field_name(field) + " is beyond 1e300, and left out");
+            value = std::numeric_limits<double>::quiet_NaN();
+        }
+    }
+    return true;
+}
+
+std::string beyond_time(bool beats)
+{
+    return std::string{"an event beyond 1e12 "} + (beats ? "beats" : "seconds") + " is left out";
 }
 
 void finish_score(Score &score)

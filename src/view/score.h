@@ -22,8 +22,8 @@ struct Event {
     std::size_t first;      ///< where p1 stands in Score::values
     int         fields;     ///< p-fields, p1 included, >= 1; a p-field that the file leaves out or that is no number is NaN
     int         instrument; ///< index into Score::instruments
-    double      start;      ///< seconds (beats where the score has a tempo statement of its own), finite
-    double      duration;   ///< the same unit, finite, >= 0; a held note (p3 < 0) has its absolute value
+    double      start;      ///< seconds (beats where Score::beats is set), 0 to LARGEST_TIME
+    double      duration;   ///< the same unit, 0 to LARGEST_TIME; a held note (p3 < 0) has its absolute value
     int         line;       ///< line of the file, 1 is the first; 0 in a MIDI file
 };
 
@@ -42,7 +42,7 @@ struct Trouble {
 /// A whole score.
 struct Score {
     std::string              title;       ///< file name without folders
-    std::vector<double>      values;      ///< p1, p2, p3 ... of every event, event by event
+    std::vector<double>      values;      ///< p1, p2, p3 ... of every event; NaN, or LARGEST_VALUE at most either way
     std::vector<Event>       events;      ///< in order of the file
     std::vector<std::string> instruments; ///< names by order of first appearance: "1", "2.1", "\"flute\"", "channel 10"
     std::vector<std::string> field_names; ///< of p1, p2, ...: "p4", or "velocity" of a MIDI file; as long as the widest event
@@ -55,13 +55,18 @@ struct Score {
     bool                     beats = false; ///< start and duration are beats, not seconds
 };
 
+/// Seconds or beats. Up to there a tenth of a millisecond is told apart, and what is added to a time still counts.
+inline constexpr double LARGEST_TIME = 1e12;
+/// Either way. Up to there two numbers differ by a number, and so has a range that holds them a width.
+inline constexpr double LARGEST_VALUE = 1e300;
+
 inline constexpr std::size_t MAX_TROUBLES = 100;   ///< kept in a Score
 inline constexpr int         MAX_FIELDS   = 1000;  ///< p-fields of one event; more are trouble
 inline constexpr std::size_t MANY_EVENTS = 50'000; ///< above this a drawing has a few paths an instrument, each for a slice of time
 
 /// Value of a p-field.
 /// @param field number of the p-field, 4 is p4
-/// @return NaN where the event has no such p-field
+/// @return finite, or NaN where the event has no such p-field, or no number in it
 double field_value(const Score &score, const Event &event, int field);
 
 /// Height of an event's pitch.

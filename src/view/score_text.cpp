@@ -52,7 +52,7 @@ bool begins_field(char c)
     return is_digit(c) || (c != '\0' && std::string_view{".+-^\"<>![~()"}.find(c) != std::string_view::npos);
 }
 
-// moves to the next p-field, over line ends when the statement goes on behind them
+// moves to the next p-field, over line ends when the statement goes on after them
 bool find_field(Text &text)
 {
     bool same_line = true;

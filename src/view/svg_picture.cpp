@@ -38,13 +38,6 @@ constexpr const char *STYLE =
     ".c6{fill:#6e4200;stroke:#6e4200}.c7{fill:#e3726a;stroke:#e3726a}"
     ".y0{fill-opacity:.5}.y1{fill-opacity:.06}.d,.l{fill:none}.d{stroke-linecap:round}.d.y1{stroke-linecap:square}";
 
-std::string pixels(double value)
-{
-    std::string text;
-    put_tenths(text, std::llround(value * 10));
-    return text;
-}
-
 std::string text_at(double x, double y, const std::string &text_class, const std::string &text)
 {
     const std::string named = text_class.empty() ? "" : " class=\"" + text_class + '"';

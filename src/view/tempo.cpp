@@ -1,5 +1,5 @@
-// Where the length of a beat changes evenly from a to b over n beats, the beats up to the x-th take a*x + (b - a)*x*x/(2*n)
-// seconds.
+// Where the length of a beat changes evenly from a to b over n beats, the beats up to the x-th take x*(a + (b - a)*(x/n)/2)
+// seconds. The part x/n is within 0 and 1 however near two points are; (b - a)/n would be infinite.
 
 #include "view/tempo.h"
 
@@ -8,13 +8,13 @@
 namespace orlo::view {
 namespace {
 
-// seconds from a point to a beat behind it
+// seconds from a point to a beat after it
 double seconds_from(const TempoPoint &point, const TempoPoint *next, Between between, double beat)
 {
     const double x = beat - point.beat;
-    const double growth =
-        next != nullptr && between == Between::moves ? (next->length - point.length) / (next->beat - point.beat) : 0;
-    return x * (point.length + growth * x / 2);
+    if (next == nullptr || between == Between::steps)
+        return x * point.length;
+    return x * (point.length + (next->length - point.length) * (x / (next->beat - point.beat)) / 2);
 }
 
 } // namespace
@@ -31,12 +31,12 @@ void place_points(std::vector<TempoPoint> &points, Between between)
 
 double seconds_at(const std::vector<TempoPoint> &points, Between between, double beat)
 {
-    const auto behind =
+    const auto after =
         std::upper_bound(points.begin(), points.end(), beat, [](double b, const TempoPoint &p) { return b < p.beat; });
-    if (behind == points.begin())
+    if (after == points.begin())
         return beat;
-    const TempoPoint *next = behind != points.end() ? &*behind : nullptr;
-    return (behind - 1)->seconds + seconds_from(*(behind - 1), next, between, beat);
+    const TempoPoint *next = after != points.end() ? &*after : nullptr;
+    return (after - 1)->seconds + seconds_from(*(after - 1), next, between, beat);
 }
 
 } // namespace orlo::view

@@ -3,10 +3,11 @@
 
 #include "view/pictures.h"
 
+#include "view/markup.h"
 #include "view/pitch.h"
+#include "view/scale.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -17,7 +18,6 @@ constexpr int  LETTERS       = 26;
 constexpr int  LONGEST_LABEL = 12;
 constexpr int  LONGEST_NAME  = 60;
 constexpr int  TICK_COLUMNS  = 10; // between two numbers of the axis, at least; few digits tell them apart, so that none is so long
-constexpr int  LOWEST_OCTAVE = -1; // of key 0: key 60 is c4
 constexpr char OTHERS        = '#'; // an instrument beyond the letters starts
 constexpr char OTHERS_SOUND  = '=';
 constexpr char SEVERAL       = '*'; // several instruments start
@@ -45,13 +45,6 @@ std::string printable(const std::string &text, std::size_t longest)
         if (c < 0x20 || c > 0x7e)
             c = '?';
     return shown;
-}
-
-std::string key_name(int key)
-{
-    constexpr const char *names[] = {"c", "c#", "d", "d#", "e", "f", "f#", "g", "g#", "a", "a#", "b"};
-    const int             octave  = static_cast<int>(std::floor(key / 12.0));
-    return names[key - 12 * octave] + std::to_string(octave + LOWEST_OCTAVE);
 }
 
 char start_of(int instrument) { return instrument < LETTERS ? static_cast<char>('A' + instrument) : OTHERS; }
@@ -82,7 +75,7 @@ bool make_key_rows(Roll &roll, int rows)
     if (roll.has_rest)
         roll.labels.emplace_back("none");
     for (int key = first; key < first + span; key += roll.step)
-        roll.labels.push_back(key_name(key));
+        roll.labels.push_back(plain_key_name(key));
     return true;
 }
 
@@ -137,12 +130,6 @@ void draw_event(Roll &roll, const Event &event)
     put(row[first], start_of(event.instrument));
     for (std::size_t column = first + 1; column < row.size() && static_cast<double>(column) < end; ++column)
         put(row[column], sound_of(event.instrument));
-}
-
-std::string number_text(double number)
-{
-    char text[32];
-    return {text, std::to_chars(text, text + sizeof text, number, std::chars_format::general, 6).ptr};
 }
 
 // 1, 2 or 5 times a power of ten, not below a number above 0

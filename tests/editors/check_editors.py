@@ -1,4 +1,4 @@
-"""Do the editors colour the language, and find errors: check_editors.py --orlo PROGRAM --work FOLDER CHECK EDITOR
+"""Do the editors colour the language, and find errors: check_editors.py --orlo PROGRAM [--tables PROGRAM] --work FOLDER CHECK EDITOR
 
 CHECK is
   places    every mark of places.orlo is as it says, and the program accepts that file
@@ -26,7 +26,7 @@ ROOT = os.path.dirname(os.path.dirname(HERE))
 EDITORS = os.path.join(ROOT, "editors")
 sys.dont_write_bytecode = True
 sys.path.insert(0, EDITORS)
-from grammar import KINDS, read, words
+from grammar import KINDS, read, tables, words
 from make_editors import camel, scope
 
 CSD_TAG = re.compile(r'^<CsScore bin="orlo[^"]*">\n(.*)^</CsScore>$', re.M | re.S)
@@ -183,9 +183,9 @@ def check_places(editor, options):
     return f"{len(said)} marks"
 
 
-def word_lines():
+def word_lines(program):
     """Lines that hold one word each, and the kind that it must have: (line, column, word, kind), in a block or between blocks."""
-    vocabulary = words()
+    vocabulary = words(program)
     section, between = [], []
     for word in vocabulary.outputs:
         section += [(f"p4 ({form}) 1", 4, form, "output-type") for form in (word, word.upper())]
@@ -217,8 +217,8 @@ def word_lines():
 
 
 def check_words(editor, options):
-    section, between, vocabulary = word_lines()
-    every = {line.split("\t")[0] for line in read("docs", "keywords.tsv").splitlines()[1:]}
+    section, between, vocabulary = word_lines(options.tables)
+    every = {word for word, *_ in tables.words_about("keywords")}
     tried = {word.lower() for _, _, word, kind in section + between if kind}
     faults.extend(f"{word} is not tried" for word in sorted(every - tried))
     lines = [entry[0] for entry in between] + ["i1 = 4 0 4 {", "p2 1"] + [entry[0] for entry in section] + ["}", "rs(1)"]
@@ -455,6 +455,7 @@ CHECKS = {"places": check_places, "words": check_words, "examples": check_exampl
 def main():
     parser = argparse.ArgumentParser(description="try what editors make of the language")
     parser.add_argument("--orlo", required=True, help="the program")
+    tables.add_option(parser)
     parser.add_argument("--work", required=True, help="folder for node modules")
     parser.add_argument("check", choices=CHECKS)
     parser.add_argument("editor", choices=[*READERS, "all"])

@@ -29,6 +29,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <iterator>
 #include <new>
@@ -54,12 +55,14 @@ bool may_allocate()
 
 } // namespace
 
-// what the program calls in place of malloc, calloc, operator new, fopen and remove: redirected.syms
+// what the program calls in place of malloc, calloc, operator new, fopen, open, mkstemp and remove: redirected.syms
 extern "C" {
 void      *fuzz_malloc(std::size_t size);
 void      *fuzz_calloc(std::size_t count, std::size_t size);
 void      *fuzz_new(std::size_t size);
 std::FILE *fuzz_fopen(const char *name, const char *mode);
+int        fuzz_open(const char *name, int flags, ...);
+int        fuzz_mkstemp(char *name);
 int        fuzz_remove(const char *name);
 }
 
@@ -103,12 +106,18 @@ void remove_root()
     std::abort();
 }
 
-std::FILE *open_in_root(const char *name, const char *mode)
+struct Path {
+    char text[2 * PATH_MAX];
+};
+
+Path in_root(const char *name)
 {
-    char path[2 * PATH_MAX];
-    std::snprintf(path, sizeof path, "%s/%s", root, name);
-    return std::fopen(path, mode);
+    Path path;
+    std::snprintf(path.text, sizeof path.text, "%s/%s", root, name);
+    return path;
 }
+
+std::FILE *open_in_root(const char *name, const char *mode) { return std::fopen(in_root(name).text, mode); }
 
 void write_file(const char *name, std::string_view text)
 {
@@ -148,8 +157,6 @@ bool prepare()
 struct CommandLine {
     const char *arguments[12];
     int         count;
-    bool        trace;
-    bool        log;
 };
 
 void add(CommandLine &line, const char *argument) { line.arguments[line.count++] = argument; }
@@ -158,8 +165,6 @@ CommandLine read_command_line(std::string_view flags)
 {
     CommandLine line{};
     const auto  has = [flags](char letter) { return flags.find(letter) != std::string_view::npos; };
-    line.trace      = has('x');
-    line.log        = has('l');
     add(line, "orlo");
     if (has('m'))
         add(line, "-m");
@@ -167,11 +172,11 @@ CommandLine read_command_line(std::string_view flags)
         add(line, "-s");
     if (has('t'))
         add(line, "-t");
-    if (line.trace) {
+    if (has('x')) {
         add(line, "-x");
         add(line, TRACE);
     }
-    if (line.log) {
+    if (has('l')) {
         add(line, "-l");
         add(line, LOG);
     }
@@ -191,11 +196,8 @@ std::uint64_t read_allocations(std::string_view flags)
     return number;
 }
 
-bool traced = false; // files that the last run has written
-bool logged = false;
-
-// the program takes these signals over, and whoever had them wants them back
-constexpr int taken_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
+// the program switches these signals off, and whoever had them wants them back
+constexpr int taken_signals[] = {SIGPIPE, SIGXFSZ};
 
 int run_once(const CommandLine &line)
 {
@@ -237,13 +239,18 @@ void append_file(std::string &results, const char *name)
 // All files of a run lie in its folder. What a piece includes is looked for there alone: no name leads out.
 std::FILE *fuzz_fopen(const char *name, const char *mode)
 {
-    if (std::strcmp(mode, "wx") == 0) {
-        std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
-        return open_in_root(TEMPORARY, "w");
-    }
     if (std::strcmp(name, temporary_name) == 0)
         return open_in_root(TEMPORARY, mode);
-    return mode[0] == 'r' && std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+    return std::strchr(name, '/') != nullptr ? nullptr : open_in_root(name, mode);
+}
+
+// the files that are written, and the device that takes the place of closed streams
+int fuzz_open(const char *name, int flags, ...) { return open(name[0] == '/' ? name : in_root(name).text, flags, 0600); }
+
+int fuzz_mkstemp(char *name)
+{
+    std::snprintf(temporary_name, sizeof temporary_name, "%s", name);
+    return open(in_root(TEMPORARY).text, O_RDWR | O_CREAT | O_TRUNC, 0600);
 }
 
 // the temporary file, which the next run overwrites
@@ -252,11 +259,8 @@ int fuzz_remove(const char *) { return 0; }
 std::string last_results()
 {
     std::string results;
-    append_file(results, SCORE);
-    if (traced)
-        append_file(results, TRACE);
-    if (logged)
-        append_file(results, LOG);
+    for (const char *name : {SCORE, TRACE, LOG})
+        append_file(results, name);
     return results;
 }
 
@@ -268,11 +272,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view input{reinterpret_cast<const char *>(data), size};
     const std::string_view flags = input.substr(0, input.find('\n'));
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
+    for (const char *name : {SCORE, TRACE, LOG}) // a run that fails would leave those of the run before
+        std::remove(in_root(name).text);
     write_file(PIECE, piece);
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
-    traced                 = line.trace;
-    logged                 = line.log;
     check(run_once(line));
     return 0;
 }

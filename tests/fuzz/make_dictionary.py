@@ -1,15 +1,15 @@
-"""The fuzzer's dictionary: make_dictionary.py --keywords src/lang/keywords.cpp (--write FILE | --check FILE)
+"""The fuzzer's dictionary: make_dictionary.py [--tables PROGRAM] (--write FILE | --check FILE)
 
-The words come from the program's keyword table, each in the forms in which it stands in a piece; directives, operators
-and the fixed parts of the language are listed here. --check fails when the file is not what would be written.
+The words come from the program's keyword table, each in the forms in which it stands in a piece, which docs/keywords.tsv tells;
+directives, operators and the fixed parts of the language are listed here. --check fails when the file is not what would be written.
 """
 
 import argparse
-import re
+import os
 import sys
 
-GENERATORS = {"ex", "ho", "mo", "ms", "ra", "rw", "s2", "se"}
-SETTINGS = {"dv", "pf", "rd", "rs", "sr", "te"}
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../src/tables"))
+import tables
 
 DIRECTIVES = ["#define ", "#undef ", "#const ", "#if(", "#if(0)\\x0A", "#if(1)\\x0A", "#endif\\x0A", "#include |part|",
               "#include |piece|", "#define a#", "#define a(b'c)#", "$a", "$a(", "$a(1'2)", "$b", "$down(1'2)",
@@ -27,18 +27,11 @@ SPANS = ["(T ", "(T*.5 ", "(-4 ", "(2 ", "T*", "1 [1 2]", "1 * [1 2 3]", "1 x [1
 FLAGS = ["m\\x0A", "s\\x0A", "t\\x0A", "x\\x0A", "l\\x0A", "m5\\x0A", "12\\x0A", "250000\\x0A"]
 
 
-def read_keywords(path):
-    """The table's words, each with the places where it may stand."""
-    with open(path, encoding="utf-8") as file:
-        entries = re.findall(r"\{'(.)', '(.)', [A-Z0-9_]+, ([A-Z| ]+)\}", file.read())
-    return [(a + b, set(re.findall("[A-Z]+", places))) for a, b, places in entries]
-
-
-def forms(word, places):
-    """A keyword as it stands in a piece."""
-    if word in GENERATORS:
+def forms(word, form, places):
+    """A keyword as it stands in a piece; form is how it is written in the manual."""
+    if form == f"{word.upper()}(...)":
         return [word, f"{word}(T ", f"{word}(T 1 ["]
-    if word in SETTINGS:
+    if form.startswith(f"{word}("):
         return [f"{word}("]
     spellings = [word] + {"no": ["nox"], "op": ["opx"], "re": ["re7"], "bn": ["bn6"]}.get(word, [])
     result = [f"{spelling} " for spelling in spellings if "BLOCK" in places]
@@ -46,7 +39,8 @@ def forms(word, places):
 
 
 def make(keywords):
-    words = [form for word, places in keywords for form in forms(word, places)]
+    written = {word: form for word, form, *_ in tables.words_about("keywords")}
+    words = [form for row in keywords for form in forms(row["word"], written.get(row["word"], ""), row["places"])]
     words += ["te(60)", "te(1 2 60 90)", "te(0 4 60 120 e)"]
     groups = {"keywords": words, "directives": DIRECTIVES, "blocks": BLOCKS, "operators": OPERATORS, "values": VALUES,
               "generators": SPANS, "command lines": FLAGS}
@@ -58,18 +52,12 @@ def make(keywords):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--keywords", required=True)
+    tables.add_option(parser)
     action = parser.add_mutually_exclusive_group(required=True)
     action.add_argument("--write", metavar="FILE")
     action.add_argument("--check", metavar="FILE")
     options = parser.parse_args()
-    keywords = read_keywords(options.keywords)
-    if len(keywords) < 20:
-        sys.exit(f"{options.keywords}: the keyword table is not where it was")
-    unused = (GENERATORS | SETTINGS) - {word for word, _ in keywords}
-    if unused:
-        sys.exit(f"no keywords any more: {' '.join(sorted(unused))}")
-    dictionary = make(keywords)
+    dictionary = make(tables.read(options.tables)["keywords"])
     if options.write:
         with open(options.write, "w", encoding="ascii") as file:
             file.write(dictionary)

@@ -1,7 +1,7 @@
 """Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM PAGE...
 
 "mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) and orlo-view(1) must have every option
-that the usage text names, and orlo(5) every word of the keyword table. Ends with 77 when mandoc is missing.
+that the usage text names. Ends with 77 when mandoc is missing.
 """
 
 import argparse
@@ -10,8 +10,6 @@ import re
 import shutil
 import subprocess
 import sys
-
-KEYWORDS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../src/lang/keywords.cpp")
 
 
 def lint(mandoc, page):
@@ -27,15 +25,6 @@ def missing_options(command, page, text):
     if not options:
         sys.exit("the usage text has no options")
     return [f"{os.path.basename(page)} lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
-
-
-def missing_keywords(text):
-    with open(KEYWORDS, encoding="utf-8") as file:
-        keywords = [a + b for a, b in re.findall(r"\{'(\w)', '(\w)', \w+,", file.read())]
-    if len(keywords) < 20:
-        sys.exit("the keyword table reads otherwise than before")
-    items = " ".join(re.findall(r"^\.It (.*)", text, re.M)).lower()
-    return [f"orlo.5 lacks {keyword}" for keyword in keywords if not re.search(rf"\b{keyword}\b", items)]
 
 
 def main():
@@ -57,8 +46,6 @@ def main():
         if page.endswith(".1"):
             command = [options.view, "-h"] if "view" in os.path.basename(page) else [options.orlo]
             faults += missing_options(command, page, text)
-        else:
-            faults += missing_keywords(text)
     print("\n".join(faults or [f"{len(options.pages)} pages are clean and complete"]))
     return 1 if faults else 0
 

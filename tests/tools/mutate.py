@@ -34,6 +34,9 @@ import tempfile
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "src/tables"))
+import tables
+
 NOT_COPIED = ["build"]  # nor what is hidden
 
 sanitize = False
@@ -61,7 +64,6 @@ AREAS = {
 }
 
 NOT_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|^[ \t]*#(?:[^\n\\]|\\.)*|\bstatic_assert\s*\([^;]*;', re.S | re.M)
-TEXT_ENTRY = re.compile(r'\{-?\d+, (?=")')  # number of a text in the tables of message texts
 
 BINARY = {
     "+": ["-"], "-": ["+"], "*": ["/"], "/": ["*"], "%": ["*"], "<<": [">>"], ">>": ["<<"], "&": ["|"], "|": ["&"], "^": ["&"],
@@ -92,7 +94,7 @@ def blank_out(text):
         return re.sub(r"[^\n]", " ", match[0])
     # characters go by in the same scan, so that '"' begins no text
     return re.sub(r"(" + CHARACTER.pattern + r")|" + NOT_CODE.pattern, lambda m: m[0] if m[1] else blanks(m),
-                  TEXT_ENTRY.sub(blanks, text), flags=re.S | re.M)
+                  text, flags=re.S | re.M)
 
 
 def closing(code, at):
@@ -159,13 +161,13 @@ def places_of(path, text, errors):
     return [Place(path, *place) for place in places]
 
 
-def draw_places(root, seed):
+def draw_places(tree, seed):
     """Every place of the source in a random order, each with one change."""
-    with open(os.path.join(root, "src/diag/messages.h"), encoding="utf-8") as file:
-        errors = re.findall(r"^    ([A-Z]\w+)\s*= -?\d+,", file.read().split("enum Warning")[0], re.M)
+    root = tree.folder
+    errors = [row["name"] for row in tables.read(os.path.join(tree.build, "orlo-tables"))["error_names"]]
     places = []
     for path in sorted(glob.glob("src/**/*.*", root_dir=root, recursive=True)):
-        if path.endswith((".cpp", ".h")):
+        if path.endswith((".cpp", ".h")) and not path.startswith("src/tables/"):  # which no part of orlo is
             with open(os.path.join(root, path), encoding="utf-8") as file:
                 places += places_of(path, file.read(), errors)
     chance = random.Random(seed)
@@ -221,12 +223,13 @@ class Tree:
         status, output = run(["cmake", "-S", folder, "-B", self.build, *options], BUILD_LIMIT, folder, limited=False)
         if status != 0:
             sys.exit(f"{output}\ncan't configure")
-        if not self.make():
+        if not self.make() or not self.make("orlo-tables"):
             sys.exit("the tree can't be built as it is")
         self.code = self.machine_code()
 
-    def make(self):
-        command = ["cmake", "--build", self.build, "--target", "orlo", "orlo-view", "orlo_unit", "fault_orlo", "memory_faults"]
+    def make(self, *targets):
+        command = ["cmake", "--build", self.build, "--target",
+                   *(targets or ("orlo", "orlo-view", "orlo_unit", "fault_orlo", "memory_faults"))]
         return run(command, BUILD_LIMIT, self.folder, limited=False, env=self.environment)[0] == 0
 
     def machine_code(self):
@@ -400,7 +403,7 @@ def main():
         first = trees.get()
         suite = Suite(first)
         trees.put(first)
-        changes = find_again(options.again, first.folder) if options.again else draw_places(first.folder, options.seed)
+        changes = find_again(options.again, first.folder) if options.again else draw_places(first, options.seed)
         print(f"{len(changes)} places", flush=True)
         counted, skipped, records = 0, 0, []
         wanted = len(changes) if options.again else options.count

@@ -8,7 +8,6 @@ namespace orlo::view {
 namespace {
 
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
-constexpr double INFINITE     = std::numeric_limits<double>::infinity();
 
 const std::string UNKNOWN = "\xEF\xBF\xBD";
 
@@ -26,15 +25,10 @@ std::string coordinate(std::int64_t value)
     return out;
 }
 
-TEST(Tenths, AreRoundedAndBounded)
+TEST(Tenths, AreRounded)
 {
     EXPECT_EQ(125, tenths(12.46));
     EXPECT_EQ(-125, tenths(-12.46));
-    EXPECT_EQ(0, tenths(std::numeric_limits<double>::quiet_NaN()));
-    EXPECT_EQ(999'999'999'999'990, tenths(99'999'999'999'999));
-    EXPECT_EQ(1'000'000'000'000'000, tenths(1e14));
-    EXPECT_EQ(1'000'000'000'000'000, tenths(std::numeric_limits<double>::infinity()));
-    EXPECT_EQ(-1'000'000'000'000'000, tenths(-std::numeric_limits<double>::max()));
 }
 
 TEST(Escaped, ReplacesWhatMarkupMeans)
@@ -77,7 +71,6 @@ TEST(ShortNumber, IsShort)
     EXPECT_EQ("1e+30", number_text(1e30));
     EXPECT_EQ("-3.14159", number_text(-3.14159265));
     EXPECT_EQ("3.1", number_text(3.14159265, 2));
-    EXPECT_EQ("inf", number_text(INFINITE));
     EXPECT_EQ("-0.30000000000000004", number_text(-0.1 - 0.2, 17));
 }
 
@@ -88,12 +81,7 @@ TEST(JsonNumber, GivesTheSameDoubleBack)
     EXPECT_EQ("1e+300", json_number(1e300));
 }
 
-TEST(JsonNumber, NamesWhatIsNone)
-{
-    EXPECT_EQ("null", json_number(NOT_A_NUMBER));
-    EXPECT_EQ("\"inf\"", json_number(INFINITE));
-    EXPECT_EQ("\"-inf\"", json_number(-INFINITE));
-}
+TEST(JsonNumber, NamesWhatIsNone) { EXPECT_EQ("null", json_number(NOT_A_NUMBER)); }
 
 TEST(Tenths, HaveADecimalWhereTheyNeedOne)
 {

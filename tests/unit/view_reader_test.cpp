@@ -85,6 +85,43 @@ TEST(ScoreReader, TurnsBeatsIntoSecondsAsCsoundDoes)
     EXPECT_EQ(score.end, 5.5);
 }
 
+TEST(ScoreReader, KeepsTimesInOrderHoweverSteepATempoIs)
+{
+    const Score rounded = score_of("t 0 .001 1 1000000\ni1 .9999999 1e-12\n"); // its end is rounded to before its start
+    ASSERT_EQ(rounded.events.size(), 1U);
+    EXPECT_EQ(rounded.events[0].duration, 0);
+    const Score near = score_of("t 0 60 4.9e-324 .001 1.4e-323 1000000\ni1 0 4.9e-324\ni1 4.9e-324 9.8e-324\ni1 1 1\n");
+    ASSERT_EQ(near.events.size(), 3U);
+    EXPECT_EQ(starts_of(near)[0], 0);
+    EXPECT_GE(starts_of(near)[1], 0);
+    EXPECT_NEAR(starts_of(near)[2], .00006, 1e-12);
+    for (const Event &event : near.events)
+        EXPECT_TRUE(event.duration >= 0 && event.duration < 1e-3);
+}
+
+TEST(ScoreReader, TakesNumbersUpToTheLargest)
+{
+    const Score score =
+        score_of("i1 0 1 1e300 -1e300\ni1 0 1 < <\ni1 1 1 < <\ni1 2 1 -1e300 1e300\ni2 0 1 1.0000001e300 -1.7e308\n");
+    EXPECT_EQ(field_value(score, score.events[1], 4), 1e300);
+    EXPECT_EQ(field_value(score, score.events[2], 4), 0);
+    EXPECT_EQ(field_value(score, score.events[3], 5), 1e300);
+    EXPECT_TRUE(std::isnan(field_value(score, score.events[4], 4)));
+    EXPECT_TRUE(std::isnan(field_value(score, score.events[4], 5)));
+    ASSERT_EQ(score.troubles.size(), 2U);
+    EXPECT_EQ(score.troubles[0].text, "p4 is beyond 1e300, and left out");
+    EXPECT_EQ(score.troubles[1].line, 5);
+}
+
+TEST(ScoreReader, CarriesNothingFromASectionWhoseEventsWereLeftOut)
+{
+    const Score score = score_of("i1 0 -1e12 5\ni1 1e12 1 6\ns\ni1 0 1 .\n");
+    EXPECT_EQ(score.events.size(), 2U); // the third would start after 1e12 seconds
+    ASSERT_EQ(score.troubles.size(), 2U);
+    EXPECT_EQ(score.troubles[0].text, "p4 can't be carried: no event before it has one");
+    EXPECT_EQ(score.troubles[1].text, "an event beyond 1e12 seconds is left out");
+}
+
 TEST(ScoreReader, DropsInstrumentsWithoutEvents)
 {
     const Score score = score_of("i3 x 1\ni\"a\" 0 1\ni4 0\ni2 0 1\n");
@@ -157,6 +194,32 @@ TEST(MidiReader, ReadsAsManyNotesAsItMay)
     EXPECT_EQ(past.events.size(), 1U);
     ASSERT_EQ(past.troubles.size(), 1U);
     EXPECT_EQ(past.troubles[0].text, "track 1: more than 1 notes: the rest is left out");
+}
+
+// a track of rests of 2^28 - 1 ticks, each 16.777215 seconds, and a note
+std::string long_track(int rests)
+{
+    using namespace std::string_literals;
+    std::string track = "\0\xff\x51\3\xff\xff\xff"s;
+    for (int i = 0; i < rests; ++i)
+        track += "\xff\xff\xff\x7f\xc0\0"s;
+    track += "\0\x90\x3c\x40\1\x3c\0\0\xff\x2f\0"s;
+    const auto size = track.size();
+    return "MThd\0\0\0\6\0\0\0\1\0\1MTrk\0\0"s + static_cast<char>(size / 256) + static_cast<char>(size % 256) + track;
+}
+
+TEST(MidiReader, TakesTimesUpToTheLargest)
+{
+    Score at;
+    EXPECT_TRUE(read_midi(long_track(222), {}, at));
+    ASSERT_EQ(at.events.size(), 1U);
+    EXPECT_NEAR(at.events[0].start, 222 * 268435455.0 * 16.777215, 1);
+    EXPECT_TRUE(at.troubles.empty());
+    Score past;
+    EXPECT_TRUE(read_midi(long_track(223), {}, past));
+    EXPECT_TRUE(past.events.empty() && past.values.empty() && past.instruments.empty());
+    ASSERT_EQ(past.troubles.size(), 1U);
+    EXPECT_EQ(past.troubles[0].text, "track 1: an event beyond 1e12 seconds is left out");
 }
 
 TEST(MidiReader, TellsNoWrongCountOfTracksWhenNotesAreLeftOut)

@@ -1,14 +1,14 @@
 #include "view/scale.h"
+#include "view/score.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 namespace orlo::view {
 namespace {
 
-constexpr double LARGEST = std::numeric_limits<double>::max();
+constexpr double LARGEST = LARGEST_VALUE;
 
 std::string labels(const std::vector<Tick> &ticks)
 {
@@ -74,10 +74,8 @@ TEST(NiceTicks, AreOneWhereNothingDiffers)
 TEST(NiceTicks, AreFewInEveryRange)
 {
     for (const double low : {-LARGEST, -1e18, -3.0, 0.0, 0.7, 99.5, 1e300}) {
-        for (const double width : {1e-300, 1e-9, 0.7, 1.0, 9.99, 1e6, 1e305, LARGEST}) {
+        for (const double width : {1e-300, 1e-9, 0.7, 1.0, 9.99, 1e6, 1e299, LARGEST}) {
             const Range range{low, low + width};
-            if (!std::isfinite(range.high))
-                continue;
             for (int most = 2; most < 14; most++) {
                 const auto ticks = nice_ticks(range, most);
                 EXPECT_LE(static_cast<int>(ticks.size()), most) << low << ' ' << width;

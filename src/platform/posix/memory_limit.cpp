@@ -1,8 +1,10 @@
 // Linux grants memory that it doesn't have (overcommit) and ends a process that touches it, without a word. RLIMIT_DATA counts what
 // a process may touch: its data, heap and private writable mappings (getrlimit(2), since Linux 4.7); /proc/self/statm tells the
-// same count in pages, /proc/meminfo what is left in KiB (proc(5)).
+// same count in pages (proc(5)).
 
 #include "platform/memory_limit.h"
+
+#include "platform/posix/memory_left.h"
 
 #include <cinttypes>
 #include <cstdio>
@@ -12,27 +14,7 @@
 namespace orlo {
 namespace {
 
-constexpr std::uint64_t KIBIBYTE     = 1024;
-constexpr std::uint64_t SPARED       = 16;  // one part in so many of what is left stays with everybody else
-constexpr std::size_t   LONGEST_LINE = 128; // of /proc/meminfo, whose lines are far shorter
-
-// bytes of memory and swap that the system has left, or 0
-std::uint64_t bytes_left()
-{
-    std::FILE *file = std::fopen("/proc/meminfo", "r");
-    if (file == nullptr)
-        return 0;
-    std::uint64_t left = 0;
-    char          line[LONGEST_LINE];
-    while (std::fgets(line, sizeof line, file) != nullptr) {
-        std::uint64_t kibibytes = 0;
-        if (std::sscanf(line, "MemAvailable: %" SCNu64, &kibibytes) == 1 ||
-            std::sscanf(line, "SwapFree: %" SCNu64, &kibibytes) == 1)
-            left += kibibytes * KIBIBYTE;
-    }
-    std::fclose(file);
-    return left;
-}
+constexpr std::uint64_t SPARED = 16; // one part in so many of what is left stays with everybody else
 
 // bytes of data that the process holds, or 0
 std::uint64_t bytes_held()
@@ -50,13 +32,12 @@ std::uint64_t bytes_held()
 
 void limit_memory()
 {
-    const std::uint64_t left = bytes_left();
+    const std::uint64_t left = memory_left("");
     const std::uint64_t held = bytes_held();
-    const std::uint64_t most = held + left - left / SPARED;
     rlimit              limit{};
-    if (left == 0 || held == 0 || getrlimit(RLIMIT_DATA, &limit) != 0 || limit.rlim_cur <= most)
+    if (left == NOT_TOLD || held == 0 || getrlimit(RLIMIT_DATA, &limit) != 0 || limit.rlim_cur <= held + left - left / SPARED)
         return;
-    limit.rlim_cur = most;
+    limit.rlim_cur = held + left - left / SPARED;
     static_cast<void>(setrlimit(RLIMIT_DATA, &limit));
 }
 
