@@ -11,6 +11,7 @@
 #include "input/macro_expansion.h"
 #include "platform/output_files.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace orlo {
@@ -18,6 +19,37 @@ namespace orlo {
 std::FILE *fecho = nullptr;
 
 namespace {
+
+bool fill_block(Input &in)
+{
+    in.next  = 0;
+    in.end   = std::fread(in.block, 1, BLOCK_SIZE, in.stream);
+    in.ended = in.end == 0 && std::feof(in.stream) != 0;
+    return in.end > 0;
+}
+
+// reads a line with its end, or as much of it as there is room for; false when nothing is left, or can be read
+bool read_line(Input &in)
+{
+    std::size_t length = 0;
+    for (bool whole = false; !whole && length < LINE_SIZE - 1;) { // each round takes bytes
+        if (in.next == in.end && !fill_block(in)) {
+            if (!in.ended || length == 0)
+                return false;
+            break;
+        }
+        const char       *start = in.block + in.next;
+        const std::size_t most  = std::min(in.end - in.next, LINE_SIZE - 1 - length);
+        const auto       *found = static_cast<const char *>(std::memchr(start, '\n', most));
+        whole                   = found != nullptr;
+        const std::size_t piece = whole ? static_cast<std::size_t>(found + 1 - start) : most;
+        std::memcpy(in.line + length, start, piece);
+        length += piece;
+        in.next += piece;
+    }
+    in.line[length] = '\0';
+    return true;
+}
 
 // whether a character can matter to the macro and constant passes: calls, references, definitions, comments
 constexpr bool matters_to_passes(char c) { return c == '#' || c == '$' || c == '~' || c == ';' || c == '/' || c == '*'; }
@@ -82,7 +114,7 @@ int skip_one_comment(Input &in)
 
 int get_buff(Input &in)
 {
-    if (std::fgets(in.line, LINE_SIZE, in.stream) == nullptr)
+    if (!read_line(in))
         return END_OF_INPUT;
     ++in.line_no;
     const bool matters = blank_line_ends(in.line);
@@ -168,7 +200,7 @@ int skip_lines(Input &in)
         skip_blanks(in);
         if (peek(in) != '\0')
             return OK;
-        if (std::feof(in.stream) != 0)
+        if (in.ended)
             return END_OF_INPUT;
         if (const int status = get_buff(in))
             return status;
