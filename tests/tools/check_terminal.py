@@ -146,7 +146,8 @@ def check_orlo(orlo, folder):
     written = ["/dev/stdout", "copied.orlo", "out.sco"]  # trace, log and score that are a terminal
     for args in (["-x", *written], ["-l", *written], [written[1], written[0]]):
         text = check_safe(args, at_terminal([orlo, *args], folder, ("stdout",))[0])
-        expect(SAFE.replace("\u240d", "") in text or "-l" in args, f"orlo {args}: {text!r}")
+        in_line = SAFE.replace("\u240d", "")[:-3] + " \ufffd\ufffd"  # a line of the input has no 0xFF
+        expect(in_line in text or "-l" in args, f"orlo {args}: {text!r}")
     expect("out.sco" in text or "i1 " in text, f"orlo: no score at the terminal: {text!r}")
 
 
