@@ -54,7 +54,7 @@ template <class... Args> void Mprintf(const char *format, Args... args)
 }
 
 /// Prints a line and, beneath it, a caret under the column. A line end inside the line is shown as "L".
-/// An empty line gives an empty second line; a column past the end gives blanks without a caret.
+/// An empty line gives an empty second line; a column past the end gives blanks without a caret. Only tests call it.
 void put_buff(std::FILE *stream, const char *line, unsigned column);
 
 /// Reports an error number with the line where it was found; 999 prints nothing, 1000 the line and caret alone.

@@ -224,7 +224,7 @@ void mark(DefinitionMarks &marks, std::uint32_t column)
 }
 
 // one character of an open definition, which its third "#" closes
-void scan_definition(Input &in, CommentFlags &flags, DefinitionMarks &marks)
+void scan_definition(Input &in, PassComments &flags, DefinitionMarks &marks)
 {
     const char c = peek(in);
     mark(marks, in.pos);
@@ -234,7 +234,7 @@ void scan_definition(Input &in, CommentFlags &flags, DefinitionMarks &marks)
 }
 
 struct LineScan {
-    CommentFlags flags;
+    PassComments flags;
     bool         definitions; // may start on this line
     bool         stopped;     // the rest of the line is not scanned
 };

@@ -18,8 +18,10 @@ struct DefinitionMarks {
     bool columns[LINE_SIZE + 1]; // by position in the line
 };
 
-extern bool IN_COMMENT;   // the expansion passes are inside a comment, false at start; carried from line to line
-extern int  IN_MACRO_DEF; // 0 outside a definition, else 1 plus the number of its later "#" so far; 0 at start
+extern bool IN_COMMENT; // a block comment is open where the last pass ended, false at start; carried from line to line; written by
+                        // parse_macros and parse_variables
+extern int
+    IN_MACRO_DEF; // 0 outside a definition, else 1 plus the number of its later "#" so far; 0 at start; written by parse_macros
 
 /// Expands every call of the line in place, but for those in comments, definitions and directives, and marks the columns of
 /// definitions. Leaves the position at 0.
