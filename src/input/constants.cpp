@@ -120,6 +120,8 @@ std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
 // replaces the reference behind the "~" at start by its value
 int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
 {
+    if (const int error = count_expansion(in))
+        return error;
     if (!SUPRESS)
         Mprintf("\n\tExpanding const \"%s\" (%f) into line %d...", reference.name, reference.value, in.line_no);
     char              text[FTOA_SIZE];
@@ -177,7 +179,7 @@ int parse_var(Input &in)
 
 int parse_variables(Input &in, const DefinitionMarks &marks)
 {
-    CommentFlags flags{IN_COMMENT, IN_COMMENT};
+    PassComments flags{IN_COMMENT, IN_COMMENT};
     in.pos = 0;
     while (peek(in) != '\0') { // each step moves on: what is inserted holds no reference
         if (peek(in) == '~' && !flags.comment && !(marks.any && marks.columns[in.pos])) {

@@ -18,7 +18,8 @@
 
 namespace orlo {
 
-std::FILE *fecho = nullptr;
+std::FILE *fecho             = nullptr;
+bool       trace_is_terminal = false;
 
 namespace {
 
@@ -106,7 +107,10 @@ int expand_line(Input &in, unsigned found)
 void trace_line(const char *line)
 {
     begin_output(fecho);
-    std::fputs(line, fecho);
+    if (trace_is_terminal)
+        put_safely(fecho, line);
+    else
+        std::fputs(line, fecho);
     std::fputc('\n', fecho);
 }
 

@@ -25,7 +25,8 @@ struct Input {
     char          block[BLOCK_SIZE];
 };
 
-extern std::FILE *fecho; // the open trace, null without one; set by the driver
+extern std::FILE *fecho;             // the open trace, null without one; set by the driver, as the next
+extern bool       trace_is_terminal; // somebody looks at the trace as it is written, false at start
 
 enum class Comment : int { line, block };
 
