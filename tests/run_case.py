@@ -207,10 +207,10 @@ def case_name(path):
 def find_cases(places):
     cases = []
     for place in places:
-        found = sorted(glob.glob(os.path.join(glob.escape(place), "**", "*.case"), recursive=True)) if os.path.isdir(place) else [place]
-        if not found:
+        inside = glob.glob(os.path.join(glob.escape(place), "**", "*.case"), recursive=True)
+        if os.path.isdir(place) and not inside:
             sys.exit(f"there is no case in {place}")
-        cases += found
+        cases += sorted(inside) or [place]
     return cases
 
 

@@ -187,8 +187,8 @@ class RunCase(unittest.TestCase):
 
     def test_filter(self):
         self.make_folders()
-        for pattern, names in (("a", "one/a two/a two/bad"), ("one", "one/a one/b"), ("*/a", "one/a two/a"), ("*/?", "one/a one/b two/a"),
-                               ("o/b", "two/bad")):
+        for pattern, names in (("a", "one/a two/a two/bad"), ("one", "one/a one/b"), ("*/a", "one/a two/a"),
+                               ("*/?", "one/a one/b two/a"), ("o/b", "two/bad")):
             status, output = self.run_cases("--list", "--filter", pattern, "one", "two", program=False)
             self.assertEqual((0, names.split()), (status, output.split()))
         self.assertEqual(0, self.run_cases("--filter", "*/a", "one", "two")[0])

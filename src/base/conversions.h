@@ -5,7 +5,7 @@
 
 namespace orlo {
 
-extern std::uint64_t SRATE; // sampling rate in Hz, 44100 at start; set by "sr", read by the bin conversion
+extern std::uint64_t SRATE; // sampling rate in Hz, 44100 at start; set by "sr" (lang/settings), read by cpc_to_bin
 
 /// Semitones to octave-point-pitch-class: 13.5 gives 5.015.
 [[nodiscard]] float cpc_to_pch(float pitch);

@@ -7,6 +7,7 @@
 #include "base/random.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 namespace orlo {
@@ -99,7 +100,10 @@ float beta()
 
 float add_rdev(float value, float deviation)
 {
-    const float u      = draw_uniform();
+    const float u         = draw_uniform();
+    const float magnitude = std::fabs(value);
+    if (deviation == 0.0F && magnitude > 0.0F && magnitude <= FLT_MAX) // 0 is added, which changes 0 and what is no number alone
+        return value;
     const float amount = deviation * value;
     return static_cast<float>(static_cast<double>(u * amount) + static_cast<double>(-0.5F * amount) + static_cast<double>(value));
 }

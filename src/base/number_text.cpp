@@ -22,6 +22,7 @@ constexpr int           LARGEST_SHIFT = 15;  // 24 bits, and 24 of 10^7, leave r
 
 constexpr int MOST_WIDTH  = 16;
 constexpr int MOST_DIGITS = 19; // below 2^63
+constexpr int GROUP       = 8;  // digits that are made at once
 
 constexpr auto powers_of_ten = [] {
     std::array<std::uint64_t, MOST_DIGITS + 1> powers{1};
@@ -43,10 +44,8 @@ std::uint64_t shift_right_rounded(std::uint64_t number, int shift)
 {
     if (shift >= 64)
         return 0; // the number has 48 bits, less than half of what is asked for
-    const std::uint64_t kept = number >> shift;
-    const std::uint64_t rest = number - (kept << shift);
     const std::uint64_t half = std::uint64_t{1} << (shift - 1);
-    return kept + (rest > half || (rest == half && (kept & 1) != 0) ? 1 : 0);
+    return (number + half - 1 + (number >> shift & 1)) >> shift;
 }
 
 // digits of a number, none of 0; 1233 / 4096 is a little more than the logarithm of 2
@@ -71,6 +70,41 @@ char *put_digits_before(char *start, std::uint64_t &number, int count)
     return start;
 }
 
+// writes a number with a point before its last decimals in front of an end; returns where it begins
+char *put_digits(char *end, std::uint64_t number, int digits, int decimals)
+{
+    char *start = put_digits_before(end, number, decimals);
+    if (decimals > 0)
+        *--start = '.';
+    return put_digits_before(start, number, digits - decimals);
+}
+
+// the digits of a number of GROUP digits at most, the first one in the lowest byte: halves, their halves and theirs side by side
+std::uint64_t digits_of_group(std::uint64_t number)
+{
+    const std::uint64_t fours = number / 10000 | number % 10000 << 32;
+    const std::uint64_t upper = fours * 5243 >> 19 & 0x0000007F0000007F; // of each by 100
+    const std::uint64_t twos  = upper | (fours - upper * 100) << 16;
+    const std::uint64_t tens  = twos * 103 >> 10 & 0x000F000F000F000F;
+    return (tens | (twos - tens * 10) << 8) + 0x3030303030303030;
+}
+
+// as put_digits; what is written behind a part is overwritten by the next one
+char *put_group(char *end, std::uint64_t number, int digits, int decimals)
+{
+    const std::uint64_t group    = digits_of_group(number);
+    const std::uint64_t whole    = group >> 8 * (GROUP - digits);
+    char               *fraction = end - decimals;
+    char               *start    = fraction - (digits - decimals) - (decimals > 0 ? 1 : 0);
+    std::memcpy(start, &whole, GROUP);
+    if (decimals > 0) {
+        const std::uint64_t rest = group >> 8 * (GROUP - decimals);
+        fraction[-1]             = '.';
+        std::memcpy(fraction, &rest, GROUP);
+    }
+    return start;
+}
+
 } // namespace
 
 double printable(double value) { return std::isnan(value) ? std::copysign(value, -1.0) : value; }
@@ -87,15 +121,12 @@ char *put_real(char *text, float value, int width, int decimals)
     const std::uint64_t product  = mantissa * powers_of_ten[static_cast<std::size_t>(decimals)];
     const std::uint64_t scaled   = shift >= 0 ? product << shift : shift_right_rounded(product, -shift);
 
-    const bool    negative = bits >> 31 != 0;
-    const int     digits   = std::max(count_digits(scaled), decimals + 1);
-    char         *end      = text + std::max(digits + (decimals > 0 ? 1 : 0) + (negative ? 1 : 0), width);
-    std::uint64_t rest     = scaled;
+    const bool negative = bits >> 31 != 0;
+    const int  digits   = std::max(count_digits(scaled), decimals + 1);
+    char      *end      = text + std::max(digits + (decimals > 0 ? 1 : 0) + (negative ? 1 : 0), width);
     std::memset(text, ' ', MOST_WIDTH); // of which the number takes its part
-    char *start = put_digits_before(end, rest, decimals);
-    if (decimals > 0)
-        *--start = '.';
-    start = put_digits_before(start, rest, digits - decimals);
+    const bool at_once = digits <= GROUP && std::endian::native == std::endian::little;
+    char      *start   = at_once ? put_group(end, scaled, digits, decimals) : put_digits(end, scaled, digits, decimals);
     if (negative)
         *--start = '-';
     return end;

@@ -3,6 +3,7 @@
 #include "driver/options.h"
 
 #include "base/switches.h"
+#include "diag/report.h"
 #include "platform/output_files.h"
 
 #include <cstring>
@@ -113,12 +114,12 @@ void print_usage(std::FILE *stream)
 void print_info(std::FILE *stream)
 {
     print_version(stream);
-    std::fprintf(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
+    print(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
     std::fputs(MKMIDI ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
     if (MKLOG)
-        std::fprintf(stream, "Log \t= \"%s\"\n", log_fname);
+        print(stream, "Log \t= \"%s\"\n", log_fname);
     if (MKEXP)
-        std::fprintf(stream, "MExp\t= \"%s\"\n", exp_fname);
+        print(stream, "MExp\t= \"%s\"\n", exp_fname);
 }
 
 void reset_options()

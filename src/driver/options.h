@@ -7,7 +7,8 @@
 
 namespace orlo {
 
-extern const char *in_fname; // names from the command line, null when not given; written by get_options
+extern const char
+    *in_fname; // names from the command line, null when not given; written by get_options, null again by reset_options
 extern const char *out_fname;
 extern const char *log_fname;
 extern const char *exp_fname;

@@ -123,7 +123,7 @@ void report_statistics(std::uint32_t block)
     Mprintf("Cumulative i-block duration: %f (secs)\n", stats.end);
 }
 
-bool input_used_up(const Input &in) { return std::feof(in.stream) != 0 && peek(in) == '\0'; }
+bool input_used_up(const Input &in) { return in.ended && peek(in) == '\0'; }
 
 // run -> { global-block i-block }
 // ended tells whether a MIDI run is over, which it is after its first i-block
@@ -142,7 +142,7 @@ int do_blocks(Input &in, std::FILE *out, bool &ended)
         if (input_used_up(in))
             return ifdef_match() ? OK : MISSING_ENDIF;
         ended = MKMIDI;
-        if (!ended && std::feof(in.stream) != 0)
+        if (!ended && in.ended)
             return OK;
     }
     return OK;

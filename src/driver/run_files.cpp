@@ -10,16 +10,18 @@
 #include "driver/options.h"
 #include "input/include_pass.h"
 #include "input/line_reader.h"
+#include "input/macro_expansion.h"
 #include "platform/output_files.h"
 #include "platform/screen.h"
 #include "platform/temporary_file.h"
+#include "platform/terminal.h"
 
 namespace orlo {
 namespace {
 
 bool cant_open(const char *name)
 {
-    std::fprintf(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
+    print(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
     return false;
 }
 
@@ -27,6 +29,14 @@ bool open_to_write(std::FILE *&stream, const char *name)
 {
     stream = open_output(name);
     return stream != nullptr || cant_open(name);
+}
+
+bool open_trace()
+{
+    if (!open_to_write(fecho, exp_fname))
+        return false;
+    trace_is_terminal = is_terminal(fecho);
+    return true;
 }
 
 bool open_temporary(Files &files)
@@ -42,6 +52,12 @@ void close_read(std::FILE *&stream)
     if (stream != nullptr)
         std::fclose(stream);
     stream = nullptr;
+}
+
+std::uint64_t size_so_far(std::FILE *stream)
+{
+    const long bytes = std::ftell(stream);
+    return bytes > 0 ? static_cast<std::uint64_t>(bytes) : 0;
 }
 
 bool close_temporary(Files &files)
@@ -74,7 +90,7 @@ bool open_files(Files &files)
     files.in = std::fopen(in_fname, "r");
     if (files.in == nullptr)
         return cant_open(in_fname);
-    return open_to_write(files.out, out_fname) && (!MKEXP || open_to_write(fecho, exp_fname)) && open_temporary(files) &&
+    return open_to_write(files.out, out_fname) && (!MKEXP || open_trace()) && open_temporary(files) &&
            (!MKLOG || open_to_write(files.log, log_fname));
 }
 
@@ -90,6 +106,7 @@ int combine_input(Files &files)
         return FULLY_REPORTED;
     }
     close_read(files.in);
+    bound_expansions(size_so_far(files.tmp));
     if (!close_temporary(files)) {
         Mprintf("\nERROR: Can't write temporary file\n\n");
         return FULLY_REPORTED;

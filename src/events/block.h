@@ -13,30 +13,36 @@ namespace orlo {
 
 struct Event;
 
-// of a block; written by the header of the block where nothing else is said
-extern std::int32_t  I_NO;    // instrument number, 0 at start
-extern float         STIME;   // start, beats in the header, seconds from p2 on; 0 at start; written by reset_pfield too
-extern float         SBEAT;   // start in beats, 0 at start
-extern float         BEATS;   // length in beats, 0 at start and when the length is given in events
-extern float         ETIME;   // length in beats, or minus the number of events; 0 at start
-extern float         MAX_DEV; // relative deviation of stored values, 0 at start; set by "rd", for the rest of the run
-extern std::uint64_t EVENTS;  // events the block must have, 0 while it is bounded by beats; set to what p2 produced, grown by fuses
-                              // and chords, shrunk by rests that are taken out
+// of a block; written by its header (lang/iblock) where nothing else is said
+extern std::int32_t I_NO;    // instrument number, 0 at start
+extern float        STIME;   // start, beats in the header, seconds from p2 on; 0 at start; made seconds by reset_pfield
+extern float        SBEAT;   // start in beats, 0 at start
+extern float        BEATS;   // length in beats, 0 at start and when the length is given in events
+extern float        ETIME;   // length in beats, or minus the number of events; 0 at start
+extern float        MAX_DEV; // relative deviation of stored values, 0 at start; set by "rd" alone, for the rest of the run
 
-// of a section; set back by reset_pfield, but for the last value and the suffix of pitches
-extern std::int32_t  P_NO;       // p-field being read, 0 at start; written by the block's parser
-extern std::uint64_t EVENT_NO;   // events so far in the section, 0 at start; counted by everything that stores
-extern float         CBEATS;     // position of the next p2 value in beats of the piece, 0 at start; written by store_start
-extern float         LAST_VAL;   // last value read or generated, 0 at start; written by literal data and generators
-extern std::int32_t  IN_TYPE;    // code of the input type, TYPE_RE at start; written by the section's parser, as the next
-extern std::int32_t  OUT_TYPE;   // code of the output type, TYPE_RE at start
-extern bool          IN_LOOP;    // a loop is open, false at start; written by set_loop
-extern bool          NX;         // pitches are not rounded ("nox", "opx"), false at start; written by get_command
-extern float         MAX_DEV2;   // a second deviation, added to MAX_DEV, 0 at start; set by "dv"
-extern float         PFACTOR;    // factor of every stored value from p3 up, 1 at start; set by "pf"
-extern std::int32_t  IS_FUSED;   // fuse marks since the last value, 0 at start; set back by the event that uses it
-extern bool          WROTE_DATA; // the section has stored a value, false at start
-extern Event        *LUT;        // last event that StorePfield gave a value with code 0; the tail when a section starts
+// events the block must have, 0 at start and while it is bounded by beats; set by the header and to what p2 produced (lang/iblock),
+// grown by fuses and chords (lang/data_list, events/storing, events/filling, ddf/second_order), shrunk by RemoveRests
+extern std::uint64_t EVENTS;
+
+// of a section; those up to MAX_DEV2 are set back by reset_pfield
+extern std::uint64_t EVENT_NO;  // events so far in the section, 0 at start; counted by whoever stores: lang/data_list, ddf/ddf,
+                                // ddf/second_order, events/storing, events/filling; RemoveRests counts down
+extern std::int32_t IN_TYPE;    // code of the input type, TYPE_RE at start; written by lang/pfield
+extern std::int32_t OUT_TYPE;   // code of the output type, TYPE_RE at start; written by lang/pfield
+extern bool         IN_LOOP;    // a loop is open, false at start; written by set_loop
+extern std::int32_t IS_FUSED;   // fuse marks since the last value, 0 at start; counted by lang/data_list, set for a chord member by
+                                // events/filling and ddf/second_order; 0 again by InsertBegTime and StorePfield, which use it
+extern bool         WROTE_DATA; // the section has stored a value, false at start; set by InsertBegTime, StorePfield and store_p3
+extern float        PFACTOR;    // factor of every stored value from p3 up, 1 at start; set by "pf"
+extern float        MAX_DEV2;   // a second deviation, added to MAX_DEV, 0 at start; set by "dv"
+extern std::int32_t P_NO;       // p-field being read, 0 at start; written by lang/iblock
+extern float        CBEATS; // position of the next p2 value in beats of the piece, 0 at start; moved on by store_start, SBEAT at
+                            // the start of p2 by reset_pfield
+extern float  LAST_VAL;     // last value read or generated, 0 at start; written by lang/data_list, ddf/ddf and ddf/second_order
+extern bool   NX;           // pitches are not rounded ("nox", "opx"), false at start; written by get_command
+extern Event *LUT;          // last event that StorePfield gave a value with code 0, null at start; the tail when lang/pfield begins
+                            // a section from p3 up
 
 /// Whether the block is full.
 [[nodiscard]] bool out_of_time();

@@ -18,7 +18,8 @@ struct Event {
 
 struct Section;
 
-extern Event *note_list; // last event of the block, null when there are none; written by every section, freed by the driver
+extern Event *note_list; // last event of the block, null when there are none; written by lang/iblock and the conversion to MIDI,
+                         // freed by driver/run
 
 /// What GetListStats finds in a finished list.
 struct ListStats {

@@ -10,14 +10,14 @@ namespace orlo {
 inline constexpr std::int32_t LEAST_PFIELDS = 3;
 inline constexpr std::int32_t MOST_PFIELDS  = 128;
 
-extern std::int32_t MAX_PFIELDS;             // p-fields of every event, 3 to 128, 0 at start; written by the i-block header
-extern bool         DID_P[MOST_PFIELDS + 1]; // by p-field number: its section is complete; cleared at the start of every block
+extern std::int32_t MAX_PFIELDS;     // p-fields of every event, 0 at start; written by the i-block header
+extern bool DID_P[MOST_PFIELDS + 1]; // by p-field number: its section is complete; set by lang/iblock, cleared as a block begins
 
-/// How each p-field from p2 up is written; index 0 is p2. The arrays are made by the i-block header for MAX_PFIELDS - 1 p-fields
-/// and given back when the block has been written as a score.
-extern std::int32_t *OUTS;   // output type code, TYPE_RE when the section gives none; written by the p-field header
-extern std::int32_t *RE_FW;  // decimals of "re", 0 to 7; RE_FW_DEFAULT at the start of a section
-extern std::int32_t *FFT_SZ; // size digit of "bn", 0 to 7; FFT_SZ_DEFAULT without a digit
+/// How each p-field from p2 up is written; index 0 is p2. The arrays, all zero and null at start, are made by the i-block header
+/// for MAX_PFIELDS - 1 p-fields and given back when the block has been written as a score.
+extern std::int32_t *OUTS;   // output type code, TYPE_RE when the section gives none; written by lang/pfield
+extern std::int32_t *RE_FW;  // decimals of "re", 0 to 7; RE_FW_DEFAULT as a section begins (lang/pfield); written by get_command
+extern std::int32_t *FFT_SZ; // size digit of "bn", 0 to 7; FFT_SZ_DEFAULT without a digit; written by get_command
 
 inline constexpr std::int32_t RE_FW_DEFAULT  = 3;
 inline constexpr std::int32_t FFT_SZ_DEFAULT = 4;

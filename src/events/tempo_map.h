@@ -19,8 +19,9 @@ struct TempoSegment {
     float vcurve; // exponent of the curve "v"
 };
 
-extern TempoSegment TEMPO_LIST[MAX_TEMPOS]; // in the order of "te" commands; expected, but not checked, to be in stime order
-extern std::int32_t TOT_TEMPOS;             // segments in use, 1 at start: 60 beats per minute everywhere
+extern TempoSegment
+    TEMPO_LIST[MAX_TEMPOS]; // in the order of "te" commands, written by add_tempo; expected, but not checked, to be in stime order
+extern std::int32_t TOT_TEMPOS; // segments in use, 1 at start: 60 beats per minute everywhere; written by add_tempo
 
 /// Stores a segment: one that starts at 0 replaces the first, any other is appended.
 /// @return false when the table is full

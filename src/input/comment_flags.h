@@ -5,12 +5,12 @@
 namespace orlo {
 
 /// How the expansion passes over a line follow comments: "*/" ends a comment of either kind, and "/*" counts behind a ";" too.
-struct CommentFlags {
+struct PassComments {
     bool comment; // inside a comment of either kind
     bool block;   // a block comment is open
 };
 
-inline void follow_comment(CommentFlags &flags, char c, char next)
+inline void follow_comment(PassComments &flags, char c, char next)
 {
     if (c == '/' && next == '*')
         flags = {true, true};
@@ -20,14 +20,14 @@ inline void follow_comment(CommentFlags &flags, char c, char next)
         flags.comment = true;
 }
 
-/// How macro bodies and the lines of a false block are read: inside a comment nothing but its end counts, which for a line comment
-/// is the end of its line.
-struct SeparateFlags {
+/// How text that is taken or skipped as it is, macro bodies and the lines of a false block, follows comments: inside a comment
+/// nothing but its end counts, which for a line comment is the end of its line.
+struct RawComments {
     bool line;
     bool block;
 };
 
-inline void follow_comment(SeparateFlags &flags, char c, char next)
+inline void follow_comment(RawComments &flags, char c, char next)
 {
     if (flags.line)
         return;

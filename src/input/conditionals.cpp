@@ -39,7 +39,7 @@ bool skip_directive(Input &in)
 // skipped-block -> characters "#" "endif", with blocks inside it
 int skip_false_block(Input &in)
 {
-    SeparateFlags flags{false, false};
+    RawComments flags{false, false};
     for (bool closed = false; !closed;) { // each step moves on or reads a line
         if (peek(in) == '\0') {
             if (const int status = get_buff(in))

@@ -13,6 +13,7 @@
 #include "input/macros.h"
 #include "input/scanners.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -23,6 +24,8 @@
 
 namespace orlo {
 namespace {
+
+constexpr std::ptrdiff_t MOST_DIGITS = 19; // of 64 bits
 
 struct NameHash {
     using is_transparent = void;
@@ -117,6 +120,8 @@ std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
 // replaces the reference behind the "~" at start by its value
 int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
 {
+    if (const int error = count_expansion(in))
+        return error;
     if (!SUPRESS)
         Mprintf("\n\tExpanding const \"%s\" (%f) into line %d...", reference.name, reference.value, in.line_no);
     char              text[FTOA_SIZE];
@@ -151,12 +156,8 @@ int expand_reference(Input &in)
 // the digits of a number that is not negative; nothing for a negative one
 void put_digits(char *&end, std::int64_t number)
 {
-    const int digits = CountDigits(number);
-    for (int i = digits - 1; i >= 0; --i) {
-        end[i] = static_cast<char>('0' + number % 10);
-        number /= 10;
-    }
-    end += digits;
+    if (number >= 0)
+        end = std::to_chars(end, end + MOST_DIGITS, number).ptr;
 }
 
 } // namespace
@@ -178,7 +179,7 @@ int parse_var(Input &in)
 
 int parse_variables(Input &in, const DefinitionMarks &marks)
 {
-    CommentFlags flags{IN_COMMENT, IN_COMMENT};
+    PassComments flags{IN_COMMENT, IN_COMMENT};
     in.pos = 0;
     while (peek(in) != '\0') { // each step moves on: what is inserted holds no reference
         if (peek(in) == '~' && !flags.comment && !(marks.any && marks.columns[in.pos])) {

@@ -35,7 +35,7 @@ std::size_t                  FtoA(char *text, double value);
 /// Frees all constants.
 void free_variable_list();
 
-/// Debugging aid: prints a constant.
+/// Debugging aid that only tests call: prints a constant.
 void print_var(const char *name, double value);
 
 } // namespace orlo

@@ -9,6 +9,7 @@
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "input/constants.h"
+#include "input/macro_expansion.h"
 #include "input/scanners.h"
 
 namespace orlo {
@@ -53,12 +54,15 @@ int get_time_term(double &value, Input &in)
     return OK;
 }
 
-void draw_random(double &value, Input &in)
+int draw_random(double &value, Input &in)
 {
+    if (const int error = count_expansion(in))
+        return error;
     ++in.pos;
     value = static_cast<double>(static_cast<float>(draw_int() % RANDOM_STEPS)) / static_cast<double>(RANDOM_STEPS);
     if (!SUPRESS)
         Mprintf("\n\tLine %d: '?' evaluated at = %f", in.line_no, value);
+    return OK;
 }
 
 // term -> name | "?" | time-term | [ "+" | "-" ] number
@@ -71,7 +75,8 @@ int get_term(Terms &equation, Input &in)
         if (const int error = find_vname(value, in))
             return error;
     } else if (peek(in) == '?') {
-        draw_random(value, in);
+        if (const int error = draw_random(value, in))
+            return error;
     } else if (peek(in) == '@') {
         if (const int error = get_time_term(value, in))
             return error;

@@ -52,7 +52,11 @@ constexpr int  INCLUDE_FAILED = 1;
 constexpr char keyword[]      = "#include";
 constexpr char keyword_rest[] = "clude"; // behind "#in"
 
-constexpr bool matters(char c) { return c == '#' || c == ';' || c == '>' || c == '/' || c == '*' || c == '\n'; }
+// whether a character may change how those behind it are taken
+constexpr bool matters(char c, const Scanner &state)
+{
+    return c == '#' || c == ';' || c == '>' || c == '/' || c == '*' || (c == '\n' && state.line_comment);
+}
 
 bool fill(Reader &in)
 {
@@ -62,6 +66,9 @@ bool fill(Reader &in)
     return in.end > 0;
 }
 
+// a line end was taken
+void end_line(Reader &in) { in.line_start = in.offset + in.next; }
+
 // the next character, EOF at the end of the file
 int get(Reader &in)
 {
@@ -69,7 +76,7 @@ int get(Reader &in)
         return EOF;
     const char c = in.block[in.next++];
     if (c == '\n')
-        in.line_start = in.offset + in.next;
+        end_line(in);
     return static_cast<unsigned char>(c);
 }
 
@@ -85,8 +92,11 @@ void copy_plain(Reader &in, std::FILE *out, Scanner &state)
 {
     do {
         const std::size_t start = in.next;
-        while (in.next < in.end && !matters(in.block[in.next]))
-            ++in.next;
+        while (in.next < in.end && !matters(in.block[in.next], state))
+            if (in.block[in.next++] == '\n') {
+                end_line(in);
+                ++lines_copied;
+            }
         if (in.next > start) {
             std::fwrite(in.block + start, 1, in.next - start, out);
             state.previous = static_cast<unsigned char>(in.block[in.next - 1]);

@@ -1,6 +1,6 @@
 // The conditional directives are looked at before anything is expanded, since lines of a false block must stay as they are;
-// macros come before constants, because a macro's body may refer to constants. A line without a character that the passes look for
-// leaves their state as it is, so that they are not run over it, unless it belongs to a definition.
+// macros come before constants, because a macro's body may refer to constants. A line without a character that a pass looks for
+// leaves its state as it is, so that it is not run over it, unless it belongs to a definition.
 
 #include "input/line_reader.h"
 
@@ -11,43 +11,106 @@
 #include "input/macro_expansion.h"
 #include "platform/output_files.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <string_view>
 
 namespace orlo {
 
-std::FILE *fecho = nullptr;
+std::FILE *fecho             = nullptr;
+bool       trace_is_terminal = false;
 
 namespace {
 
-// whether a character can matter to the macro and constant passes: calls, references, definitions, comments
-constexpr bool matters_to_passes(char c) { return c == '#' || c == '$' || c == '~' || c == ';' || c == '/' || c == '*'; }
-
-// Makes blanks of line ends and of the byte 0xFF (a stray end-of-file mark).
-// True when the line holds a character that can matter to the passes.
-bool blank_line_ends(char *line)
+bool fill_block(Input &in)
 {
-    bool matters = false;
-    for (char *c = line; *c != '\0'; ++c) {
-        if (*c == '\r' || *c == '\n' || *c == '\xFF')
-            *c = ' ';
-        matters = matters || matters_to_passes(*c);
-    }
-    return matters;
+    in.next  = 0;
+    in.end   = std::fread(in.block, 1, BLOCK_SIZE, in.stream);
+    in.ended = in.end == 0 && std::feof(in.stream) != 0;
+    return in.end > 0;
 }
 
-// the macro pass, then the constant pass
-int expand_line(Input &in)
+// reads a line with its end, or as much of it as there is room for; false when nothing is left, or can be read
+bool read_line(Input &in)
+{
+    std::size_t length = 0;
+    for (bool whole = false; !whole && length < LINE_SIZE - 1;) { // each round takes bytes
+        if (in.next == in.end && !fill_block(in)) {
+            if (!in.ended || length == 0)
+                return false;
+            break;
+        }
+        const char       *start = in.block + in.next;
+        const std::size_t most  = std::min(in.end - in.next, LINE_SIZE - 1 - length);
+        const auto       *found = static_cast<const char *>(std::memchr(start, '\n', most));
+        whole                   = found != nullptr;
+        const std::size_t piece = whole ? static_cast<std::size_t>(found + 1 - start) : most;
+        std::memcpy(in.line + length, start, piece);
+        length += piece;
+        in.next += piece;
+    }
+    in.line[length] = '\0';
+    return true;
+}
+
+// Which passes a character can matter to, by calls and definitions, references, or comments; and what becomes a blank.
+enum Kind : unsigned char { FOR_MACROS = 1, FOR_CONSTANTS = 2, LINE_END = 4 };
+
+constexpr auto kinds = [] {
+    std::array<unsigned char, 256> table{};
+    const auto                     set = [&table](std::string_view characters, unsigned char kind) {
+        for (const char c : characters)
+            table[static_cast<unsigned char>(c)] = kind;
+    };
+    set("#$", FOR_MACROS);
+    set("~", FOR_CONSTANTS);
+    set(";/*", FOR_MACROS | FOR_CONSTANTS);
+    set("\r\n\xFF", LINE_END);
+    return table;
+}();
+
+// Makes blanks of line ends and of the byte 0xFF (a stray end-of-file mark). @return the kinds that the line holds
+unsigned blank_line_ends(char *line)
+{
+    unsigned found = 0;
+    for (char *c = line; *c != '\0'; ++c) {
+        const unsigned kind = kinds[static_cast<unsigned char>(*c)];
+        if (kind == LINE_END)
+            *c = ' ';
+        found |= kind;
+    }
+    return found;
+}
+
+unsigned find_kinds(const char *line)
+{
+    unsigned found = 0;
+    for (const char *c = line; *c != '\0'; ++c)
+        found |= kinds[static_cast<unsigned char>(*c)];
+    return found;
+}
+
+// the macro pass, then the constant pass, each where it finds something
+int expand_line(Input &in, unsigned found)
 {
     DefinitionMarks marks;
-    if (const int error = parse_macros(in, marks))
-        return error;
-    return parse_variables(in, marks);
+    if ((found & FOR_MACROS) != 0 || IN_MACRO_DEF != 0) {
+        if (const int error = parse_macros(in, marks))
+            return error;
+        found = find_kinds(in.line); // calls have been replaced
+    }
+    in.pos = 0;
+    return (found & FOR_CONSTANTS) != 0 ? parse_variables(in, marks) : OK;
 }
 
 void trace_line(const char *line)
 {
     begin_output(fecho);
-    std::fputs(line, fecho);
+    if (trace_is_terminal)
+        put_safely(fecho, line);
+    else
+        std::fputs(line, fecho);
     std::fputc('\n', fecho);
 }
 
@@ -82,11 +145,11 @@ int skip_one_comment(Input &in)
 
 int get_buff(Input &in)
 {
-    if (std::fgets(in.line, LINE_SIZE, in.stream) == nullptr)
+    if (!read_line(in))
         return END_OF_INPUT;
     ++in.line_no;
-    const bool matters = blank_line_ends(in.line);
-    in.pos             = 0;
+    const unsigned found = blank_line_ends(in.line);
+    in.pos               = 0;
     if (in_if0())
         return OK;
 
@@ -97,12 +160,8 @@ int get_buff(Input &in)
         if (handled)
             return result;
     }
-    if (matters || IN_MACRO_DEF != 0) {
-        if (const int error = expand_line(in))
-            return error;
-    } else {
-        in.pos = 0;
-    }
+    if (const int error = expand_line(in, found))
+        return error;
     if (MKEXP)
         trace_line(in.line);
     return OK;
@@ -168,7 +227,7 @@ int skip_lines(Input &in)
         skip_blanks(in);
         if (peek(in) != '\0')
             return OK;
-        if (std::feof(in.stream) != 0)
+        if (in.ended)
             return END_OF_INPUT;
         if (const int status = get_buff(in))
             return status;

@@ -10,17 +10,23 @@
 
 namespace orlo {
 
-inline constexpr std::size_t LINE_SIZE = 2048; // bytes of a line with its NUL; longer lines arrive in pieces
+inline constexpr std::size_t LINE_SIZE  = 2048; // bytes of a line with its NUL; longer lines arrive in pieces
+inline constexpr std::size_t BLOCK_SIZE = 16384;
 
 /// What all parsers read from: one line at a time and a position in it. Owned by the driver, handed on by address.
 struct Input {
-    std::FILE    *stream;              // the combined input
+    std::FILE    *stream;              // the combined input, read by blocks
+    bool          ended;               // nothing is left behind the line, false at start; written by get_buff
     std::uint64_t line_no;             // lines read so far, 0 at start; written by get_buff
     std::uint32_t pos;                 // next character of the line, 0 at start; left after what was consumed
     char          line[LINE_SIZE + 1]; // NUL-terminated; one byte more, for a position just past the NUL
+    std::size_t   next; // the first byte of the block that is in no line yet, 0 at start; as the rest of get_buff alone
+    std::size_t   end;  // bytes in the block
+    char          block[BLOCK_SIZE];
 };
 
-extern std::FILE *fecho; // the open trace, null without one; set by the driver
+extern std::FILE *fecho;             // the open trace, null without one; set by the driver, as the next
+extern bool       trace_is_terminal; // somebody looks at the trace as it is written, false at start
 
 enum class Comment : int { line, block };
 

@@ -1,6 +1,7 @@
 // Inserted text is scanned again from its start, so that calls in it are expanded in turn. That ends because the expansions of one
-// line are counted, and the depth of bodies inside bodies is limited.
-// While a body is expanded the error of a call inside it is shown behind the outermost call, the only one that stands in the line.
+// line are counted, and the depth of bodies inside bodies is limited. Those of the run are counted too, because each has its
+// notice: few bytes of input could fill a disk with them. While a body is expanded the error of a call inside it is shown behind
+// the outermost call, the only one that stands in the line.
 
 #include "input/macro_expansion.h"
 
@@ -38,6 +39,9 @@ struct Count {
 };
 
 Count expansions{0, 0};
+
+std::uint64_t run_expansions  = 0;               // all of the run
+std::uint64_t most_expansions = SURE_EXPANSIONS; // that it may make
 
 // what a name stands for inside a body: a parameter first, then a macro
 struct Meaning {
@@ -175,6 +179,8 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
         return no_such_macro(name, in);
     if (++expansions.done > MAX_EXPANSIONS || depth > MAX_NESTING)
         return expands_without_end(name, in);
+    if (const int error = count_expansion(in))
+        return error;
 
     call.end = pos;
     skip_args(text, call.end);
@@ -218,7 +224,7 @@ void mark(DefinitionMarks &marks, std::uint32_t column)
 }
 
 // one character of an open definition, which its third "#" closes
-void scan_definition(Input &in, CommentFlags &flags, DefinitionMarks &marks)
+void scan_definition(Input &in, PassComments &flags, DefinitionMarks &marks)
 {
     const char c = peek(in);
     mark(marks, in.pos);
@@ -228,7 +234,7 @@ void scan_definition(Input &in, CommentFlags &flags, DefinitionMarks &marks)
 }
 
 struct LineScan {
-    CommentFlags flags;
+    PassComments flags;
     bool         definitions; // may start on this line
     bool         stopped;     // the rest of the line is not scanned
 };
@@ -298,11 +304,25 @@ int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *t
     return OK;
 }
 
+void bound_expansions(std::uint64_t input_bytes) { most_expansions = SURE_EXPANSIONS + EXPANSIONS_FOR_BYTE * input_bytes; }
+
+int count_expansion(const Input &in)
+{
+    if (run_expansions == most_expansions) {
+        Mprintf("\n\nERROR: Line %d: Too many expansions! (Max = %d)\n", in.line_no, most_expansions);
+        return TEXT_REPORTED;
+    }
+    ++run_expansions;
+    return OK;
+}
+
 void reset_macro_expansion()
 {
-    IN_COMMENT   = false;
-    IN_MACRO_DEF = 0;
-    expansions   = {0, 0};
+    IN_COMMENT     = false;
+    IN_MACRO_DEF   = 0;
+    expansions     = {0, 0};
+    run_expansions = 0;
+    bound_expansions(0);
 }
 
 } // namespace orlo

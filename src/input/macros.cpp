@@ -109,7 +109,7 @@ int get_body(std::string &body, Input &in)
     if (peek(in) != '#')
         return MACRO_BODY_NEEDS_MARK;
     ++in.pos;
-    SeparateFlags flags{false, false};
+    RawComments flags{false, false};
     for (;;) { // at most MAX_MACRO_BODY characters
         const char c = peek(in);
         if (c == '#' && !flags.line && !flags.block) {

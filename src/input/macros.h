@@ -32,7 +32,7 @@ struct Macro {
 /// Frees all macros.
 void free_macro_list();
 
-/// Debugging aid: prints a macro.
+/// Debugging aid that only tests call: prints a macro.
 void print_macro(const Macro &macro);
 
 /// True for a character of a name: a letter, a digit or "_". Names begin with a letter.

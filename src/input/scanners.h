@@ -26,7 +26,7 @@ inline constexpr float         MAX_DECIBELS = 96.0F;
 
 /// Whole number of 64 bits, wrapping around; blanks after it are skipped.
 [[nodiscard]] bool get_uli(std::uint64_t &value, Input &in);
-[[nodiscard]] bool get_li(std::int64_t &value, Input &in);
+[[nodiscard]] bool get_li(std::int64_t &value, Input &in); // only tests call it
 
 /// Decibels from 0 to MAX_DECIBELS, as a linear amplitude.
 [[nodiscard]] bool get_db(float &value, Input &in);

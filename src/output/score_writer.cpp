@@ -1,4 +1,6 @@
-// Lines are gathered in a buffer that always has room for the longest line there can be, and written many at a time.
+// Lines are gathered in a buffer that always has room for the longest line there can be, and written many at a time. A value that
+// is the same as in the line before takes its text from there: the buffer is emptied when it is nearly full, so that the line
+// before is never where the next one comes.
 
 #include "output/score_writer.h"
 
@@ -9,6 +11,10 @@
 #include "events/block.h"
 #include "events/pfields.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
 namespace orlo {
 namespace {
 
@@ -16,12 +22,23 @@ constexpr std::size_t LONGEST_COLUMN = LONGEST_NUMBER + 2;
 constexpr std::size_t LONGEST_LINE   = (MOST_PFIELDS + 1) * LONGEST_COLUMN;
 constexpr std::size_t BUFFER_SIZE    = 65536;
 
-static_assert(LONGEST_LINE < BUFFER_SIZE);
+constexpr std::size_t SHORT_TEXT = 16; // a text up to here is copied as so many bytes
+
+static_assert(2 * LONGEST_LINE < BUFFER_SIZE && SHORT_TEXT < LONGEST_COLUMN);
+
+// The text of a column in the line before.
+struct Column {
+    float       value;
+    const char *text; // null before the first line
+    std::size_t length;
+};
 
 // Lines on their way to the score.
 struct Lines {
     std::FILE *out;
     char      *end;
+    Column     columns[MOST_PFIELDS - 1]; // index 0 is p2
+    char       head[LONGEST_COLUMN];      // what every line begins with
     char       text[BUFFER_SIZE];
 };
 
@@ -44,8 +61,12 @@ void put_column(char *&end, std::int32_t value, int width)
     *end++ = ' ';
 }
 
-void put_pfield(char *&end, float value, std::size_t slot)
+void put_value(char *&end, float value, std::size_t slot)
 {
+    if (slot < 2) { // start and duration are always reals, each in a width of its own
+        put_column(end, value, RE_FW[slot] + (slot == 0 ? 5 : 3), RE_FW[slot]);
+        return;
+    }
     switch (OUTS[slot]) {
     case TYPE_RE:
         put_column(end, value, RE_FW[slot] + 6, RE_FW[slot]);
@@ -76,18 +97,35 @@ void put_pfield(char *&end, float value, std::size_t slot)
     }
 }
 
-void put_event(Lines &lines, const Event *event, std::int32_t n)
+// appends a text that may stand in the line before
+char *copy_text(char *end, const char *text, std::size_t length)
 {
-    char *end = lines.end;
-    *end++    = '\n';
-    *end++    = 'i';
-    put_column(end, I_NO, 0);
-    put_column(end, event->start, RE_FW[0] + 5, RE_FW[0]);
-    put_column(end, event->dur, RE_FW[1] + 3, RE_FW[1]);
+    if (length <= SHORT_TEXT)
+        std::memmove(end, text, SHORT_TEXT);
+    else
+        std::memcpy(end, text, length);
+    return end + length;
+}
+
+void put_pfield(Lines &lines, float value, std::size_t slot)
+{
+    Column     &column = lines.columns[slot];
+    char *const start  = lines.end;
+    if (column.text != nullptr && std::bit_cast<std::uint32_t>(column.value) == std::bit_cast<std::uint32_t>(value))
+        lines.end = copy_text(start, column.text, column.length);
+    else
+        put_value(lines.end, value, slot);
+    column = {value, start, static_cast<std::size_t>(lines.end - start)};
+}
+
+void put_event(Lines &lines, const Event *event, std::size_t head_length, std::int32_t n)
+{
+    lines.end = copy_text(lines.end, lines.head, head_length);
+    put_pfield(lines, event->start, 0);
+    put_pfield(lines, event->dur, 1);
     for (std::int32_t p = 4; p <= n; ++p)
-        put_pfield(end, event->pf[p - 4], static_cast<std::size_t>(p - 2));
-    lines.end = end;
-    if (static_cast<std::size_t>(end - lines.text) > BUFFER_SIZE - LONGEST_LINE)
+        put_pfield(lines, event->pf[p - 4], static_cast<std::size_t>(p - 2));
+    if (static_cast<std::size_t>(lines.end - lines.text) > BUFFER_SIZE - LONGEST_LINE)
         flush(lines);
 }
 
@@ -104,11 +142,17 @@ bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
     Lines lines;
     lines.out = out;
     lines.end = lines.text;
+    std::fill_n(lines.columns, n - 1, Column{});
+    char *head_end = lines.head;
+    *head_end++    = '\n';
+    *head_end++    = 'i';
+    put_column(head_end, I_NO, 0);
+    const auto head_length = static_cast<std::size_t>(head_end - lines.head);
 
     const Event *event = list;
     do {
         event = event->next;
-        put_event(lines, event, n);
+        put_event(lines, event, head_length, n);
     } while (event != list);
     flush(lines);
     std::fputc('\n', out);

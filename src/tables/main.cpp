@@ -71,6 +71,8 @@ constexpr Limit limits[] = {
     LIMIT("input/macro_expansion.h", MAX_EXPANSIONS, "expansions of macros in a line"),
     LIMIT("input/macro_expansion.h", MAX_NESTING, "macros inside macros"),
     LIMIT("input/macro_expansion.h", MAX_BODY_TEXT, "characters of a macro's body while it is expanded"),
+    LIMIT("input/macro_expansion.h", SURE_EXPANSIONS, "expansions of a run"),
+    LIMIT("input/macro_expansion.h", EXPANSIONS_FOR_BYTE, "more of them for each byte of the input"),
     LIMIT("input/macros.h", MAX_MACRO_NAME, "characters of a macro's name, refused"),
     LIMIT("input/macros.h", MAX_MACRO_BODY, "characters of a macro's body, refused"),
     LIMIT("input/macros.h", MAX_MACRO_PARAMS, "parameters of a macro"),

@@ -2,6 +2,8 @@
 // the whole document unreadable, so every sequence is measured before it is copied.
 #include "view/markup.h"
 
+#include "base/utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -10,44 +12,6 @@
 
 namespace orlo::view {
 namespace {
-
-constexpr std::string_view UNKNOWN = "\xEF\xBF\xBD"; // U+FFFD
-
-bool continues(std::string_view text, std::size_t at)
-{
-    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
-}
-
-// the second byte rules out overlong forms, surrogates and what lies beyond U+10FFFF
-bool second_fits(unsigned first, unsigned second)
-{
-    switch (first) {
-    case 0xE0:
-        return second >= 0xA0;
-    case 0xED:
-        return second < 0xA0;
-    case 0xF0:
-        return second >= 0x90;
-    case 0xF4:
-        return second < 0x90;
-    default:
-        return true;
-    }
-}
-
-// bytes of the character at a place, 0 where it is no UTF-8
-std::size_t character_length(std::string_view text, std::size_t at)
-{
-    const unsigned    first  = static_cast<unsigned char>(text[at]);
-    const std::size_t length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
-    for (std::size_t i = 1; i < length; i++) {
-        if (!continues(text, at + i))
-            return 0;
-    }
-    if (length > 2 && !second_fits(first, static_cast<unsigned char>(text[at + 1])))
-        return 0;
-    return length;
-}
 
 std::string_view entity(char c)
 {
@@ -93,7 +57,7 @@ std::string escaped(std::string_view text)
         const std::size_t      length   = character_length(text, i);
         const std::string_view sequence = text.substr(i, length);
         if (length == 0 || is_control(text[i]) || is_no_character(sequence))
-            out += UNKNOWN;
+            out += UNKNOWN_CHARACTER;
         else if (const std::string_view name = entity(text[i]); !name.empty())
             out += name;
         else
@@ -111,7 +75,7 @@ std::string json_text(std::string_view text)
         const std::size_t length = character_length(text, i);
         const auto        byte   = static_cast<unsigned char>(text[i]);
         if (length == 0) {
-            out += UNKNOWN;
+            out += UNKNOWN_CHARACTER;
         } else if (byte < 0x20 || text[i] == '<' || text[i] == '"' || text[i] == '\\') {
             out += "\\u00";
             out += hex[byte >> 4U];

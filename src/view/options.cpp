@@ -2,10 +2,10 @@
 
 #include "view/options.h"
 
+#include "view/messages.h"
 #include "view/pitch.h"
 
 #include <charconv>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
@@ -37,7 +37,8 @@ constexpr char help[] = "Usage: orlo-view [options] SCORE\n"
 
 bool refuse(const std::string &text)
 {
-    std::fprintf(stderr, "orlo-view: %s\nTry 'orlo-view --help'.\n", text.c_str());
+    tell("orlo-view: " + text);
+    tell("Try 'orlo-view --help'.");
     return false;
 }
 

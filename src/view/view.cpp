@@ -2,8 +2,12 @@
 
 #include "view/view.h"
 
+#include "base/visible_text.h"
+#include "platform/terminal.h"
 #include "view/build_score.h"
 #include "view/files.h"
+#include "view/markup.h"
+#include "view/messages.h"
 #include "view/midi_reader.h"
 #include "view/options.h"
 #include "view/pictures.h"
@@ -25,7 +29,7 @@ constexpr int USAGE   = 2;
 
 bool complain(const std::string &text)
 {
-    std::fprintf(stderr, "orlo-view: %s\n", text.c_str());
+    tell("orlo-view: " + text);
     return false;
 }
 
@@ -45,7 +49,7 @@ bool get_from_orlo(const Options &options, const Limits &limits, std::string &by
     const std::string fault = make_score(options.in, limits.bytes, bytes, messages);
     if (fault.empty())
         return true;
-    std::fputs(messages.c_str(), stderr);
+    pass_on(messages);
     return complain(shown_name(options) + ": " + fault);
 }
 
@@ -88,12 +92,8 @@ void set_pitch(const Options &options, Score &score)
 void report(const Options &options, bool from_orlo, const Score &score)
 {
     const std::string name = shown_name(options) + (from_orlo ? " (its score)" : "");
-    for (const Trouble &trouble : score.troubles) {
-        std::fputs(name.c_str(), stderr);
-        if (trouble.line > 0)
-            std::fprintf(stderr, ":%d", trouble.line);
-        std::fprintf(stderr, ": %s\n", trouble.text.c_str());
-    }
+    for (const Trouble &trouble : score.troubles)
+        tell(joined({name, trouble.line > 0 ? ":" : "", trouble.line > 0 ? std::to_string(trouble.line) : "", ": ", trouble.text}));
 }
 
 bool get_score(const Options &options, Score &score)
@@ -153,11 +153,14 @@ bool view(const Options &options)
     Score score;
     if (!get_score(options, score))
         return false;
-    const std::string fault = write_file(target, draw(score, options, picture));
+    std::string text = draw(score, options, picture);
+    if (target == "-" && is_terminal(stdout))
+        text = visible_text(text, "\n\t");
+    const std::string fault = write_file(target, text);
     if (!fault.empty())
         return complain("can't write " + (target == "-" ? "the standard output" : target) + ": " + fault);
     if (options.out.empty() && target != "-")
-        std::fprintf(stderr, "orlo-view: written to %s\n", target.c_str());
+        tell("orlo-view: written to " + target);
     return true;
 }
 

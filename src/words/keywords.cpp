@@ -19,7 +19,7 @@ static_assert(std::is_sorted(std::begin(keywords), std::end(keywords), by_letter
 const Keyword *find_keyword(const Input &in)
 {
     const char a = lower(peek(in));
-    if (a == '\0')
+    if (!is_letter(a))
         return nullptr;
     const Keyword wanted{a, lower(in.line[in.pos + 1]), CMD_EX, NOWHERE};
     const auto   *found = std::lower_bound(std::begin(keywords), std::end(keywords), wanted, by_letters);

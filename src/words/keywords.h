@@ -63,7 +63,7 @@ inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits behind "re" and "
 /// Whether a command of the global block stands at the position.
 [[nodiscard]] bool is_gcommand(const Input &in);
 
-/// Whether a code is that of an input type.
+/// Whether a code is that of an input type; "od" is one, which is_command keeps away from a section.
 [[nodiscard]] bool is_input_code(std::int32_t code);
 
 /// Whether "p" and a digit stand at the position.

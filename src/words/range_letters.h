@@ -16,7 +16,7 @@ inline constexpr RangeLetter range_letters[] = {
     {'l', Range::low},  {'t', Range::triangular}, {'x', Range::bilateral},
 };
 
-/// Whether a letter chooses a distribution, in either case.
+/// Whether a letter chooses a distribution, in either case. Only tests call it: a letter is read or is none.
 [[nodiscard]] bool is_rrange_type(char c);
 
 /// Reads an optional distribution letter. @return its code, 0 without one

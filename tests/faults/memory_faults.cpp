@@ -16,6 +16,7 @@
 #include "events/pfields.h"
 #include "input/line_reader.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -271,8 +272,11 @@ bool try_piece(const Piece &piece, Tally &all)
 
 bool enter_folder(const char *pieces_folder, std::filesystem::path &folder)
 {
-    std::string name = std::filesystem::temp_directory_path() / "orlo-faults-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr)
+    // in memory where that can be: on a disk, files that are written over a thousand times wait for it
+    const auto  places = {std::filesystem::path{"/dev/shm"}, std::filesystem::temp_directory_path()};
+    std::string name;
+    const auto  make = [&](const auto &place) { return mkdtemp((name = place / "orlo-faults-XXXXXX").data()) != nullptr; };
+    if (std::ranges::none_of(places, make))
         return false;
     folder = name;
     std::filesystem::copy(pieces_folder, folder);

@@ -27,6 +27,7 @@ constexpr int         NOT_AT_ALL    = 0;
 constexpr int         faults[]      = {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL};
 
 bool                     gathering = false;
+int                      screen    = -1; // its descriptor while text is gathered
 char                     gathered[MOST_GATHERED];
 std::atomic<std::size_t> begin = 0; // of what is gathered and not written
 std::atomic<std::size_t> end   = 0;
@@ -38,16 +39,16 @@ void write_piece(bool ready)
 {
     hold_ending_signals();
     const std::size_t length  = std::min<std::size_t>(end - begin, PIPE_BUF);
-    const ssize_t     written = ready ? write(STDERR_FILENO, gathered + begin, length) : 0;
+    const ssize_t     written = ready ? write(screen, gathered + begin, length) : 0;
     begin                     = written > 0 ? begin + static_cast<std::size_t>(written) : end.load();
     release_ending_signals();
 }
 
 void write_gathered(int patience)
 {
-    pollfd screen{STDERR_FILENO, POLLOUT, 0};
+    pollfd room{screen, POLLOUT, 0};
     while (begin < end) { // each round writes, gives up or was interrupted
-        const int ready = poll(&screen, 1, patience);
+        const int ready = poll(&room, 1, patience);
         if (ready >= 0 || errno != EINTR)
             write_piece(ready > 0);
     }
@@ -95,7 +96,8 @@ void put_on_screen(const char *text, std::size_t length)
 
 void gather_screen()
 {
-    if (gathering || isatty(STDERR_FILENO) != 0 || is_output(stderr))
+    screen = fileno(stderr);
+    if (gathering || screen < 0 || isatty(screen) != 0 || is_output(stderr))
         return;
     gathering = true;
     change_handlers(SIG_DFL, show_and_end);
