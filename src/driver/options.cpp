@@ -33,7 +33,7 @@ int fail_with_usage()
 }
 
 // option-name -> rest of the argument | next argument
-// next is the index of the argument behind the option, moved on when it is taken
+// next is the index of the argument after the option, moved on when it is taken
 int take_name(const char *&name, const char *rest, int argc, const char *const *argv, int &next, const char *what)
 {
     if (*rest != '\0') {

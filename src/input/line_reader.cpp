@@ -253,7 +253,7 @@ int skip_stuff(Input &in)
 {
     if (const int error = skip_space(in))
         return error;
-    // directly behind a comment a "/" is a separator even when a "*" follows it
+    // directly after a comment a "/" is a separator even when a "*" follows it
     if (const int error = skip_one_comment(in))
         return error;
     if (peek(in) == '/' || peek(in) == ',')

@@ -112,7 +112,7 @@ int do_body(Section &section, Input &in)
     return OK;
 }
 
-// section -> body, and what fills the block behind it
+// section -> body, and what fills the block after it
 int do_pfield(Section &section, Input &in)
 {
     const std::uint64_t events_before = EVENTS;

@@ -28,7 +28,7 @@ int open_command(Input &in)
 }
 
 // command -> name "(" value ")"
-// from behind the value
+// the position is after the value
 int close_command(Input &in)
 {
     if (const int error = skip_space(in))

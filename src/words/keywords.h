@@ -46,10 +46,10 @@ inline constexpr Keyword keywords[] = {
     {'x', 'x', TYPE_XX, OUTPUT},
 };
 
-inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits behind "re" and "bn"
+inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits after "re" and "bn"
 
 /// Reads the keyword at the position: one character for a token, two for a word, and the suffixes of "no", "op", "re", "bn".
-/// @return true with the position behind it; false for a letter that begins no keyword or a digit suffix above MAX_SUFFIX; true
+/// @return true with the position after it; false for a letter that begins no keyword or a digit suffix above MAX_SUFFIX; true
 /// with nothing moved for another second letter, which the recognisers below keep away
 [[nodiscard]] bool get_command(std::int32_t &code, Input &in);
 
