@@ -29,7 +29,7 @@ inline constexpr Keyword keywords[] = {
     {'m', 'o', CMD_MO, BLOCK},
     {'m', 's', CMD_MS, BLOCK},
     {'n', 'o', TYPE_NO, BLOCK | INPUT},
-    {'o', 'd', TYPE_OD, INPUT | OUTPUT},
+    {'o', 'd', TYPE_OD, OUTPUT},
     {'o', 'p', TYPE_OP, BLOCK | INPUT | OUTPUT},
     {'p', 'f', CMD_PF, BLOCK | GLOBAL},
     {'r', 'a', CMD_RA, BLOCK},
@@ -63,7 +63,7 @@ inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits after "re" and "b
 /// Whether a command of the global block stands at the position.
 [[nodiscard]] bool is_gcommand(const Input &in);
 
-/// Whether a code is that of an input type; "od" is one, which is_command keeps away from a section.
+/// Whether a code is that of an input type.
 [[nodiscard]] bool is_input_code(std::int32_t code);
 
 /// Whether "p" and a digit stand at the position.

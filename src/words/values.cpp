@@ -139,7 +139,6 @@ bool in_limits(char c)
     case TYPE_DB:
     case TYPE_RE:
     case TYPE_RH:
-    case TYPE_TR: // of output alone: no section reads it, but the answer stands
         return digit || sign || last || c == '.';
     case TYPE_IN:
         return digit || sign;
