@@ -234,7 +234,7 @@ void read_track(File &file, std::string_view bytes, int number)
     if (!track.ended && !file.full)
         trouble(file, track, whole ? "it has no end of track" : "it is empty");
     else if (!track.bytes.left.empty() && !file.full)
-        trouble(file, track, std::to_string(track.bytes.left.size()) + " bytes after its end are left out");
+        trouble(file, track, std::to_string(track.bytes.left.size()) + " bytes behind its end are left out");
     end_open_notes(file, track);
 }
 
@@ -298,7 +298,7 @@ void read_tracks(File &file, Bytes &bytes, std::uint32_t expected)
         if (name == "MTrk")
             read_track(file, data, ++tracks);
     if (tracks == MOST_TRACKS && !bytes.left.empty())
-        add_trouble(file.score, 0, "what stands after " + std::to_string(MOST_TRACKS) + " tracks is left out");
+        add_trouble(file.score, 0, "what stands behind " + std::to_string(MOST_TRACKS) + " tracks is left out");
     if (tracks != static_cast<int>(expected) && !file.full)
         add_trouble(file.score, 0, "the header says " + std::to_string(expected) + " tracks, there are " + std::to_string(tracks));
 }

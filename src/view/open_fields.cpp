@@ -71,7 +71,7 @@ void fill_ramps(Neighbours &n, std::size_t first, std::size_t last)
     const double to     = after != nullptr ? field_value(score, *after, field) : MISSING;
     if (std::isnan(from) || std::isnan(to)) {
         add_trouble(n.score, score.events[n.open[first]->event].line,
-                    field_name(field) + " is a ramp without a number before it and after it");
+                    field_name(field) + " is a ramp without a number before it and behind it");
         return;
     }
     for (std::size_t i = first; i <= last; ++i) {
