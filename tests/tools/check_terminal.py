@@ -103,7 +103,7 @@ def check_passed_on(view, folder):
     """Messages of orlo that orlo-view shows."""
     own = os.path.join(folder, "orlo-view")
     os.symlink(view, own)
-    messages = (b"\nInput\t= \"" + BAD + b"\"\n\nERROR: Line 2: x\n\tp4 \xc3\xa9" + BAD + b" here\n\t" + b" " * (5 + len(BAD)) + b" ^\n\nend")
+    messages = (b"\nInput\t= \"" + BAD + b"\"\n\nERROR: Line 2: x\n\tp4 \xc3\xa9" + BAD + b" here\n\t" + b" " * (5 + len(BAD)) + b" ^\nnone ^\n\nend")
     with open(os.path.join(folder, "said"), "wb") as file:
         file.write(messages)
     program = os.path.join(folder, "path")
