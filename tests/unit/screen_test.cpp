@@ -26,12 +26,32 @@ std::string taken(int pipe)
     return text;
 }
 
-// What a child shows on a screen that is a pipe, and its status. The child itself sees the pipe's other end.
+// What a child shows on a screen that is a pipe, and its status.
 struct Shown {
     std::string text;
     int         status;
 };
 
+// the child has the pipe's other end to itself, so that it alone sees what is shown, and when
+template <class Work> int status_of(Work work)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        int ends[2];
+        if (pipe(ends) != 0)
+            _exit(1);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[1]);
+        fcntl(ends[0], F_SETFL, O_NONBLOCK);
+        work(ends[0]);
+        _exit(1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+// the child's text is read as it comes
 template <class Work> Shown shown_by(Work work)
 {
     int ends[2];
@@ -40,8 +60,8 @@ template <class Work> Shown shown_by(Work work)
     if (child == 0) {
         dup2(ends[1], STDERR_FILENO);
         close(ends[1]);
-        fcntl(ends[0], F_SETFL, O_NONBLOCK);
-        work(ends[0]);
+        close(ends[0]);
+        work();
         _exit(0);
     }
     close(ends[1]);
@@ -55,16 +75,16 @@ template <class Work> Shown shown_by(Work work)
 
 TEST(Screen, ShowsAtOnceWhatIsNotGathered)
 {
-    const Shown shown = shown_by([](int screen) {
+    const int shown = status_of([](int screen) {
         show("abc");
         _exit(taken(screen) == "abc" ? 0 : 1);
     });
-    EXPECT_EQ(0, shown.status);
+    EXPECT_EQ(0, shown);
 }
 
 TEST(Screen, ShowsNothingOfWhatIsGatheredBeforeItIsFlushed)
 {
-    const Shown shown = shown_by([](int screen) {
+    const int shown = status_of([](int screen) {
         gather_screen();
         show("abc");
         show("def");
@@ -77,7 +97,7 @@ TEST(Screen, ShowsNothingOfWhatIsGatheredBeforeItIsFlushed)
         show("jkl");
         _exit(gathered && flushed && ended && taken(screen) == "jkl" ? 0 : 1);
     });
-    EXPECT_EQ(0, shown.status);
+    EXPECT_EQ(0, shown);
 }
 
 TEST(Screen, ShowsAllTextInOrderHoweverLongItIs)
@@ -85,8 +105,7 @@ TEST(Screen, ShowsAllTextInOrderHoweverLongItIs)
     std::string expected;
     for (int i = 0; i < 50000; ++i)
         expected += std::to_string(i) + "\n";
-    const Shown shown = shown_by([](int screen) {
-        close(screen);
+    const Shown shown = shown_by([] {
         gather_screen();
         for (int i = 0; i < 50000; ++i)
             show(std::to_string(i) + "\n");
@@ -101,8 +120,8 @@ TEST(Screen, ShowsAtOnceOnATerminal)
     const char *const name   = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0 ? ptsname(master) : nullptr;
     if (name == nullptr)
         GTEST_SKIP() << "no terminal can be made";
-    const int   terminal = open(name, O_RDWR | O_NOCTTY);
-    const Shown shown    = shown_by([=](int) {
+    const int terminal = open(name, O_RDWR | O_NOCTTY);
+    const int shown    = status_of([=](int) {
         dup2(terminal, STDERR_FILENO);
         gather_screen();
         show("abc");
@@ -110,25 +129,24 @@ TEST(Screen, ShowsAtOnceOnATerminal)
     });
     close(terminal);
     close(master);
-    EXPECT_EQ(0, shown.status);
+    EXPECT_EQ(0, shown);
 }
 
 TEST(Screen, ShowsAtOnceWhereAnOutputGoesToo)
 {
-    const Shown shown = shown_by([](int screen) {
+    const int shown = status_of([](int screen) {
         std::FILE *output = open_output("/dev/stderr");
         gather_screen();
         show("abc");
         _exit(output != nullptr && taken(screen) == "abc" ? 0 : 1);
     });
-    EXPECT_EQ(0, shown.status);
+    EXPECT_EQ(0, shown);
 }
 
 TEST(Screen, ShowsWhatIsGatheredWhenAFaultEndsTheProcess)
 {
     for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
-        const Shown shown = shown_by([number](int screen) {
-            close(screen);
+        const Shown shown = shown_by([number] {
             std::signal(number, SIG_DFL); // a sanitizer's own may be there
             gather_screen();
             show("abc");
@@ -141,7 +159,7 @@ TEST(Screen, ShowsWhatIsGatheredWhenAFaultEndsTheProcess)
 
 TEST(Screen, WaitsForNobodyInASignal)
 {
-    const Shown shown = shown_by([](int screen) {
+    const int shown = status_of([](int screen) {
         const std::string text(30000, 'x');
         gather_screen();
         for (int i = 0; i < 2; ++i) // what the pipe has no room for
@@ -151,18 +169,20 @@ TEST(Screen, WaitsForNobodyInASignal)
         flush_screen_in_signal();
         _exit(taken(screen).empty() ? 1 : 0);
     });
-    EXPECT_EQ(0, shown.status);
+    EXPECT_EQ(0, shown);
 }
 
 TEST(Screen, GivesUpWhenTheReaderIsGone)
 {
-    const Shown shown = shown_by([](int screen) {
+    const int shown = status_of([](int screen) {
         close(screen);
         std::signal(SIGPIPE, SIG_IGN);
         gather_screen();
         show("abc");
+        end_gathering();
+        _exit(0);
     });
-    EXPECT_EQ(0, shown.status);
+    EXPECT_EQ(0, shown);
 }
 
 } // namespace
