@@ -4,7 +4,6 @@
 //   floors write TEXT COPY      only writes the bytes of a text
 //   floors copy TEXT COPY       copies a text twice, as the include pass and the line reader do, with fgets and fputs
 //   floors trace ARRAYS         prints the lines of the MIDI trace to the standard error stream with fprintf, buffered
-//   floors trace-unbuffered ARRAYS   the same, with the stream as a program finds it: a write to the system a line
 //
 // ARRAYS is a file of 32-bit floats, one column behind the other.
 
@@ -117,11 +116,10 @@ void copy_twice(const char *text_name, const char *copy_name)
     std::remove(between.c_str());
 }
 
-void print_trace(const char *arrays_name, bool buffered)
+void print_trace(const char *arrays_name)
 {
     const Arrays arrays = read_arrays(arrays_name, TRACE_COLUMNS);
-    if (buffered)
-        std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
+    std::setvbuf(stderr, nullptr, _IOFBF, BUFSIZ);
     for (std::size_t i = 0; i < arrays.rows; ++i)
         std::fprintf(stderr, "\n%7.2f\t%7.2f\t%s\tN: %7.2f\tV: %7.2f\t", arrays.at(0, i), arrays.at(1, i),
                      arrays.at(2, i) == 1.0 ? "ON" : "OFF", arrays.at(3, i), arrays.at(4, i));
@@ -138,8 +136,8 @@ int main(int argc, char **argv)
         write_bytes(argv[2], argv[3]);
     else if (asked("copy", 2))
         copy_twice(argv[2], argv[3]);
-    else if (asked("trace", 1) || asked("trace-unbuffered", 1))
-        print_trace(argv[2], asked("trace", 1));
+    else if (asked("trace", 1))
+        print_trace(argv[2]);
     else
         return 2;
     return 0;

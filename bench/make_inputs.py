@@ -16,21 +16,41 @@ p5 60
 }}
 """
 
-# random lengths and pitches, amplitudes that move
+# random lengths, amplitudes that move, pitches from either of two sets
 DRAWN = """rs(1)
 i1 = 5 0 -{events} {{
 p2 .001
 p3 ra(T 1 [.5 1.5])
 p4 mo(T 1 1000 30000)
-p5 ra(T 1 [36 84])
+p5 ra(T .5 [36 60] .5 [60 84])
 }}
 """
+
+# literal values but for one section, by a generator
+SECTION = """rs(1)
+i1 = 5 0 -{events} {{
+p2 .001
+p3 .5
+p4 1000
+p5 {section}
+}}
+"""
+
+SECTIONS = {
+    "ra": "ra(T 1 [36 84])",
+    "mo": "mo(T 1 36 84)",
+    "se": "se(T 1 [36 40 43 48])",
+    "ex": "ex(T 1 [p4 / 100 + 7])",
+    "ho": "ho(T 60)",
+    "s2": "s2(T 1 [36 40 43 48])",
+    "ms": "ms(T 1 [36 40] [60 64])",
+}
 
 NOTES = """i1 = 5 0 -{notes} {{
 p2 .01
 p3 {length}
 p4 20000
-p5 60
+p5 {pitch}
 }}
 """
 
@@ -59,18 +79,34 @@ def calls(lines):
     yield "p4 1000\np5 60\n}\n"
 
 
-def notes(length):
-    return lambda count: [NOTES.format(notes=count, length=length)]
+def notes(length, pitch="60"):
+    return lambda count: [NOTES.format(notes=count, length=length, pitch=pitch)]
+
+
+def chords(count):
+    """Chords of three notes."""
+    yield from notes(".5", "s2(T 1 [60'64'67])")(count // 3)
+
+
+def section(name):
+    return lambda events: [SECTION.format(events=events, section=SECTIONS[name])]
+
+
+def repeated(events):
+    return [REPEATED.format(events=events)]
 
 
 # name: (size of the full input, what makes its text)
 INPUTS = {
-    "repeated": (2_000_000, lambda events: [REPEATED.format(events=events)]),
+    "repeated": (2_000_000, repeated),
+    "many": (20_000_000, repeated),
     "drawn": (2_000_000, lambda events: [DRAWN.format(events=events)]),
+    **{name: (1_000_000, section(name)) for name in SECTIONS},
     "lines": (1_000_000, literal_lines),
     "calls": (200_000, calls),
     "midi-apart": (200_000, notes(".5")),  # half of the time to the next note
     "midi-held": (200_000, notes("4000")),  # 3000 seconds, which is beyond the last note's start
+    "midi-chords": (200_000, chords),
 }
 
 

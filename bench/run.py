@@ -1,9 +1,10 @@
 """Measure orlo against the least that its work takes:
-run.py --orlo PROGRAM --floors PROGRAM --measure PROGRAM [--rounds N] [--only NAME...]
+run.py --orlo PROGRAM --floors PROGRAM --measure PROGRAM [--before PROGRAM] [--rounds N] [--only NAME...]
 
 Makes the inputs, then runs orlo and the floor programs in turn, N rounds, and prints the medians of the CPU time (user and
 system time of the process) and of the peak memory, and whether each target is met. Ends with 1 when one is not.
-What the floor programs print is compared with what orlo printed, byte for byte.
+What the floor programs print is compared with what orlo printed, byte for byte. With --before, an earlier orlo runs beside it where
+there is no floor to measure by.
 """
 
 import argparse
@@ -20,19 +21,22 @@ import tempfile
 import make_inputs
 
 FULL, TENTH = "", ".tenth"
-MOST_GROWTH = 11  # times the time for ten times the work
-MOST_BYTES = 96  # an event
+BEFORE = "before"
+MOST_BYTES = 44  # an event of five p-fields
 
-# options of orlo, and floor programs: the first is the one of the target
-Work = collections.namedtuple("Work", "name options floors")
+# options of orlo, and floor programs: the first is the one of the target, which is so much of its time or, where there is none, of
+# that of the program before
+Work = collections.namedtuple("Work", "name options floors most")
 WORKS = [
-    Work("repeated", ["-s"], ["print", "write"]),
-    Work("drawn", ["-s"], ["print", "write"]),
-    Work("lines", ["-s"], ["copy"]),
-    Work("calls", ["-s"], []),
-    Work("midi-apart", ["-m"], ["trace", "trace-unbuffered"]),
-    Work("midi-held", ["-m"], []),
+    Work("repeated", ["-s"], ["print", "write"], .20),
+    Work("many", ["-s"], [], None),
+    Work("drawn", ["-s"], ["print", "write"], .25),
+    *(Work(name, ["-s"], ["print"], {"s2": .25, "ms": .28}.get(name, .20)) for name in make_inputs.SECTIONS),
+    Work("lines", ["-s"], ["copy"], 2.4),
+    Work("calls", ["-s"], [], .5),
+    *(Work(name, ["-m"], ["trace"], .5) for name in ("midi-apart", "midi-held", "midi-chords")),
 ]
+GROWTH = [("repeated", TENTH, 1.2), ("many", "repeated", 1.1)]  # what an event costs, as against in a run of a tenth of the size
 
 Target = collections.namedtuple("Target", "text value most unit")
 
@@ -42,8 +46,8 @@ TRACE_LINE = re.compile(r"\n *(\S+)\t *(\S+)\t(ON|OFF)\tN: *(\S+)\tV: *(\S+)\t")
 class Bench:
     """The programs, the folder they work in, and what has been measured: a list of runs for each (work, kind)."""
 
-    def __init__(self, orlo, floors, measure, folder):
-        self.orlo, self.floors, self.measure, self.folder = orlo, floors, measure, folder
+    def __init__(self, orlo, floors, measure, before, folder):
+        self.orlo, self.floors, self.measure, self.before, self.folder = orlo, floors, measure, before, folder
         self.runs = collections.defaultdict(list)
 
     def path(self, name):
@@ -61,6 +65,10 @@ class Bench:
         piece, result, screen = (self.path(work.name + size + end) for end in (".orlo", ".out", ".screen"))
         self.runs[work.name, "orlo" + size].append(self.run([self.orlo, *work.options, piece, result], screen))
 
+    def run_before(self, work):
+        piece, result, screen = (self.path(end) for end in (work.name + ".orlo", "before.out", "before.screen"))
+        self.runs[work.name, BEFORE].append(self.run([self.before, *work.options, piece, result], screen))
+
     def run_floor(self, work, floor):
         """Runs a floor program on what orlo read or wrote. Returns what must be equal: orlo's file and the floor's."""
         piece, result, arrays = (self.path(work.name + end) for end in (".orlo", ".out", ".arrays"))
@@ -70,7 +78,6 @@ class Bench:
             "write": ([result, copy], (result, copy)),
             "copy": ([piece, copy], (piece, copy)),
             "trace": ([arrays], (self.path(work.name + ".trace"), screen)),
-            "trace-unbuffered": ([arrays], (self.path(work.name + ".trace"), screen)),
         }[floor]
         self.runs[work.name, floor].append(self.run([self.floors, floor, *names], screen))
         return pair
@@ -102,6 +109,8 @@ class Bench:
             self.run_orlo(work, FULL)
             for floor in work.floors:
                 self.run_floor(work, floor)
+            if self.before and (not work.floors or "trace" in work.floors):
+                self.run_before(work)
             self.run_orlo(work, TENTH)
 
     def check(self, work):
@@ -118,28 +127,20 @@ class Bench:
         return statistics.median(peak for _, peak in self.runs[name, kind])
 
 
-def targets(bench, names):
+def targets(bench, works):
     """What a run must reach, for the works that were run."""
-    every = {
-        "repeated": lambda: [
-            Target("repeated: time of the fprintf floor", bench.seconds("repeated") / bench.seconds("repeated", "print"), .45, ""),
-            Target("repeated: peak memory an event", bench.bytes("repeated") / size_of("repeated"), MOST_BYTES, " bytes")],
-        "drawn": lambda: [
-            Target("drawn: time of the fprintf floor", bench.seconds("drawn") / bench.seconds("drawn", "print"), .6, "")],
-        "lines": lambda: [
-            Target("lines: time of the copying floor", bench.seconds("lines") / bench.seconds("lines", "copy"), 4, "")],
-        "calls": lambda: [Target("calls: time", bench.seconds("calls"), 1, " s")],
-        "midi-apart": lambda: [
-            Target("midi-apart: time of the fprintf floor", bench.seconds("midi-apart") / bench.seconds("midi-apart", "trace"), 3, "")],
-        "midi-held": lambda: [
-            Target("midi-held: time of midi-apart", bench.seconds("midi-held") / bench.seconds("midi-apart"), 3, "")]
-        if "midi-apart" in names else [],
-    }
-    for name in names:
-        yield from every[name]()
-    for name in names:
-        growth = bench.seconds(name) / bench.seconds(name, "orlo" + TENTH)
-        yield Target(f"{name}: time of a tenth of the work", growth, MOST_GROWTH, "")
+    names = [work.name for work in works]
+    for work in works:
+        beside = BEFORE if (work.name, BEFORE) in bench.runs else (work.floors or [BEFORE])[0]
+        if work.most and (work.name, beside) in bench.runs and not (beside == "trace"):
+            yield Target(f"{work.name}: time of \"{beside}\"", bench.seconds(work.name) / bench.seconds(work.name, beside),
+                         work.most, "")
+    if "repeated" in names:
+        yield Target("repeated: peak memory an event", bench.bytes("repeated") / size_of("repeated"), MOST_BYTES, " bytes")
+    for name, smaller, most in GROWTH:
+        if name in names and (smaller == TENTH or smaller in names):
+            less = bench.seconds(name, "orlo" + TENTH) if smaller == TENTH else bench.seconds(smaller)
+            yield Target(f"{name}: time of an event in a tenth of the work", bench.seconds(name) / less / 10, most, "")
 
 
 def size_of(name):
@@ -149,19 +150,19 @@ def size_of(name):
 def print_medians(bench, works):
     print(f"{'work':12} {'program':18} {'size':>9} {'ms':>8} {'us each':>8} {'MiB':>7} {'bytes each':>10} {'floors':>7}")
     for work in works:
-        for kind in ["orlo", *work.floors, "orlo" + TENTH]:
+        for kind in [kind for kind in ("orlo", *work.floors, BEFORE, "orlo" + TENTH) if (work.name, kind) in bench.runs]:
             size = size_of(work.name) // (10 if kind.endswith(TENTH) else 1)
             seconds, peak = bench.seconds(work.name, kind), bench.bytes(work.name, kind)
-            ratio = f"{bench.seconds(work.name) / seconds:7.2f}" if kind in work.floors else ""
+            ratio = f"{bench.seconds(work.name) / seconds:7.2f}" if not kind.startswith("orlo") else ""
             print(f"{work.name:12} {kind:18} {size:9} {seconds * 1e3:8.1f} {seconds / size * 1e6:8.3f} "
                   f"{peak / 2**20:7.1f} {peak / size:10.1f} {ratio}".rstrip())
 
 
-def print_targets(bench, names):
+def print_targets(bench, works):
     """Prints the table of targets; true when all are met."""
     print(f"\n{'target':45} {'measured':>9} {'at most':>8}")
     missed = 0
-    for target in targets(bench, names):
+    for target in targets(bench, works):
         met = target.value <= target.most
         missed += not met
         print(f"{target.text:45} {target.value:9.2f} {target.most:8g}{target.unit:7} {'met' if met else 'MISSED'}")
@@ -173,6 +174,7 @@ def main():
     parser.add_argument("--orlo", required=True, help="the program")
     parser.add_argument("--floors", required=True, help="the floor programs")
     parser.add_argument("--measure", required=True, help="the program that runs the others")
+    parser.add_argument("--before", type=os.path.abspath, help="an earlier orlo, for works without a floor")
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--only", nargs="+", metavar="NAME", choices=list(make_inputs.INPUTS), help="some kinds of work alone")
     options = parser.parse_args()
@@ -180,7 +182,8 @@ def main():
     works = [work for work in WORKS if options.only is None or work.name in options.only]
     with tempfile.TemporaryDirectory(prefix="orlo-bench-") as folder:
         make_inputs.make_inputs(folder)
-        bench = Bench(*map(os.path.abspath, (options.orlo, options.floors, options.measure)), folder)
+        bench = Bench(*map(os.path.abspath, (options.orlo, options.floors, options.measure)), options.before,
+                      folder)
         for work in works:
             bench.run_orlo(work, FULL)
             bench.prepare(work)
@@ -189,7 +192,7 @@ def main():
         for _ in range(options.rounds):
             bench.round(works)
         print_medians(bench, works)
-        return 0 if print_targets(bench, [work.name for work in works]) else 1
+        return 0 if print_targets(bench, works) else 1
 
 
 if __name__ == "__main__":

@@ -3,8 +3,8 @@
 
 namespace orlo {
 
-extern double CUM_TIME;    // seconds, the latest end of any block so far, 0 at start; written by driver/run behind a block
-extern double LAST_IB_DUR; // seconds, duration of the last block that was written, 0 at start; written by driver/run behind a block
+extern double CUM_TIME;    // seconds, the latest end of any block so far, 0 at start; written by driver/run after a block
+extern double LAST_IB_DUR; // seconds, duration of the last block that was written, 0 at start; written by driver/run after a block
 extern float  TEMPO;       // beats per minute found by the last conversion (to_tempo) or start of p2 (reset_pfield), 60 at start
 
 /// Sets the clock back to its start.

@@ -89,7 +89,7 @@ std::uint64_t digits_of_group(std::uint64_t number)
     return (tens | (twos - tens * 10) << 8) + 0x3030303030303030;
 }
 
-// as put_digits; what is written behind a part is overwritten by the next one
+// as put_digits; what is written after a part is overwritten by the next one
 char *put_group(char *end, std::uint64_t number, int digits, int decimals)
 {
     const std::uint64_t group    = digits_of_group(number);

@@ -7,7 +7,7 @@
 
 namespace orlo {
 
-inline constexpr std::size_t LONGEST_NUMBER = 64; // a 32-bit float has at most 39 digits before its point and 7 behind it
+inline constexpr std::size_t LONGEST_NUMBER = 64; // a 32-bit float has at most 39 digits before its point and 7 after it
 inline constexpr int         MOST_DECIMALS  = 7;
 
 /// A real as the C library may print it: the same value, with the sign bit set when it is no number.

@@ -37,7 +37,7 @@ constexpr std::int32_t draw_of(std::uint32_t word) { return static_cast<std::int
 
 constexpr float uniform_of(std::int32_t draw) { return static_cast<float>(draw) * 4.656613e-10F; }
 
-// Results one behind the other, with those before them, which make them: the oldest first.
+// Results one after the other, with those before them, which make them: the oldest first.
 struct Block {
     std::array<std::uint32_t, WORDS + BLOCK> words;
 };
@@ -49,7 +49,7 @@ void take_state(Block &block)
     std::copy(generator.words.begin(), oldest, std::copy(oldest, generator.words.end(), block.words.begin()));
 }
 
-// moves the sequence behind so many results of the block
+// moves the sequence after so many results of the block
 void give_state(const Block &block, std::size_t done)
 {
     std::copy_n(block.words.begin() + static_cast<std::ptrdiff_t>(done), WORDS, generator.words.begin());

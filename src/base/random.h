@@ -15,7 +15,7 @@ void seed_draws(std::uint32_t seed);
 /// Next number of the sequence times 2^-31, as a 32-bit float in [0, 1]; 1 itself comes from rounding.
 [[nodiscard]] float draw_uniform();
 
-/// Draws from the first to the last; none where the first lies behind the last.
+/// Draws from the first to the last; none where the first lies after the last.
 struct DrawSpan {
     std::int32_t first;
     std::int32_t last;

@@ -10,9 +10,10 @@
 namespace orlo {
 namespace {
 
-constexpr char32_t DEL         = 0x7F;
-constexpr char32_t PICTURES    = 0x2400; // of U+0000; the others follow
-constexpr char32_t DEL_PICTURE = 0x2421;
+constexpr char32_t DEL          = 0x7F;
+constexpr char32_t PICTURES     = 0x2400; // of U+0000; the others follow
+constexpr char32_t DEL_PICTURE  = 0x2421;
+constexpr char32_t UNKNOWN_CODE = 0xFFFD;
 
 struct CodeRange {
     char32_t first, last;
@@ -41,36 +42,45 @@ bool is_unsafe(char32_t code)
 }
 
 // U+0800 to U+FFFF
-void put_three_bytes(std::string &out, char32_t code)
+VisibleCharacter three_bytes(char32_t code, std::size_t step)
 {
-    for (const char32_t byte : {0xE0U | code >> 12U, 0x80U | (code >> 6U & 0x3FU), 0x80U | (code & 0x3FU)})
-        out += static_cast<char>(byte);
+    return {{static_cast<char>(0xE0U | code >> 12U), static_cast<char>(0x80U | (code >> 6U & 0x3FU)),
+             static_cast<char>(0x80U | (code & 0x3FU))},
+            3,
+            step};
 }
 
-void put_visible(std::string &out, std::string_view character)
+VisibleCharacter as_it_is(std::string_view character)
 {
-    const bool     whole = character_length(character, 0) != 0;
-    const char32_t code  = whole ? code_of(character) : 0;
-    if (!whole || is_unsafe(code))
-        out += UNKNOWN_CHARACTER;
-    else if (code < 0x20 || code == DEL)
-        put_three_bytes(out, code == DEL ? DEL_PICTURE : PICTURES + code);
-    else
-        out += character;
+    VisibleCharacter shown{{}, character.size(), character.size()};
+    character.copy(shown.bytes, sizeof shown.bytes);
+    return shown;
 }
 
 } // namespace
+
+VisibleCharacter visible_character(std::string_view text, std::size_t at, std::string_view layout)
+{
+    const std::size_t      step      = step_at(text, at);
+    const std::string_view character = text.substr(at, step);
+    if (step == 1 && layout.find(text[at]) != std::string_view::npos)
+        return as_it_is(character);
+    if (character_length(text, at) == 0 || is_unsafe(code_of(character)))
+        return three_bytes(UNKNOWN_CODE, step);
+    const char32_t code = code_of(character);
+    if (code < 0x20 || code == DEL)
+        return three_bytes(code == DEL ? DEL_PICTURE : PICTURES + code, step);
+    return as_it_is(character);
+}
 
 std::string visible_text(std::string_view text, std::string_view layout)
 {
     std::string out;
     out.reserve(text.size());
-    for (std::size_t at = 0, step = 0; at < text.size(); at += step) {
-        step = step_at(text, at);
-        if (step == 1 && layout.find(text[at]) != std::string_view::npos)
-            out += text[at];
-        else
-            put_visible(out, text.substr(at, step));
+    for (std::size_t at = 0; at < text.size();) {
+        const VisibleCharacter shown = visible_character(text, at, layout);
+        out.append(shown.bytes, shown.length);
+        at += shown.step;
     }
     return out;
 }

@@ -14,6 +14,14 @@ namespace orlo {
 /// @param layout control characters that stay, such as "\n\t" in a text whose lines the program has made itself
 std::string visible_text(std::string_view text, std::string_view layout = {});
 
+/// One character of a text as visible_text shows it, without memory of its own.
+struct VisibleCharacter {
+    char        bytes[4];
+    std::size_t length; // bytes that are shown
+    std::size_t step;   // bytes of the text that they stand for
+};
+VisibleCharacter visible_character(std::string_view text, std::size_t at, std::string_view layout = {});
+
 /// What to write before a mark, so that it stands under a character of the line above, which was shown by visible_text.
 /// @param text the line as it was given to visible_text
 /// @param byte where the marked character begins in it

@@ -15,9 +15,9 @@ inline constexpr float SPAN_SLACK = 5.0F; // beats that a span may reach past th
 inline constexpr int MOST_STALLED_STEPS = 100000; // p2 steps in a row that use up nothing of a span of beats
 inline constexpr int MOST_FULL_WARNINGS = 100000; // warnings of a full block in one count span of p2
 
-/// Reads the generator of a code from behind its name and stores its values in the section, which is done when the block is full.
-/// A code without a generator does nothing. @return 0, 16, 23, 27, 32, 36 to 42, 48, 50 to 53, 55, 57 to 62,
-/// 63, 64, 72, 97, or an error of reading
+/// Reads the generator of a code, with the position after its name and stores its values in the section, which is done when the
+/// block is full. A code without a generator does nothing. @return 0, 16, 23, 27, 32, 36 to 42, 48, 50 to 53, 55, 57 to 62, 63, 64,
+/// 72, 97, or an error of reading
 [[nodiscard]] int do_DDF(Code code, Section &section, Input &in);
 
 /// Events that a span covers from the one to be filled on, outside p2. Warns of a span of beats that reaches past the last event.

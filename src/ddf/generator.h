@@ -36,7 +36,7 @@ struct Place {
     float         elapsed; // seconds since the span began in p2, by the intervals' magnitudes; 0 elsewhere
     float         first;   // beats, first covered event; 0 for a count span
     float         last;    // beats, last covered event; 0 for a count span
-    const Event  *event;   // the event behind the cursor, which is filled unless a fuse is pending; null in p2
+    const Event  *event;   // the event after the cursor, which is filled unless a fuse is pending; null in p2
 };
 
 /// A random range between two bounds; a single value is a range with equal bounds.
@@ -52,7 +52,7 @@ struct RangeData {
 /// Reads "(" and the span: beats, -n for n events, "T" or "T*f". @return 0, 36, 40, 53, or an error of reading
 [[nodiscard]] int get_dynfunc_dur(float &span, Input &in);
 
-/// Reads a set's weight, and what may stand behind it. @return 0, missing when there is none, or an error of reading
+/// Reads a set's weight, and what may stand after it. @return 0, missing when there is none, or an error of reading
 [[nodiscard]] int get_weight(Frame &frame, Input &in, int missing);
 
 /// Events of a count span: its magnitude, truncated.
@@ -64,7 +64,7 @@ struct RangeData {
 /// Reads a value, or "[" letter value value "]", with the bounds in order. @return 0, 37, 39, 41, or an error of reading
 [[nodiscard]] int get_range(RangeData &range, Input &in);
 
-/// Reads a value, or "[" values "]", behind the values that are there. @return 0, 39, 41, or an error of reading
+/// Reads a value, or "[" values "]", after the values that are there. @return 0, 39, 41, or an error of reading
 [[nodiscard]] int get_values(std::vector<float> &values, Input &in);
 
 /// How an element of a list is chosen.
@@ -78,7 +78,7 @@ struct ChoiceState {
     std::vector<bool> did;   // which elements have been chosen since all were clear
 };
 
-/// Reads an optional mark of the choice, "*" or "x", and what may stand behind it. @return 0 or an error
+/// Reads an optional mark of the choice, "*" or "x", and what may stand after it. @return 0 or an error
 [[nodiscard]] int get_choice(Choice &mode, Input &in);
 
 /// State for a list of n elements at the start; a single element can only be chosen freely.

@@ -11,7 +11,7 @@ inline constexpr std::size_t MAX_GROUP_VALUES = 128; // of one group
 
 struct GroupSet {
     std::vector<float>       values; // of all groups, one after another
-    std::vector<std::size_t> ends;   // of each group, behind its last value
+    std::vector<std::size_t> ends;   // of each group, after its last value
     ChoiceState              choice;
 };
 

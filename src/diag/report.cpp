@@ -6,12 +6,15 @@
 
 #include "base/number_text.h"
 #include "base/switches.h"
+#include "base/visible_text.h"
 #include "diag/messages.h"
 #include "platform/screen.h"
+#include "platform/terminal.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <string_view>
 
 namespace orlo {
 
@@ -42,18 +45,30 @@ void write_to_log(const char *text, std::size_t length)
         keep(text, length);
 }
 
+bool screen_is_terminal = false; // found out when a run begins
+bool log_is_terminal    = false; // and when its log is started
+
 struct Text {
-    std::FILE  *stream; // the screen
-    bool        logged; // also goes to the log
+    std::FILE  *stream;  // null when it goes to the log alone
+    bool        logged;  // also goes to the log
+    bool        visible; // goes to a terminal, where text of somebody else is shown safely
     std::size_t used;
     char        buffer[4608]; // holds a whole line of input and its caret line
 };
+
+void begin(Text &out, std::FILE *stream, bool logged, bool visible)
+{
+    out.stream  = stream;
+    out.logged  = logged;
+    out.visible = visible;
+    out.used    = 0;
+}
 
 void flush(Text &out)
 {
     if (out.stream == stderr)
         put_on_screen(out.buffer, out.used);
-    else
+    else if (out.stream != nullptr)
         std::fwrite(out.buffer, 1, out.used, out.stream);
     if (out.logged)
         write_to_log(out.buffer, out.used);
@@ -79,6 +94,20 @@ void put_block(Text &out, const char *text, const char *end)
     }
 }
 
+// text of somebody else
+void put_foreign(Text &out, std::string_view text, std::string_view layout)
+{
+    if (!out.visible) {
+        put_block(out, text.data(), text.data() + text.size());
+        return;
+    }
+    for (std::size_t at = 0; at < text.size();) { // each round takes a character
+        const VisibleCharacter shown = visible_character(text, at, layout);
+        put_block(out, shown.bytes, shown.bytes + shown.length);
+        at += shown.step;
+    }
+}
+
 void put_conversion(Text &out, const MprintfArg &arg)
 {
     char number[400]; // the longest double has 309 digits before its point
@@ -96,41 +125,85 @@ void put_conversion(Text &out, const MprintfArg &arg)
         put(out, arg.character);
         break;
     case MprintfArg::Kind::text:
-        put_block(out, arg.text, arg.text + std::strlen(arg.text));
+        put_foreign(out, arg.text, {});
         break;
     }
 }
 
 bool is_conversion(char c) { return c == 'd' || c == 'f' || c == 'c' || c == 's'; }
 
-void put_line(Text &out, const char *line, unsigned column)
+void put_format(Text &out, const char *format, const MprintfArg *args, int count)
 {
-    const std::size_t length = std::strlen(line);
-    for (std::size_t i = 0; i < length; ++i)
-        put(out, line[i] == '\n' ? 'L' : line[i]);
+    int next = 0;
+    for (const char *c = format;; ++c) {
+        const char *plain = c;
+        c += std::strcspn(c, "%");
+        put_block(out, plain, c);
+        if (*c == '\0')
+            return;
+        ++c;
+        if (*c == '\0')
+            return;
+        if (is_conversion(*c) && next < count)
+            put_conversion(out, args[next++]);
+        else
+            put(out, *c);
+    }
+}
+
+// characters before a column: a blank for each, which is each byte where they are not shown as characters
+void put_margin(Text &out, std::string_view line, std::size_t column)
+{
+    for (std::size_t at = 0, step = 1; at < line.size(); at += step) {
+        step = out.visible ? visible_character(line, at).step : 1;
+        if (at + step > column)
+            return;
+        put(out, line[at] == '\t' ? '\t' : ' ');
+    }
+}
+
+void put_line(Text &out, std::string_view line, std::size_t column)
+{
+    for (std::size_t start = 0; start <= line.size();) { // each round takes the characters up to a line end
+        const std::size_t end = std::min(line.find('\n', start), line.size());
+        put_foreign(out, line.substr(start, end - start), "\t");
+        if (end < line.size())
+            put(out, 'L');
+        start = end + 1;
+    }
     put(out, '\n');
-    for (std::size_t i = 0; i < length && i < column; ++i)
-        put(out, line[i] == '\t' ? '\t' : ' ');
-    if (column < length)
+    put_margin(out, line, column);
+    if (column < line.size())
         put(out, '^');
     put(out, '\n');
 }
 
-// the line and its caret on the screen and in the log
+// puts text together for screen and log: once, or once for each where they show it differently
+template <class Put> void show(Put put_text)
+{
+    const bool together = screen_is_terminal == log_is_terminal;
+    Text       out;
+    begin(out, stderr, MKLOG && together, screen_is_terminal);
+    put_text(out);
+    flush(out);
+    if (!MKLOG || together)
+        return;
+    begin(out, nullptr, true, log_is_terminal);
+    put_text(out);
+    flush(out);
+}
+
+// the line and its caret
 void show_line(const char *line, unsigned column)
 {
-    Text out;
-    out.stream = stderr;
-    out.logged = MKLOG;
-    out.used   = 0;
-    put_line(out, line, column);
-    flush(out);
+    show([=](Text &out) { put_line(out, line, column); });
 }
 
 void show_with_line(const char *kind, const char *text, unsigned long line_no, const char *line, unsigned column)
 {
     Mprintf("\n\n%s: Line %d: ", kind, line_no);
-    Mprintf("%s\n", text);
+    show([=](Text &out) { put_block(out, text, text + std::strlen(text)); });
+    Mprintf("\n");
     show_line(line, column);
 }
 
@@ -138,8 +211,12 @@ void show_with_line(const char *kind, const char *text, unsigned long line_no, c
 
 void start_log(std::FILE *log)
 {
-    fllog = log;
-    std::fwrite(kept.text, 1, kept.used, log);
+    Text out;
+    fllog           = log;
+    log_is_terminal = is_terminal(log);
+    begin(out, log, false, log_is_terminal);
+    put_foreign(out, {kept.text, kept.used}, "\n\t");
+    flush(out);
     kept.used = 0;
 }
 
@@ -151,41 +228,37 @@ void end_log()
 
 void reset_report()
 {
-    fllog     = nullptr;
-    kept.used = 0;
+    fllog              = nullptr;
+    kept.used          = 0;
+    screen_is_terminal = is_terminal(stderr);
+    log_is_terminal    = false;
 }
 
 void Mprintf_args(const char *format, const MprintfArg *args, int count)
 {
-    Text out;
-    out.stream = stderr;
-    out.logged = MKLOG;
-    out.used   = 0;
+    show([=](Text &out) { put_format(out, format, args, count); });
+}
 
-    int next = 0;
-    for (const char *c = format;; ++c) {
-        const char *plain = c;
-        c += std::strcspn(c, "%");
-        put_block(out, plain, c);
-        if (*c == '\0')
-            break;
-        ++c;
-        if (*c == '\0')
-            break;
-        if (is_conversion(*c) && next < count)
-            put_conversion(out, args[next++]);
-        else
-            put(out, *c);
-    }
+void print_args(std::FILE *stream, const char *format, const MprintfArg *args, int count)
+{
+    Text out;
+    begin(out, stream, false, is_terminal(stream));
+    put_format(out, format, args, count);
+    flush(out);
+}
+
+void put_safely(std::FILE *stream, const char *text)
+{
+    Text out;
+    begin(out, stream, false, true);
+    put_foreign(out, text, "\t");
     flush(out);
 }
 
 void put_buff(std::FILE *stream, const char *line, unsigned column)
 {
     Text out;
-    out.stream = stream;
-    out.logged = false;
-    out.used   = 0;
+    begin(out, stream, false, is_terminal(stream));
     put_line(out, line, column);
     flush(out);
 }

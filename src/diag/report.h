@@ -41,7 +41,8 @@ struct MprintfArg {
 /// Mprintf with its arguments in an array.
 void Mprintf_args(const char *format, const MprintfArg *args, int count);
 
-/// Prints a format to the screen and, when there is one, to the log. Conversions are "%d", "%f" (always as "%7.2f"),
+/// Prints a format to the screen and, when there is one, to the log. On a terminal, what a "%s" stands for can't command it:
+/// control characters and what is no UTF-8 become a visible character each. Conversions are "%d", "%f" (always as "%7.2f"),
 /// "%c" and "%s"; any other character after "%" stands for itself and takes no argument. Write errors are ignored.
 template <class... Args> void Mprintf(const char *format, Args... args)
 {
@@ -52,6 +53,19 @@ template <class... Args> void Mprintf(const char *format, Args... args)
         Mprintf_args(format, list, static_cast<int>(sizeof...(args)));
     }
 }
+
+/// print with its arguments in an array.
+void print_args(std::FILE *stream, const char *format, const MprintfArg *args, int count);
+
+/// As Mprintf, to any one stream.
+template <class... Args> void print(std::FILE *stream, const char *format, Args... args)
+{
+    const MprintfArg list[] = {args...};
+    print_args(stream, format, list, static_cast<int>(sizeof...(args)));
+}
+
+/// Text of somebody else as a terminal may get it, where a control character other than a tab is shown and does nothing.
+void put_safely(std::FILE *stream, const char *text);
 
 /// Prints a line and, beneath it, a caret under the column. A line end inside the line is shown as "L".
 /// An empty line gives an empty second line; a column past the end gives blanks without a caret. Only tests call it.

@@ -3,6 +3,7 @@
 #include "driver/options.h"
 
 #include "base/switches.h"
+#include "diag/report.h"
 #include "platform/output_files.h"
 
 #include <cstring>
@@ -32,7 +33,7 @@ int fail_with_usage()
 }
 
 // option-name -> rest of the argument | next argument
-// next is the index of the argument behind the option, moved on when it is taken
+// next is the index of the argument after the option, moved on when it is taken
 int take_name(const char *&name, const char *rest, int argc, const char *const *argv, int &next, const char *what)
 {
     if (*rest != '\0') {
@@ -113,12 +114,12 @@ void print_usage(std::FILE *stream)
 void print_info(std::FILE *stream)
 {
     print_version(stream);
-    std::fprintf(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
+    print(stream, "\n\nInput\t= \"%s\"\nOutput\t= \"%s\" ", in_fname, out_fname);
     std::fputs(MKMIDI ? "[MIDI file (type 1)]\n" : "[Csound score-file]\n", stream);
     if (MKLOG)
-        std::fprintf(stream, "Log \t= \"%s\"\n", log_fname);
+        print(stream, "Log \t= \"%s\"\n", log_fname);
     if (MKEXP)
-        std::fprintf(stream, "MExp\t= \"%s\"\n", exp_fname);
+        print(stream, "MExp\t= \"%s\"\n", exp_fname);
 }
 
 void reset_options()

@@ -13,7 +13,7 @@ extern const char *out_fname;
 extern const char *log_fname;
 extern const char *exp_fname;
 
-/// What a letter behind "-" switches on. An option with a name takes it from its own argument or from the next.
+/// What a letter after "-" switches on. An option with a name takes it from its own argument or from the next.
 struct Option {
     char         letter;
     bool        *on;

@@ -14,13 +14,14 @@
 #include "platform/output_files.h"
 #include "platform/screen.h"
 #include "platform/temporary_file.h"
+#include "platform/terminal.h"
 
 namespace orlo {
 namespace {
 
 bool cant_open(const char *name)
 {
-    std::fprintf(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
+    print(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
     return false;
 }
 
@@ -28,6 +29,14 @@ bool open_to_write(std::FILE *&stream, const char *name)
 {
     stream = open_output(name);
     return stream != nullptr || cant_open(name);
+}
+
+bool open_trace()
+{
+    if (!open_to_write(fecho, exp_fname))
+        return false;
+    trace_is_terminal = is_terminal(fecho);
+    return true;
 }
 
 bool open_temporary(Files &files)
@@ -81,7 +90,7 @@ bool open_files(Files &files)
     files.in = std::fopen(in_fname, "r");
     if (files.in == nullptr)
         return cant_open(in_fname);
-    return open_to_write(files.out, out_fname) && (!MKEXP || open_to_write(fecho, exp_fname)) && open_temporary(files) &&
+    return open_to_write(files.out, out_fname) && (!MKEXP || open_trace()) && open_temporary(files) &&
            (!MKLOG || open_to_write(files.log, log_fname));
 }
 

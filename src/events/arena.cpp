@@ -13,7 +13,7 @@ std::size_t ARENA_CHUNK = std::size_t{1} << 20;
 namespace {
 
 struct Chunk {
-    Chunk *before; // the pieces lie behind this
+    Chunk *before; // the pieces lie after this
 };
 
 Chunk *last = nullptr; // the chunk that pieces are taken from, null when there is none

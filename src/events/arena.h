@@ -1,4 +1,4 @@
-// Where the events of a block live: memory that is handed out piece behind piece and given back all at once. Knows nothing of what
+// Where the events of a block live: memory that is handed out piece after piece and given back all at once. Knows nothing of what
 // is kept in it.
 #pragma once
 

@@ -47,15 +47,6 @@ void reset_section()
 
 } // namespace
 
-bool out_of_time()
-{
-    if (EVENTS == 0)
-        return CBEATS >= ETIME + SBEAT;
-    return EVENT_NO >= EVENTS;
-}
-
-bool p2_stands_still(float before) { return P_NO == 2 && EVENTS == 0 && !(CBEATS > before); }
-
 bool set_loop(char mark)
 {
     if (mark == '<') {

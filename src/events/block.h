@@ -45,10 +45,10 @@ extern Event *LUT;          // last event that StorePfield gave a value with cod
                             // a section from p3 up
 
 /// Whether the block is full.
-[[nodiscard]] bool out_of_time();
+[[nodiscard]] inline bool out_of_time() { return EVENTS == 0 ? CBEATS >= ETIME + SBEAT : EVENT_NO >= EVENTS; }
 
 /// Whether p2 has not moved on since CBEATS was before, in a block given in beats: repeating would never end.
-[[nodiscard]] bool p2_stands_still(float before);
+[[nodiscard]] inline bool p2_stands_still(float before) { return P_NO == 2 && EVENTS == 0 && !(CBEATS > before); }
 
 /// Opens a loop on "<", closes it on ">". @return false when the mark may not stand here
 [[nodiscard]] bool set_loop(char mark);

@@ -1,5 +1,5 @@
 // The events of one i-block, as a ring that is held by its last event. Reads no text, reports no errors. An event's values lie
-// behind it, in memory that is given back as a whole when the block is done.
+// after it, in memory that is given back as a whole when the block is done.
 #pragma once
 
 #include <cstdint>

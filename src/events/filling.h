@@ -1,4 +1,4 @@
-// What fills a block up to its end behind the last value of a section.
+// What fills a block up to its end after the last value of a section.
 #pragma once
 
 #include "events/section.h"

@@ -34,7 +34,7 @@ enum class ZeroBy { value, seconds };
 /// Stores one value of the section, whichever p-field it is. @return 0, 32, or 54 for an interval of 0
 [[nodiscard]] int store_one(Section &section, const Input &in, float value, ZeroBy zero);
 
-/// Stores the last value once more or, from p4 up behind a chord, the last chord, whose members are counted as events.
+/// Stores the last value once more or, from p4 up after a chord, the last chord, whose members are counted as events.
 /// @return as store_one
 [[nodiscard]] int store_last(Section &section, const Input &in, ZeroBy zero);
 

@@ -4,7 +4,7 @@
 
 namespace orlo {
 
-/// How the expansion passes over a line follow comments: "*/" ends a comment of either kind, and "/*" counts behind a ";" too.
+/// How the expansion passes over a line follow comments: "*/" ends a comment of either kind, and "/*" counts after a ";" too.
 struct PassComments {
     bool comment; // inside a comment of either kind
     bool block;   // a block comment is open

@@ -7,16 +7,16 @@
 
 namespace orlo {
 
-/// 1 when "if(" stands at a position, behind the "#".
+/// 1 when "if(" stands at a position, after the "#".
 [[nodiscard]] bool is_if(const char *line, std::uint32_t pos);
 
-/// 1 when "endif" stands at a position, behind the "#".
+/// 1 when "endif" stands at a position, after the "#".
 [[nodiscard]] bool is_endif(const char *line, std::uint32_t pos);
 
 /// 1 while the lines of a false block are being skipped: they must be read as they are.
 [[nodiscard]] bool in_if0();
 
-/// Opens a block at "if(" and, when its condition is 0, skips to behind the matching "endif".
+/// Opens a block at "if(" and, when its condition is 0, skips to what follows the matching "endif".
 /// @return 0, 32, or 117 at the end of the input
 [[nodiscard]] int do_if_interface(Input &in);
 

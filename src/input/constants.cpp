@@ -103,7 +103,7 @@ int get_time_term(Reference &reference, Input &in)
     }
 }
 
-// behind a reference: after a name its last character, after an equation its first "]", after a time term the "@"
+// after a reference: after a name its last character, after an equation its first "]", after a time term the "@"
 std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
 {
     switch (line[pos]) {
@@ -117,7 +117,7 @@ std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
     }
 }
 
-// replaces the reference behind the "~" at start by its value
+// replaces the reference after the "~" at start by its value
 int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
 {
     if (const int error = count_expansion(in))

@@ -1,4 +1,4 @@
-// The words behind "#". How much of a word must be there differs; each reader says so.
+// The words after "#". How much of a word must be there differs; each reader says so.
 #pragma once
 
 #include <string_view>

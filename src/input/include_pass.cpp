@@ -30,7 +30,7 @@ struct Reader {
 
 struct Scanner {
     int      previous;     // the character before, a blank at the start of a file
-    bool     line_comment; // behind ";" or ">" on this line
+    bool     line_comment; // after ";" or ">" on this line
     unsigned depth;        // open block comments
 };
 
@@ -50,9 +50,9 @@ struct FileName {
 
 constexpr int  INCLUDE_FAILED = 1;
 constexpr char keyword[]      = "#include";
-constexpr char keyword_rest[] = "clude"; // behind "#in"
+constexpr char keyword_rest[] = "clude"; // after "#in"
 
-// whether a character may change how those behind it are taken
+// whether a character may change how those after it are taken
 constexpr bool matters(char c, const Scanner &state)
 {
     return c == '#' || c == ';' || c == '>' || c == '/' || c == '*' || (c == '\n' && state.line_comment);
@@ -117,8 +117,8 @@ void follow_comments(Scanner &state, int c)
     state.previous = c;
 }
 
-// Reads what follows a "#". Text that is no directive is copied, except that "#in" with anything but "clude" behind it is dropped
-// up to the character that differs. Text cut off by the end of the file is copied with the byte 0xFF behind it.
+// Reads what follows a "#". Text that is no directive is copied, except that "#in" with anything but "clude" after it is dropped
+// up to the character that differs. Text cut off by the end of the file is copied with the byte 0xFF after it.
 bool take_keyword(Reader &in, std::FILE *out, Scanner &state)
 {
     const int second = get(in);

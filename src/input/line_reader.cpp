@@ -18,7 +18,8 @@
 
 namespace orlo {
 
-std::FILE *fecho = nullptr;
+std::FILE *fecho             = nullptr;
+bool       trace_is_terminal = false;
 
 namespace {
 
@@ -106,7 +107,10 @@ int expand_line(Input &in, unsigned found)
 void trace_line(const char *line)
 {
     begin_output(fecho);
-    std::fputs(line, fecho);
+    if (trace_is_terminal)
+        put_safely(fecho, line);
+    else
+        std::fputs(line, fecho);
     std::fputc('\n', fecho);
 }
 
@@ -249,7 +253,7 @@ int skip_stuff(Input &in)
 {
     if (const int error = skip_space(in))
         return error;
-    // directly behind a comment a "/" is a separator even when a "*" follows it
+    // directly after a comment a "/" is a separator even when a "*" follows it
     if (const int error = skip_one_comment(in))
         return error;
     if (peek(in) == '/' || peek(in) == ',')

@@ -16,7 +16,7 @@ inline constexpr std::size_t BLOCK_SIZE = 16384;
 /// What all parsers read from: one line at a time and a position in it. Owned by the driver, handed on by address.
 struct Input {
     std::FILE    *stream;              // the combined input, read by blocks
-    bool          ended;               // nothing is left behind the line, false at start; written by get_buff
+    bool          ended;               // nothing is left after the line, false at start; written by get_buff
     std::uint64_t line_no;             // lines read so far, 0 at start; written by get_buff
     std::uint32_t pos;                 // next character of the line, 0 at start; left after what was consumed
     char          line[LINE_SIZE + 1]; // NUL-terminated; one byte more, for a position just past the NUL
@@ -25,7 +25,8 @@ struct Input {
     char          block[BLOCK_SIZE];
 };
 
-extern std::FILE *fecho; // the open trace, null without one; set by the driver
+extern std::FILE *fecho;             // the open trace, null without one; set by the driver, as the next
+extern bool       trace_is_terminal; // somebody looks at the trace as it is written, false at start
 
 enum class Comment : int { line, block };
 

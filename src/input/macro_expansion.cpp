@@ -1,6 +1,6 @@
 // Inserted text is scanned again from its start, so that calls in it are expanded in turn. That ends because the expansions of one
 // line are counted, and the depth of bodies inside bodies is limited. Those of the run are counted too, because each has its
-// notice: few bytes of input could fill a disk with them. While a body is expanded the error of a call inside it is shown behind
+// notice: few bytes of input could fill a disk with them. While a body is expanded the error of a call inside it is shown after
 // the outermost call, the only one that stands in the line.
 
 #include "input/macro_expansion.h"
@@ -168,7 +168,7 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
 }
 
 // call -> "$" name [ arguments ]
-// with the position behind the "$"; left behind what was read
+// with the position after the "$"; left after what was read
 int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
            const Input &in)
 {
@@ -185,7 +185,7 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
     call.end = pos;
     skip_args(text, call.end);
     call.body = what.macro != nullptr ? what.macro->body : what.argument->text;
-    if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan behind the call
+    if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan after the call
         std::vector<Argument> arguments;
         if (const int error = take_arguments(arguments, *what.macro, text, pos))
             return error;

@@ -28,7 +28,7 @@ extern int
 /// @return 0, 32, 82, 84, 85, 86 or 1000
 [[nodiscard]] int parse_macros(Input &in, DefinitionMarks &marks);
 
-/// Expands the call whose name starts at the position, just behind the "$". The position is left on the inserted text.
+/// Expands the call whose name starts at the position, just after the "$". The position is left on the inserted text.
 /// @return as parse_macros
 [[nodiscard]] int expand_macro(Input &in);
 

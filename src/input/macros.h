@@ -19,7 +19,7 @@ struct Macro {
     std::string              body;   // without the enclosing "#"; keeps its line ends
 };
 
-/// Runs the directive behind a "#": a definition, an undefinition, or a condition that stands inside a line.
+/// Runs the directive after a "#": a definition, an undefinition, or a condition that stands inside a line.
 /// @return 0, 8, 32, 80, 81, 84, 86, 88, 91, 1000, or an error of the condition or of a further line
 [[nodiscard]] int parse_macro(Input &in);
 

@@ -53,7 +53,7 @@ int repeat_last(Section &section, const Input &in)
 }
 
 // slashes -> "/" { "/" }
-// from behind the first, which only separates
+// the position is after the first, which only separates
 int do_slash(Section &section, Input &in)
 {
     while (peek(in) == '/') { // each round takes a slash

@@ -1,4 +1,4 @@
-// The block's sections may stand in any order behind p2, which makes the events that the others fill; DID_P remembers which are
+// The block's sections may stand in any order after p2, which makes the events that the others fill; DID_P remembers which are
 // done.
 
 #include "lang/iblock.h"
@@ -153,7 +153,7 @@ int check_pfield_number()
 {
     if (P_NO > MAX_PFIELDS)
         return P_OUT_OF_BOUNDS;
-    if (OUTS == nullptr) // behind a block that has been written
+    if (OUTS == nullptr) // after a block that has been written
         return INVALID_IBLOCK;
     if (P_NO != 2 && !DID_P[2])
         return P2_MUST_BE_FIRST;

@@ -14,7 +14,7 @@ inline constexpr float        LATE_START    = 240.0F;   // beats; from a later s
 inline constexpr float        LONG_DURATION = 600.0F;   // beats; of a longer block a warning is given
 
 /// Reads an i-block from its "i" and fills the event list.
-/// @return 0 behind the "}", END_OF_INPUT (also behind a skipped block), or an error
+/// @return 0 after the "}", END_OF_INPUT (also after a skipped block), or an error
 [[nodiscard]] int parse_iblock(Input &in, Event *&list);
 
 } // namespace orlo

@@ -112,7 +112,7 @@ int do_body(Section &section, Input &in)
     return OK;
 }
 
-// section -> body, and what fills the block behind it
+// section -> body, and what fills the block after it
 int do_pfield(Section &section, Input &in)
 {
     const std::uint64_t events_before = EVENTS;
@@ -160,8 +160,6 @@ int do_commands(std::int32_t code, Section &section, Input &in)
         return set_rand_dev(in);
     case CMD_RS:
         return set_rand_seed(in);
-    case CMD_SR: // is_command keeps it away from a section
-        return set_samp_rate(in);
     default:
         return do_DDF(static_cast<Code>(code), section, in);
     }

@@ -6,9 +6,11 @@
 #include "base/random.h"
 #include "base/switches.h"
 #include "diag/messages.h"
+#include "diag/report.h"
 #include "events/block.h"
 #include "input/scanners.h"
 #include "platform/output_files.h"
+#include "platform/terminal.h"
 
 #include <cstring>
 
@@ -26,7 +28,7 @@ int open_command(Input &in)
 }
 
 // command -> name "(" value ")"
-// from behind the value
+// the position is after the value
 int close_command(Input &in)
 {
     if (const int error = skip_space(in))
@@ -98,7 +100,10 @@ void do_direct_out(Input &in, std::FILE *out)
     if (!MKMIDI) {
         begin_output(out);
         std::fputc('\n', out);
-        std::fputs(rest, out);
+        if (is_terminal(out))
+            put_safely(out, rest);
+        else
+            std::fputs(rest, out);
     }
     in.pos += static_cast<std::uint32_t>(std::strlen(rest));
 }

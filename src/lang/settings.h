@@ -11,7 +11,7 @@ namespace orlo {
 inline constexpr float MAX_DEVIATION   = 100.0F; // a fraction of the value
 inline constexpr float LARGE_DEVIATION = 1.0F;   // above it a warning is given
 
-/// Moves to the "(" behind a command's name, over blanks and line ends. @return 0 on it, or 96
+/// Moves to the "(" after a command's name, over blanks and line ends. @return 0 on it, or 96
 [[nodiscard]] int good_cmd_format(Input &in);
 
 [[nodiscard]] int set_rand_seed(Input &in); ///< "rs": seeds the draws, 0 to MAX_UNSIGNED, at once (29)
@@ -20,7 +20,7 @@ inline constexpr float LARGE_DEVIATION = 1.0F;   // above it a warning is given
 [[nodiscard]] int set_samp_rate(Input &in); ///< "sr": SRATE in Hz (65)
 [[nodiscard]] int set_pfactor(Input &in);   ///< "pf": PFACTOR (125), not in p2 (126)
 
-/// Writes the rest of the line behind ">" to a score, on a line of its own; to a MIDI file nothing.
+/// Writes the rest of the line after ">" to a score, on a line of its own; to a MIDI file nothing.
 void do_direct_out(Input &in, std::FILE *out);
 
 } // namespace orlo

@@ -23,7 +23,7 @@ void warn_of_tempo(const Input &in, float tempo, Warning fast, Warning slow)
         warn(in, slow);
 }
 
-// term -> number, with the blanks and line ends behind it
+// term -> number, with the blanks and line ends after it
 int get_term(Input &in, float &value, int error)
 {
     if (!get_f(value, in))
@@ -32,7 +32,7 @@ int get_term(Input &in, float &value, int error)
 }
 
 // terms -> stime etime stempo etempo [ curve ]
-// from behind the first
+// the position is after the first
 int get_terms(Input &in, TempoSegment &segment)
 {
     if (const int error = get_term(in, segment.etime, TE_BAD_TERM2))

@@ -60,7 +60,7 @@ void trace(const Event *event)
             event->pf[0]);
 }
 
-// scales an event's values, counts its bytes and links it behind the track's tail
+// scales an event's values, counts its bytes and links it after the track's tail
 void append(Track &track, Event *event)
 {
     event->pf[0] = static_cast<float>(static_cast<double>(event->pf[0]) * VELOCITY_FACTOR);

@@ -22,4 +22,8 @@ void on_ending_signal(ClearAway clear_away);
 /// From now on signals end the program at once, as before on_ending_signal. To be called in a child as well.
 void let_signals_end();
 
+/// To be called in a child: the process is asked to end when its parent has ended in whatever way, where the system knows how.
+/// @param parent the parent's number, for it may have ended already
+void end_with_parent(int parent);
+
 } // namespace orlo

@@ -89,7 +89,7 @@ constexpr Limit limits[] = {
     LIMIT("lang/tempo_command.h", FAST_TEMPO, "beats per minute without a warning"),
     LIMIT("lang/tempo_command.h", SLOW_TEMPO, "beats per minute without a warning, at least"),
     LIMIT("lang/tempo_command.h", LATE_BEAT, "beat at which a change of tempo starts or ends without a warning"),
-    LIMIT("words/keywords.h", MAX_SUFFIX, "digits behind re and bn"),
+    LIMIT("words/keywords.h", MAX_SUFFIX, "digits after re and bn"),
     LIMIT("words/values.h", MAX_OCTAVE, "octave of a note name"),
 };
 #undef LIMIT
@@ -210,7 +210,7 @@ std::vector<Table> all_tables()
             enumeration("distribution_names", ranges)};
 }
 
-// a text with what would end it, or its line, behind a "\"
+// a text with what would end it, or its line, after a "\"
 std::string escaped(std::string_view text, std::string_view special)
 {
     std::string result;

@@ -8,14 +8,14 @@
 
 namespace orlo::view {
 
-/// Stripes and lines behind the roll, as wide as told.
+/// Stripes and lines after the roll, as wide as told.
 /// @param width an SVG length, "100%" or "780"
 std::string roll_grid(const Plan &plan, const std::string &width);
 
 /// Names of keys and rows, right-aligned at x.
 std::string roll_labels(const Plan &plan, double x);
 
-/// Lines behind a lane.
+/// Lines after a lane.
 std::string lane_grid(const Lane &lane, const std::string &width);
 
 /// Values at a lane's lines, right-aligned at x.

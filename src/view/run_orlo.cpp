@@ -1,66 +1,78 @@
 // orlo writes to a file that was created for this run alone, by mkstemp, which takes no file that exists. Signals that end the
-// program are held back while the file or the child comes into being, so that the handler always knows both. A signal handler may
-// call little: kill, unlink, signal and raise are allowed (POSIX.1-2017, 2.4.3).
+// program are held back while the file or the child comes into being or goes, so that what clears them away always knows both.
 
 #include "view/run_orlo.h"
 
+#include "platform/ending_signals.h"
 #include "view/files.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace orlo::view {
 namespace {
 
-constexpr int ending_signals[] = {SIGINT, SIGTERM, SIGHUP};
-constexpr int CANT_RUN         = 127; // status of a child that has not become orlo, as the shell has it
+constexpr int CANT_RUN = 127;  // status of a child that has not become orlo, as the shell has it
+constexpr int GRACE    = 2000; // milliseconds that orlo has to end, and to remove its own files
+constexpr int PAUSE    = 5;    // between two looks at it
 
 char                       temporary_name[PATH_MAX]; // settled before file_exists is set
 volatile std::sig_atomic_t file_exists = 0;
 volatile std::sig_atomic_t child       = 0; // process that runs orlo; 0: there is none
 
-extern "C" void clear_and_end(int signal_number)
+std::int64_t milliseconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1'000'000;
+}
+
+// asks the child to end, and makes it end when it does not
+void end_child(pid_t process)
+{
+    static_cast<void>(kill(process, SIGTERM));
+    for (const std::int64_t end = milliseconds() + GRACE; milliseconds() < end;) {
+        if (waitpid(process, nullptr, WNOHANG) != 0)
+            return;
+        static_cast<void>(poll(nullptr, 0, PAUSE));
+    }
+    static_cast<void>(kill(process, SIGKILL));
+    static_cast<void>(waitpid(process, nullptr, 0));
+}
+
+// clock_gettime, kill, poll, unlink and waitpid may be called when a signal has come (POSIX.1-2017, 2.4.3)
+void clear_away()
 {
     if (child != 0)
-        static_cast<void>(kill(child, SIGTERM));
+        end_child(child);
+    child = 0;
     if (file_exists != 0)
         static_cast<void>(unlink(temporary_name));
-    std::signal(signal_number, SIG_DFL);
-    std::raise(signal_number);
+    file_exists = 0;
 }
 
-// a signal that the caller had switched off stays off
-void watch_signals()
-{
-    for (const int number : ending_signals)
-        if (std::signal(number, SIG_IGN) != SIG_IGN)
-            std::signal(number, clear_and_end);
-}
-
-void unwatch_signals()
-{
-    for (const int number : ending_signals)
-        if (std::signal(number, SIG_IGN) != SIG_IGN)
-            std::signal(number, SIG_DFL);
-}
-
-// holds the ending signals back; returns what was held back before
-sigset_t hold_signals()
-{
-    sigset_t ending;
-    sigset_t before;
-    sigemptyset(&ending);
-    for (const int number : ending_signals)
-        sigaddset(&ending, number);
-    sigprocmask(SIG_BLOCK, &ending, &before);
-    return before;
-}
+// whatever way a run takes, nothing of it stays
+struct Clearing {
+    Clearing()                            = default;
+    Clearing(const Clearing &)            = delete;
+    Clearing &operator=(const Clearing &) = delete;
+    ~Clearing()
+    {
+        hold_ending_signals();
+        clear_away();
+        let_signals_end();
+        release_ending_signals();
+    }
+};
 
 std::string last_error() { return std::strerror(errno); } // NOLINT(concurrency-mt-unsafe)
 
@@ -72,23 +84,15 @@ std::string create_temporary_file()
     if (name.size() >= sizeof temporary_name)
         return "the name of TMPDIR is too long";
     std::copy_n(name.c_str(), name.size() + 1, temporary_name);
-    const sigset_t before = hold_signals();
-    const int      file   = mkstemp(temporary_name);
-    std::string    fault  = file < 0 ? "can't create a temporary file " + name + ": " + last_error() : "";
+    hold_ending_signals();
+    const int file = mkstemp(temporary_name);
     if (file >= 0) {
         close(file);
         file_exists = 1;
-        watch_signals();
+        on_ending_signal(clear_away);
     }
-    sigprocmask(SIG_SETMASK, &before, nullptr);
-    return fault;
-}
-
-void remove_temporary_file()
-{
-    static_cast<void>(unlink(temporary_name));
-    file_exists = 0;
-    unwatch_signals();
+    release_ending_signals();
+    return file < 0 ? "can't create a temporary file " + name + ": " + last_error() : "";
 }
 
 // the orlo beside this program; empty when there is none
@@ -104,12 +108,13 @@ std::string neighbour()
 }
 
 // the child: never returns
-[[noreturn]] void become_orlo(const std::string &program, const std::string &in, int screen, const sigset_t &before)
+[[noreturn]] void become_orlo(const std::string &program, const std::string &in, int screen, int parent)
 {
-    unwatch_signals();
+    let_signals_end();
+    end_with_parent(parent);
+    release_ending_signals();
     std::signal(SIGPIPE, SIG_DFL);
     std::signal(SIGXFSZ, SIG_DFL);
-    sigprocmask(SIG_SETMASK, &before, nullptr);
     dup2(screen, STDOUT_FILENO);
     dup2(screen, STDERR_FILENO);
     if (program.empty())
@@ -130,11 +135,17 @@ void drain(int pipe_end, std::string &messages)
     }
 }
 
+// when the child's status is taken its number may become another's, which no signal must end
 int wait_for(pid_t process)
 {
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+    siginfo_t about{};
+    int       status = 0;
+    while (waitid(P_PID, static_cast<id_t>(process), &about, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
     }
+    hold_ending_signals();
+    waitpid(process, &status, 0);
+    child = 0;
+    release_ending_signals();
     return status;
 }
 
@@ -153,18 +164,19 @@ std::string run_child(const std::string &in, std::string &messages)
     int               ends[2];
     if (pipe(ends) != 0)
         return "can't run orlo: " + last_error();
-    const sigset_t before  = hold_signals();
-    const pid_t    process = fork();
+    const pid_t own = getpid();
+    std::signal(SIGCHLD, SIG_DFL); // where it is ignored nobody gets the child's status
+    hold_ending_signals();
+    const pid_t process = fork();
     if (process == 0)
-        become_orlo(program, in, ends[1], before);
+        become_orlo(program, in, ends[1], own);
     child = process > 0 ? process : 0;
-    sigprocmask(SIG_SETMASK, &before, nullptr);
+    release_ending_signals();
     close(ends[1]);
     std::string fault = process < 0 ? "can't run orlo: " + last_error() : "";
     if (process > 0) {
         drain(ends[0], messages);
         fault = fault_of(wait_for(process));
-        child = 0;
     }
     close(ends[0]);
     return fault;
@@ -182,13 +194,12 @@ std::string name_for_orlo(const std::string &name)
 
 std::string make_score(const std::string &name, std::size_t most, std::string &score, std::string &messages)
 {
-    std::string fault = create_temporary_file();
-    if (!fault.empty())
-        return fault;
-    fault = run_child(name_for_orlo(name), messages);
+    const Clearing clearing;
+    std::string    fault = create_temporary_file();
+    if (fault.empty())
+        fault = run_child(name_for_orlo(name), messages);
     if (fault.empty())
         fault = read_file(temporary_name, most, score);
-    remove_temporary_file();
     return fault;
 }
 

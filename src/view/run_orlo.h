@@ -1,5 +1,5 @@
-// run_orlo.h: has the program orlo make a score of its input. Owns the temporary file of that score, which is gone when the call is
-// over, and also when a signal ends the program.
+// run_orlo.h: has the program orlo make a score of its input. Owns the temporary file of that score and the process that makes it;
+// both are gone when the call is over, and also when a signal ends the program.
 #pragma once
 
 #include <cstddef>

@@ -92,8 +92,12 @@ void set_pitch(const Options &options, Score &score)
 void report(const Options &options, bool from_orlo, const Score &score)
 {
     const std::string name = shown_name(options) + (from_orlo ? " (its score)" : "");
-    for (const Trouble &trouble : score.troubles)
-        tell(joined({name, trouble.line > 0 ? ":" : "", trouble.line > 0 ? std::to_string(trouble.line) : "", ": ", trouble.text}));
+    for (const Trouble &trouble : score.troubles) {
+        std::string place = name;
+        if (trouble.line > 0)
+            place += joined({":", std::to_string(trouble.line)});
+        tell(joined({place, ": ", trouble.text}));
+    }
 }
 
 bool get_score(const Options &options, Score &score)

@@ -55,7 +55,7 @@ bool take_digit_suffix(Input &in, std::int32_t *slots, const std::int32_t *other
     return true;
 }
 
-// "x" behind "no" and "op"
+// "x" after "no" and "op"
 void take_x_suffix(Input &in)
 {
     NX = peek(in) == 'x';

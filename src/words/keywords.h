@@ -29,7 +29,7 @@ inline constexpr Keyword keywords[] = {
     {'m', 'o', CMD_MO, BLOCK},
     {'m', 's', CMD_MS, BLOCK},
     {'n', 'o', TYPE_NO, BLOCK | INPUT},
-    {'o', 'd', TYPE_OD, INPUT | OUTPUT},
+    {'o', 'd', TYPE_OD, OUTPUT},
     {'o', 'p', TYPE_OP, BLOCK | INPUT | OUTPUT},
     {'p', 'f', CMD_PF, BLOCK | GLOBAL},
     {'r', 'a', CMD_RA, BLOCK},
@@ -46,10 +46,10 @@ inline constexpr Keyword keywords[] = {
     {'x', 'x', TYPE_XX, OUTPUT},
 };
 
-inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits behind "re" and "bn"
+inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits after "re" and "bn"
 
 /// Reads the keyword at the position: one character for a token, two for a word, and the suffixes of "no", "op", "re", "bn".
-/// @return true with the position behind it; false for a letter that begins no keyword or a digit suffix above MAX_SUFFIX; true
+/// @return true with the position after it; false for a letter that begins no keyword or a digit suffix above MAX_SUFFIX; true
 /// with nothing moved for another second letter, which the recognisers below keep away
 [[nodiscard]] bool get_command(std::int32_t &code, Input &in);
 
@@ -63,7 +63,7 @@ inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits behind "re" and "
 /// Whether a command of the global block stands at the position.
 [[nodiscard]] bool is_gcommand(const Input &in);
 
-/// Whether a code is that of an input type; "od" is one, which is_command keeps away from a section.
+/// Whether a code is that of an input type.
 [[nodiscard]] bool is_input_code(std::int32_t code);
 
 /// Whether "p" and a digit stand at the position.

@@ -20,7 +20,7 @@ std::int32_t last_octave = FIRST_OCTAVE; // octave of a note that is written wit
 // semitones above c of the letters a to g
 constexpr float pitch_classes[] = {9.0F, 11.0F, 0.0F, 2.0F, 4.0F, 5.0F, 7.0F};
 
-// modifiers -> { "s" | "f" | "n" | "+" | "-" }, the last two behind "nox" alone
+// modifiers -> { "s" | "f" | "n" | "+" | "-" }, the last two after "nox" alone
 bool take_modifiers(float &pitch_class, Input &in)
 {
     for (;; ++in.pos) { // ends with the line
@@ -139,7 +139,6 @@ bool in_limits(char c)
     case TYPE_DB:
     case TYPE_RE:
     case TYPE_RH:
-    case TYPE_TR: // of output alone: no section reads it, but the answer stands
         return digit || sign || last || c == '.';
     case TYPE_IN:
         return digit || sign;

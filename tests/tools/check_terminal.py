@@ -103,7 +103,7 @@ def check_passed_on(view, folder):
     """Messages of orlo that orlo-view shows."""
     own = os.path.join(folder, "orlo-view")
     os.symlink(view, own)
-    messages = (b"\nInput\t= \"" + BAD + b"\"\n\nERROR: Line 2: x\n\tp4 \xc3\xa9" + BAD + b" here\n\t" + b" " * (5 + len(BAD)) + b" ^\n\nend")
+    messages = (b"\nInput\t= \"" + BAD + b"\"\n\nERROR: Line 2: x\n\tp4 \xc3\xa9" + BAD + b" here\n\t" + b" " * (5 + len(BAD)) + b" ^\nnone ^\n\nend")
     with open(os.path.join(folder, "said"), "wb") as file:
         file.write(messages)
     program = os.path.join(folder, "path")
@@ -132,7 +132,7 @@ def check_orlo(orlo, folder):
 
     safe_line = BAD.replace(b"\r", b"")
     write("line.orlo", b"i1 = 1 0 1 {\np4 n\xc3\xb6 \t" + safe_line + b" here\n}\n")
-    write("include.orlo", b'#include "' + safe_line + b'"\n')
+    write("include.orlo", b'#include |' + safe_line + b'|\n')
     for args in (["line.orlo", "out.sco"], ["include.orlo", "out.sco"], [BAD, "out.sco"], ["line.orlo", BAD + b"/x"]):
         plain = subprocess.run([orlo, *args], cwd=folder, env=run_case.environment(), capture_output=True, check=False)
         text = check_safe(args, at_terminal([orlo, *args], folder)[0])
@@ -142,6 +142,13 @@ def check_orlo(orlo, folder):
             caret = next(i for i, line in enumerate(lines) if line.strip() == b"^")
             marked = lines[caret - 1][len(lines[caret]) - 1:len(lines[caret])].decode()
             check_caret("orlo", text, marked)
+    write("copied.orlo", b"> f1 0 8 " + safe_line + b"\n" + b"i1 = 3 0 1 {\np2 1\np3 1\n}\n")
+    written = ["/dev/stdout", "copied.orlo", "out.sco"]  # trace, log and score that are a terminal
+    for args in (["-x", *written], ["-l", *written], [written[1], written[0]]):
+        text = check_safe(args, at_terminal([orlo, *args], folder, ("stdout",))[0])
+        in_line = SAFE.replace("\u240d", "")[:-3] + " \ufffd\ufffd"  # a line of the input has no 0xFF
+        expect(in_line in text or "-l" in args, f"orlo {args}: {text!r}")
+    expect("out.sco" in text or "i1 " in text, f"orlo: no score at the terminal: {text!r}")
 
 
 def main():

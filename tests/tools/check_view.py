@@ -20,6 +20,9 @@ import run_case
 PIECE = "i1 = 4 0 2 {\np2 1\np3 1\np4(op) no c4 e\n}\n"
 SLOW_ORLO = "#!/bin/sh\ntrap '' INT HUP\nsleep 60 &\nchild=$!\ntrap 'kill $child; echo ended >ended; exit 1' TERM\necho >started\nwait\n"
 LOUD_ORLO = "#!/bin/sh\nhead -c 1500000 /dev/zero | tr '\\0' x\nexit 3\n"
+LARGE_ORLO = "#!/bin/sh\ntruncate -s 1000000000 \"$3\"\n"
+FAILING_ORLO = "#!/bin/sh\nexit 3\n"
+STUBBORN_ORLO = "#!/bin/sh\ntrap '' TERM\necho $$ >started\nwhile :; do sleep .05; done\n"
 KILLED_ORLO = "#!/bin/sh\nkill -KILL $$\n"
 
 faults = []
@@ -81,6 +84,37 @@ def check_signals(view):
         expect(status == -number, f"signal {number}: status {status}")
         expect(place.left() == [], f"signal {number}: left over: {place.left()}")
         expect(wait_until(lambda: place.has("ended")), f"signal {number}: orlo goes on")
+
+
+def check_stubborn_orlo(view):
+    """An orlo that does not end when it is asked to is made to."""
+    place = Place(view, STUBBORN_ORLO)
+    with subprocess.Popen([place.view, "-f", "txt", "piece.orlo"], cwd=place.path, env=place.env) as run:
+        expect(wait_until(lambda: place.has("started")), "orlo beside orlo-view was not started")
+        run.send_signal(signal.SIGTERM)
+        status = run.wait(timeout=30)
+    with open(os.path.join(place.path, "started"), encoding="ascii") as file:
+        process = int(file.read())
+    expect(status == -signal.SIGTERM and not os.path.exists(f"/proc/{process}"), f"an orlo that does not end: {status}")
+    expect(place.left() == [], f"an orlo that does not end: left over: {place.left()}")
+
+
+def check_killed_view(view):
+    """Where the system can tell, orlo also ends with an orlo-view that can't clear away any more."""
+    if not sys.platform.startswith("linux"):
+        return
+    place = Place(view, SLOW_ORLO)
+    with subprocess.Popen([place.view, "-f", "txt", "piece.orlo"], cwd=place.path, env=place.env) as run:
+        expect(wait_until(lambda: place.has("started")), "orlo beside orlo-view was not started")
+        run.kill()
+    expect(wait_until(lambda: place.has("ended")), "orlo-view is killed: orlo goes on")
+
+
+def check_ignored_child(view):
+    """A caller that ignores its children's ends does not hide that orlo has failed."""
+    place = Place(view, FAILING_ORLO)
+    done = place.run("-f", "txt", "piece.orlo", preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
+    expect(done.returncode == 1 and "made no score" in done.stderr, f"children's ends are ignored: {done}")
 
 
 def check_ignored_signal(view):
@@ -183,6 +217,18 @@ def check_want(view):
     expect(done.returncode == 1 and done.stderr == "orlo-view: not enough memory\n", f"more than the system has: {done}")
 
 
+def check_want_for_score(view):
+    """No more memory can be had for the score that orlo has made."""
+    with open(view, "rb") as file:
+        if b"__asan_init" in file.read():
+            return
+    place = Place(view, LARGE_ORLO)
+    done = subprocess.run(["bash", "-c", "ulimit -v 600000; exec ./orlo-view -f txt piece.orlo"], cwd=place.path, env=place.env,
+                          text=True, capture_output=True, check=False)
+    expect(done.returncode == 1 and "not enough memory" in done.stderr, f"no more memory for a score: {done}")
+    expect(place.left() == [], f"no more memory for a score: left over: {place.left()}")
+
+
 def check_size(view):
     place = Place(view)
     path = os.path.join(place.path, "large.sco")
@@ -200,12 +246,16 @@ def main():
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, signal.SIG_DFL)  # what this test's caller ignores its children would ignore, too
     check_signals(options.view)
+    check_stubborn_orlo(options.view)
+    check_killed_view(options.view)
+    check_ignored_child(options.view)
     check_ignored_signal(options.view)
     check_programs(options.view, os.path.abspath(options.orlo))
     check_pipes(options.view)
     check_mode(options.view)
     check_onto_itself(options.view)
     check_want(options.view)
+    check_want_for_score(options.view)
     check_size(options.view)
     print("\n".join(faults or ["signals, programs, pipes and sizes are as they should be"]))
     return 1 if faults else 0

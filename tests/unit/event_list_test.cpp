@@ -80,7 +80,7 @@ TEST_F(EventList, ANewEventIsAllZero)
     EXPECT_EQ(0.0F, event->start);
     EXPECT_EQ(0.0F, event->dur);
     EXPECT_EQ(0.0F, event->beat);
-    for (int i = 0; i < 128; ++i)
+    for (int i = 0; i < 125; ++i)
         EXPECT_EQ(0.0F, event->pf[i]) << i;
     FreeEvent(event);
 }

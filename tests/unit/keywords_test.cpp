@@ -177,16 +177,6 @@ TEST_F(Keywords, HaveTheirPlaces)
     EXPECT_FALSE(is_pfield(line_of("x4")));
 }
 
-TEST_F(Keywords, TheRateMayBeSetAmongCommands)
-{
-    Input   in   = line_of("(48000)");
-    Event  *none = nullptr;
-    Section section{none, nullptr, nullptr, true, false};
-    EXPECT_EQ(OK, do_commands(CMD_SR, section, in));
-    EXPECT_EQ(48000U, SRATE);
-    EXPECT_EQ(7U, in.pos);
-}
-
 TEST_F(Keywords, ATypeOfOutputIsNoneOfInput)
 {
     IN_TYPE     = TYPE_HZ;

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <string>
 
 namespace {
@@ -194,6 +195,29 @@ TEST(MidiReader, ReadsAsManyNotesAsItMay)
     EXPECT_EQ(past.events.size(), 1U);
     ASSERT_EQ(past.troubles.size(), 1U);
     EXPECT_EQ(past.troubles[0].text, "track 1: more than 1 notes: the rest is left out");
+}
+
+TEST(Door, LetsNothingInThatIsOutOfBounds)
+{
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    Score            score;
+    score.values = {1, 0, 1, -LARGEST_VALUE, none, std::nextafter(LARGEST_VALUE, HUGE_VAL), -HUGE_VAL};
+    for (const double time : {0.0, 1.0, LARGEST_TIME}) {
+        EXPECT_TRUE(enters(score, {0, 5, 0, time, 0, 1}, "")) << time;
+        EXPECT_TRUE(enters(score, {0, 5, 0, 0, time, 1}, "")) << time;
+    }
+    EXPECT_TRUE(score.troubles.empty());
+    for (const double time : {-4.9e-324, std::nextafter(LARGEST_TIME, HUGE_VAL), HUGE_VAL, -HUGE_VAL, none}) {
+        EXPECT_FALSE(enters(score, {0, 5, 0, time, 0, 1}, "")) << time;
+        EXPECT_FALSE(enters(score, {0, 5, 0, 0, time, 1}, "")) << time;
+    }
+    EXPECT_EQ(score.troubles.size(), 10U);
+    EXPECT_TRUE(enters(score, {0, 7, 0, 0, 1, 4}, "track 3: "));
+    ASSERT_EQ(score.troubles.size(), 12U);
+    EXPECT_EQ(score.troubles[10].text, "track 3: p6 is beyond 1e300, and left out");
+    EXPECT_EQ(score.troubles[11].text, "track 3: p7 is beyond 1e300, and left out");
+    EXPECT_EQ(score.values[3], -LARGEST_VALUE);
+    EXPECT_TRUE(std::isnan(score.values[5]) && std::isnan(score.values[6]));
 }
 
 // a track of rests of 2^28 - 1 ticks, each 16.777215 seconds, and a note

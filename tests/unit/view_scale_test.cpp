@@ -64,6 +64,12 @@ TEST(NiceTicks, HaveDigitsEnough)
     EXPECT_EQ("0 2e-09 4e-09", labels(nice_ticks({0, 5e-9}, 4)));
 }
 
+TEST(NiceTicks, HaveSixteenDigitsAtMost)
+{
+    EXPECT_EQ("100000000000000", nice_ticks({1e14, 1e14 + 0.109375}, 6)[1].label); // 1e14 + .02
+    EXPECT_EQ("100000000000000.1", nice_ticks({1e14, 1e14 + 0.109375}, 6)[5].label);
+}
+
 TEST(NiceTicks, AreOneWhereNothingDiffers)
 {
     EXPECT_EQ("0.318", labels(nice_ticks({0.318, 0.318}, 4)));

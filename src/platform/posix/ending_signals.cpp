@@ -4,6 +4,11 @@
 #include "platform/ending_signals.h"
 
 #include <csignal>
+#include <unistd.h>
+
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 
 namespace orlo {
 namespace {
@@ -67,6 +72,15 @@ void on_ending_signal(ClearAway clear_away)
     clear_away_first = clear_away;
     change_handlers(SIG_DFL, clear_away_and_end);
     release_ending_signals();
+}
+
+void end_with_parent([[maybe_unused]] int parent)
+{
+#ifdef __linux__
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() != parent)
+        static_cast<void>(std::raise(SIGTERM));
+#endif
 }
 
 void let_signals_end() { change_handlers(clear_away_and_end, SIG_DFL); }

@@ -42,7 +42,7 @@ std::string_view take_to(std::string_view &text, std::string_view mark)
     return taken;
 }
 
-// a number behind blanks; NOT_TOLD where a word stands, as "max"
+// a number after blanks; NOT_TOLD where a word stands, as "max"
 std::uint64_t number_of(std::string_view text)
 {
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
@@ -53,8 +53,8 @@ std::uint64_t number_of(std::string_view text)
 
 std::uint64_t number_in(const std::string &name) { return number_of(text_of(name)); }
 
-// the number behind a word that begins a line; otherwise where there is no such line
-std::uint64_t number_behind(std::string_view word, std::string_view text, std::uint64_t otherwise)
+// the number after a word that begins a line; otherwise where there is no such line
+std::uint64_t number_after(std::string_view word, std::string_view text, std::uint64_t otherwise)
 {
     while (!text.empty()) {
         const std::string_view line = take_to(text, "\n");
@@ -78,7 +78,7 @@ std::uint64_t below(std::uint64_t limit, std::uint64_t used, std::uint64_t cache
 std::uint64_t left_in_group_1(const std::string &group, std::uint64_t swap)
 {
     const std::string   stat  = text_of(group + "/memory.stat");
-    const std::uint64_t cache = sum(number_behind("total_inactive_file ", stat, 0), number_behind("total_active_file ", stat, 0));
+    const std::uint64_t cache = sum(number_after("total_inactive_file ", stat, 0), number_after("total_active_file ", stat, 0));
     const std::uint64_t memory =
         below(number_in(group + "/memory.limit_in_bytes"), number_in(group + "/memory.usage_in_bytes"), cache);
     const std::uint64_t both =
@@ -89,7 +89,7 @@ std::uint64_t left_in_group_1(const std::string &group, std::uint64_t swap)
 std::uint64_t left_in_group_2(const std::string &group, std::uint64_t swap)
 {
     const std::string   stat   = text_of(group + "/memory.stat");
-    const std::uint64_t cache  = sum(number_behind("inactive_file ", stat, 0), number_behind("active_file ", stat, 0));
+    const std::uint64_t cache  = sum(number_after("inactive_file ", stat, 0), number_after("active_file ", stat, 0));
     const std::uint64_t used   = number_in(group + "/memory.current");
     const std::uint64_t high   = below(number_in(group + "/memory.high"), used, cache);
     const std::uint64_t memory = below(number_in(group + "/memory.max"), used, cache);
@@ -203,8 +203,8 @@ std::uint64_t memory_left(const std::string &root) noexcept
 {
     try {
         const std::string   system = text_of(root + "/proc/meminfo");
-        const std::uint64_t memory = kibibytes(number_behind("MemAvailable:", system, NOT_TOLD));
-        const std::uint64_t swap   = kibibytes(number_behind("SwapFree:", system, 0));
+        const std::uint64_t memory = kibibytes(number_after("MemAvailable:", system, NOT_TOLD));
+        const std::uint64_t swap   = kibibytes(number_after("SwapFree:", system, 0));
         return std::min(sum(memory, swap), left_in_groups(root, swap));
     } catch (const std::bad_alloc &) {
         return NOT_TOLD;

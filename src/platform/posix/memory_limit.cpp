@@ -22,7 +22,7 @@ std::uint64_t bytes_held()
     std::FILE *file = std::fopen("/proc/self/statm", "r");
     if (file == nullptr)
         return 0;
-    std::uint64_t pages = 0; // behind size, resident, shared, text and lib
+    std::uint64_t pages = 0; // after size, resident, shared, text and lib
     const bool    read  = std::fscanf(file, "%*u %*u %*u %*u %*u %" SCNu64, &pages) == 1;
     std::fclose(file);
     return read ? pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) : 0;

@@ -7,6 +7,7 @@
 
 #include "platform/ending_signals.h"
 #include "platform/output_files.h"
+#include "platform/terminal.h"
 
 #include <algorithm>
 #include <atomic>
@@ -97,7 +98,7 @@ void put_on_screen(const char *text, std::size_t length)
 void gather_screen()
 {
     screen = fileno(stderr);
-    if (gathering || screen < 0 || isatty(screen) != 0 || is_output(stderr))
+    if (gathering || screen < 0 || is_terminal(stderr) || is_output(stderr))
         return;
     gathering = true;
     change_handlers(SIG_DFL, show_and_end);

@@ -11,7 +11,7 @@ void secure_standard_streams()
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     int number = 0;
-    do // ends behind the standard streams, or when no file can be opened
+    do // ends after the standard streams, or when no file can be opened
         number = open("/dev/null", O_RDWR);
     while (number >= 0 && number <= STDERR_FILENO);
     if (number >= 0)
