@@ -167,14 +167,14 @@ std::string path_below(std::string root, const std::string &path)
     return inside ? path.substr(root.size()) : "";
 }
 
-std::uint64_t left_in_mount(const std::string &root, const Mount &mount, std::string path, std::uint64_t swap)
+std::uint64_t left_in_mount(const std::string &root, const Mount &mount, const std::string &path, std::uint64_t swap)
 {
-    path               = path_below(mount.root, path);
-    std::uint64_t left = NOT_TOLD;
-    for (;; path.resize(path.rfind('/'))) { // ends with the path
-        const std::string group = root + mount.point + path;
-        left                    = std::min(left, mount.version_1 ? left_in_group_1(group, swap) : left_in_group_2(group, swap));
-        if (path.empty())
+    const std::string point = root + mount.point;
+    std::string       group = point + path_below(mount.root, path);
+    std::uint64_t     left  = NOT_TOLD;
+    for (;; group.resize(group.rfind('/'))) { // ends at the point: every part of the path begins with a slash
+        left = std::min(left, mount.version_1 ? left_in_group_1(group, swap) : left_in_group_2(group, swap));
+        if (group.size() <= point.size())
             return left;
     }
 }
