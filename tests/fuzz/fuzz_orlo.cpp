@@ -39,17 +39,19 @@ namespace {
 
 constexpr std::uint64_t MOST_ALLOCATIONS = 20000;  // of a run that asks for no other number
 constexpr std::uint64_t TOP_ALLOCATIONS  = 250000; // of any run
+constexpr std::size_t   EVENT_SIZE       = 64;     // bytes, about those of an event
 
 bool          counting    = false; // a run is on its way
 std::uint64_t allocations = 0;     // that may still succeed in it
 
-bool may_allocate()
+// a large piece, which many events share, counts as many allocations
+bool may_allocate(std::size_t size)
 {
     if (!counting)
         return true;
     if (allocations == 0)
         return false;
-    --allocations;
+    allocations -= std::min<std::uint64_t>(allocations, 1 + size / EVENT_SIZE);
     return true;
 }
 
@@ -66,13 +68,13 @@ int        fuzz_mkstemp(char *name);
 int        fuzz_remove(const char *name);
 }
 
-void *fuzz_malloc(std::size_t size) { return may_allocate() ? std::malloc(size) : nullptr; }
+void *fuzz_malloc(std::size_t size) { return may_allocate(size) ? std::malloc(size) : nullptr; }
 
-void *fuzz_calloc(std::size_t count, std::size_t size) { return may_allocate() ? std::calloc(count, size) : nullptr; }
+void *fuzz_calloc(std::size_t count, std::size_t size) { return may_allocate(count * size) ? std::calloc(count, size) : nullptr; }
 
 void *fuzz_new(std::size_t size)
 {
-    if (!may_allocate())
+    if (!may_allocate(size))
         throw std::bad_alloc{};
     return ::operator new(size);
 }
