@@ -129,5 +129,49 @@ TEST_F(Block, P2StartsAtTheBlocksTempo)
     EXPECT_FLOAT_EQ(10.0F * 60.0F / 90.0F, STIME);
 }
 
+TEST_F(Block, ARunStartsAfresh)
+{
+    I_NO     = 7;
+    STIME    = 1.0F;
+    SBEAT    = 2.0F;
+    BEATS    = 3.0F;
+    ETIME    = 4.0F;
+    MAX_DEV  = 0.5F;
+    EVENTS   = 5;
+    P_NO     = 6;
+    CBEATS   = 7.0F;
+    LAST_VAL = 8.0F;
+    IN_LOOP  = true;
+    NX       = true;
+    PFACTOR  = 9.0F;
+    IS_FUSED = 1;
+    fill(1); // the last event with a value
+    reset_block();
+    for (const float zero : {STIME, SBEAT, BEATS, ETIME, MAX_DEV, MAX_DEV2, CBEATS, LAST_VAL})
+        EXPECT_EQ(0.0F, zero);
+    for (const std::int32_t zero : {I_NO, P_NO, IS_FUSED})
+        EXPECT_EQ(0, zero);
+    for (const bool off : {IN_LOOP, NX, WROTE_DATA})
+        EXPECT_FALSE(off);
+    EXPECT_EQ(0U, EVENTS);
+    EXPECT_EQ(0U, EVENT_NO);
+    EXPECT_EQ(1.0F, PFACTOR);
+    EXPECT_EQ(nullptr, LUT);
+}
+
+TEST_F(Block, ARunStartsWithoutPFields)
+{
+    ASSERT_TRUE(make_pfield_record(9));
+    DID_P[3]   = true;
+    DID_P[128] = true;
+    reset_pfields();
+    EXPECT_EQ(0, MAX_PFIELDS);
+    EXPECT_FALSE(DID_P[3]);
+    EXPECT_FALSE(DID_P[128]);
+    EXPECT_EQ(nullptr, OUTS);
+    EXPECT_EQ(nullptr, RE_FW);
+    EXPECT_EQ(nullptr, FFT_SZ);
+}
+
 } // namespace
 } // namespace orlo

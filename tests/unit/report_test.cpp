@@ -20,7 +20,7 @@ class Report : public testing::Test {
     static void reset()
     {
         reset_switches();
-        fllog = nullptr;
+        reset_report();
     }
 
     // the log of a call, whose screen must show the same
@@ -295,6 +295,27 @@ TEST_F(Report, AnErrorBeforeTheLogIsOpenGoesToTheScreen)
 {
     MKLOG = true;
     EXPECT_EQ("\n\nERROR: Line 4: Yikes, out of memory!\np4\n^\n", screen_of([] { error_no(OUT_OF_MEMORY, 4, "p4", 0); }));
+}
+
+TEST_F(Report, WhatIsSaidBeforeTheLogStartsIsItsBeginning)
+{
+    MKLOG = true;
+    EXPECT_EQ("early", screen_of([] { Mprintf("early"); }));
+    EXPECT_EQ("early", file_of([](std::FILE *file) {
+                  start_log(file);
+                  end_log();
+              }));
+}
+
+TEST_F(Report, ARunHasNothingOfTheRunBeforeItInItsLog)
+{
+    MKLOG = true;
+    EXPECT_EQ("early", screen_of([] { Mprintf("early"); }));
+    reset_report();
+    EXPECT_EQ("", file_of([](std::FILE *file) {
+                  start_log(file);
+                  end_log();
+              }));
 }
 
 } // namespace

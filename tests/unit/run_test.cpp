@@ -1,5 +1,6 @@
 #include "driver/run.h"
 
+#include "driver/options.h"
 #include "platform/temporary_file.h"
 #include "support.h"
 
@@ -23,6 +24,14 @@ TEST(Run, ThatMayOpenNoFileSaysSo)
         EXPECT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
     });
     EXPECT_EQ("\nERROR: Can't open \"in.orlo\".\n\n", screen);
+}
+
+TEST(Options, ARunStartsWithoutNames)
+{
+    in_fname = out_fname = log_fname = exp_fname = "name";
+    reset_options();
+    for (const char *name : {in_fname, out_fname, log_fname, exp_fname})
+        EXPECT_EQ(nullptr, name);
 }
 
 TEST(TemporaryFile, IsThereFromItsCreationToItsRemoval)
