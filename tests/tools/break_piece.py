@@ -1,7 +1,7 @@
 """No broken piece may break the program: break_piece.py --forked PROGRAM --piece FILE [--truncate] [--replace N | --all]
 
 Makes broken variants of a piece, by cutting it off at every byte or by replacing one byte by another, and runs each.
-PROGRAM is tests/forked, which runs orlo in a process of its own for each variant.
+PROGRAM is tests/forked, which runs many variants in one process.
 Every run must end by itself within two seconds with status 0 or 1, and say something when it is 1; a signal, another
 status or a sanitizer's report is a failure. The first failing variants are kept in a folder that is named at the end.
 Files that the piece includes are found by their names, beside the piece, and stay whole.
@@ -66,7 +66,11 @@ class Runs:
         return int(self.process.stdout.readline()), read_file(os.path.join(self.folder, "screen"))
 
     def end(self):
-        self.process.communicate()
+        """Ends the runs; what their last process ended with, leaks among it, is a failure of all."""
+        status = self.process.communicate()[0].strip()
+        if status not in ("", "0"):
+            sys.exit(f"a process ended with {status} after its runs:\n"
+                     + read_file(os.path.join(self.folder, "screen")).decode(errors="replace"))
 
 
 def judge(variant, status, screen):
