@@ -24,17 +24,16 @@ FULL, TENTH = "", ".tenth"
 BEFORE = "before"
 MOST_BYTES = 44  # an event of five p-fields
 
-# options of orlo, and floor programs: the first is the one of the target, which is so much of its time or, where there is none, of
-# that of the program before
-Work = collections.namedtuple("Work", "name options floors most")
+# options of orlo, floor programs, and the target: so much of the time of a floor, or of the program before
+Work = collections.namedtuple("Work", "name options floors most beside")
 WORKS = [
-    Work("repeated", ["-s"], ["print", "write"], .20),
-    Work("many", ["-s"], [], None),
-    Work("drawn", ["-s"], ["print", "write"], .25),
-    *(Work(name, ["-s"], ["print"], {"s2": .25, "ms": .28}.get(name, .20)) for name in make_inputs.SECTIONS),
-    Work("lines", ["-s"], ["copy"], 2.4),
-    Work("calls", ["-s"], [], .5),
-    *(Work(name, ["-m"], ["trace"], .5) for name in ("midi-apart", "midi-held", "midi-chords")),
+    Work("repeated", ["-s"], ["print", "write"], .20, "print"),
+    Work("many", ["-s"], [], None, None),
+    Work("drawn", ["-s"], ["print", "write"], .25, "print"),
+    *(Work(name, ["-s"], ["print"], {"s2": .25, "ms": .28}.get(name, .20), "print") for name in make_inputs.SECTIONS),
+    Work("lines", ["-s"], ["copy"], 2.4, "copy"),
+    Work("calls", ["-s"], [], .5, BEFORE),
+    *(Work(name, ["-m"], ["trace"], .5, BEFORE) for name in ("midi-apart", "midi-held", "midi-chords")),
 ]
 GROWTH = [("repeated", TENTH, 1.2), ("many", "repeated", 1.1)]  # what an event costs, as against in a run of a tenth of the size
 
@@ -54,7 +53,11 @@ class Bench:
         return os.path.join(self.folder, name)
 
     def run(self, command, screen):
-        """CPU seconds and peak memory in bytes of a command whose standard error goes into a file."""
+        """CPU seconds and peak memory in bytes of a command whose last argument is its result, if it has one, and whose standard
+        error goes into a file. What a run before left there is taken away: emptying a large file takes its time too."""
+        for path in (command[-1], screen):
+            if path.endswith((".out", ".screen")) and os.path.exists(path):
+                os.remove(path)
         result = subprocess.run([self.measure, screen, *command], stdout=subprocess.PIPE, text=True, check=False)
         if result.returncode != 0:
             sys.exit(f"{' '.join(command)} ended with {result.returncode}")
@@ -109,7 +112,7 @@ class Bench:
             self.run_orlo(work, FULL)
             for floor in work.floors:
                 self.run_floor(work, floor)
-            if self.before and (not work.floors or "trace" in work.floors):
+            if self.before and work.beside == BEFORE:
                 self.run_before(work)
             self.run_orlo(work, TENTH)
 
@@ -131,10 +134,9 @@ def targets(bench, works):
     """What a run must reach, for the works that were run."""
     names = [work.name for work in works]
     for work in works:
-        beside = BEFORE if (work.name, BEFORE) in bench.runs else (work.floors or [BEFORE])[0]
-        if work.most and (work.name, beside) in bench.runs and not (beside == "trace"):
-            yield Target(f"{work.name}: time of \"{beside}\"", bench.seconds(work.name) / bench.seconds(work.name, beside),
-                         work.most, "")
+        if (work.name, work.beside) in bench.runs:
+            yield Target(f"{work.name}: time of \"{work.beside}\"",
+                         bench.seconds(work.name) / bench.seconds(work.name, work.beside), work.most, "")
     if "repeated" in names:
         yield Target("repeated: peak memory an event", bench.bytes("repeated") / size_of("repeated"), MOST_BYTES, " bytes")
     for name, smaller, most in GROWTH:
