@@ -1,97 +1,71 @@
 // Additive feedback generator over 31 words, x[i] = x[i-3] + x[i-31] modulo 2^32, whose results are the words without their lowest
 // bit. The words start from the seed by the "minimal standard" generator 16807 * x modulo 2^31 - 1 (Park and Miller, Communications
 // of the ACM 31(10), 1988), and the first 310 results are dropped. This is the sequence of the GNU C library's rand.
-// From a draw to its uniform value both steps, the conversion and the product, never fall, so that the draws whose values lie
-// between two bounds follow each other. One of them that is waited for is looked for among whole blocks of draws, by loops that
-// the compiler can make wide.
+// Results are made in blocks. From a draw to its uniform value both steps, the conversion and the product, never fall, so that the
+// draws whose values lie between two bounds follow each other: one that is waited for is looked for by a loop over whole numbers,
+// which the compiler can make wide.
 
 #include "base/random.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 #include <limits>
 
 namespace orlo {
 namespace {
 
-constexpr int          WORDS   = 31;
-constexpr int          LAG     = 3;
-constexpr int          DROPPED = 310;
-constexpr int          SINGLE  = 64;  // draws that are made one by one, as most bounds are met soon
-constexpr std::size_t  BLOCK   = 960; // then so many at a time
+constexpr std::size_t  LAG     = 3;
+constexpr std::size_t  DROPPED = 310;
+constexpr int          SINGLE  = 64; // draws that are looked at one by one, as most bounds are met soon
 constexpr std::int32_t MAX     = std::numeric_limits<std::int32_t>::max();
 constexpr float        NONE    = -1.0F;
 constexpr DrawSpan     NO_DRAW{0, -1};
 
-static_assert(BLOCK % LAG == 0 && LAG == 3);
+static_assert(DRAW_BLOCK % LAG == 0 && LAG == 3 && DROPPED < DRAW_BLOCK);
 
-struct Generator {
-    std::array<std::uint32_t, WORDS> words;
-    int                              next;   // the oldest word, replaced by the next result
-    bool                             seeded; // false until the first seed or draw
-};
-
-Generator generator{};
-
-constexpr std::int32_t draw_of(std::uint32_t word) { return static_cast<std::int32_t>(word >> 1); }
-
-constexpr float uniform_of(std::int32_t draw) { return static_cast<float>(draw) * 4.656613e-10F; }
-
-// Results one after the other, with those before them, which make them: the oldest first.
-struct Block {
-    std::array<std::uint32_t, WORDS + BLOCK> words;
-};
-
-// puts the state of the sequence before the block
-void take_state(Block &block)
+// The results after the first words. Three sums side by side need not wait for what was just stored.
+constexpr void make_block(DrawState &state)
 {
-    const auto oldest = generator.words.begin() + generator.next;
-    std::copy(generator.words.begin(), oldest, std::copy(oldest, generator.words.end(), block.words.begin()));
-}
-
-// moves the sequence after so many results of the block
-void give_state(const Block &block, std::size_t done)
-{
-    std::copy_n(block.words.begin() + static_cast<std::ptrdiff_t>(done), WORDS, generator.words.begin());
-    generator.next = 0;
-}
-
-// The next results. Three sums side by side need not wait for what was just stored.
-void fill(Block &block)
-{
-    std::uint32_t *words = block.words.data();
-    std::uint32_t  a     = words[WORDS - 3];
-    std::uint32_t  b     = words[WORDS - 2];
-    std::uint32_t  c     = words[WORDS - 1];
-    for (std::size_t i = 0; i < BLOCK; i += LAG) {
-        words[WORDS + i]     = a += words[i];
-        words[WORDS + i + 1] = b += words[i + 1];
-        words[WORDS + i + 2] = c += words[i + 2];
+    std::uint32_t *words = state.words;
+    std::uint32_t  a     = words[DRAW_WORDS - 3];
+    std::uint32_t  b     = words[DRAW_WORDS - 2];
+    std::uint32_t  c     = words[DRAW_WORDS - 1];
+    for (std::size_t i = 0; i < DRAW_BLOCK; i += LAG) {
+        words[DRAW_WORDS + i]     = a += words[i];
+        words[DRAW_WORDS + i + 1] = b += words[i + 1];
+        words[DRAW_WORDS + i + 2] = c += words[i + 2];
     }
+    state.next = DRAW_WORDS;
+}
+
+// the first of the seeded words lie LAG places before the end: the oldest is the one after them
+constexpr DrawState seeded_with(std::uint32_t seed)
+{
+    DrawState    state{};
+    std::int64_t word = static_cast<std::int32_t>(seed == 0 ? 1 : seed);
+    for (std::size_t i = 0; i < DRAW_WORDS; ++i) {
+        state.words[(i + DRAW_WORDS - LAG) % DRAW_WORDS] = static_cast<std::uint32_t>(word);
+        word                                             = 16807 * word % 2147483647;
+        if (word < 0)
+            word += 2147483647;
+    }
+    make_block(state);
+    state.next += DROPPED;
+    return state;
 }
 
 constexpr bool lies_in(DrawSpan span, std::int32_t draw) { return (span.first <= draw) & (draw <= span.last); } // without a jump
 
-// place of the first result in the span; BLOCK when there is none
-std::size_t find_within(DrawSpan span, const Block &block)
+// place of the first of some results that lies in the span; their number when there is none
+std::size_t find_within(DrawSpan span, const std::uint32_t *results, std::size_t count)
 {
-    const std::uint32_t *results = block.words.data() + WORDS;
-    int                  found   = 0;
-    for (std::size_t i = 0; i < BLOCK; ++i)
-        found |= lies_in(span, draw_of(results[i])) ? 1 : 0;
-    std::size_t place = found != 0 ? 0 : BLOCK;
-    while (place < BLOCK && !lies_in(span, draw_of(results[place])))
+    int found = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        found |= lies_in(span, static_cast<std::int32_t>(results[i] >> 1)) ? 1 : 0;
+    std::size_t place = found != 0 ? 0 : count;
+    while (place < count && !lies_in(span, static_cast<std::int32_t>(results[place] >> 1)))
         ++place;
     return place;
-}
-
-// as draw_uniform_within, one by one
-float draw_singly(float low, float high, int most)
-{
-    for (int done = 0; done < most; ++done)
-        if (const float u = draw_uniform(); low <= u && u <= high)
-            return u;
-    return NONE;
 }
 
 // the least draw from which on a question about draws, which never turns to no again, is answered by yes; MAX + 1 when none is
@@ -109,55 +83,37 @@ template <class Question> std::int64_t first_draw(Question question)
     return first;
 }
 
-// the same in whole blocks
-float draw_in_blocks(float low, float high, int blocks)
+// as draw_uniform_within, a block at a time
+float draw_in_blocks(DrawSpan span, std::size_t most)
 {
-    const DrawSpan span = uniform_span(low, high);
-    Block          block;
-    for (; blocks > 0; --blocks) {
-        take_state(block);
-        fill(block);
-        const std::size_t place = find_within(span, block);
-        if (place < BLOCK) {
-            give_state(block, place + 1);
-            return uniform_of(draw_of(block.words[WORDS + place]));
+    while (most > 0) { // each round uses up results
+        if (draw_state.next == std::size(draw_state.words))
+            refill_draws();
+        const std::size_t count = std::min(most, std::size(draw_state.words) - draw_state.next);
+        const std::size_t place = find_within(span, draw_state.words + draw_state.next, count);
+        if (place < count) {
+            draw_state.next += place;
+            return draw_uniform();
         }
-        give_state(block, BLOCK);
+        draw_state.next += count;
+        most -= count;
     }
     return NONE;
 }
 
 } // namespace
 
-void seed_draws(std::uint32_t seed)
+constinit DrawState draw_state = seeded_with(1);
+
+void refill_draws()
 {
-    std::int64_t word  = static_cast<std::int32_t>(seed == 0 ? 1 : seed);
-    generator.words[0] = static_cast<std::uint32_t>(word);
-    for (std::size_t i = 1; i < WORDS; ++i) {
-        word = 16807 * word % 2147483647;
-        if (word < 0)
-            word += 2147483647;
-        generator.words[i] = static_cast<std::uint32_t>(word);
-    }
-    generator.next   = LAG;
-    generator.seeded = true;
-    for (int i = 0; i < DROPPED; ++i)
-        static_cast<void>(draw_int());
+    std::copy(std::end(draw_state.words) - DRAW_WORDS, std::end(draw_state.words), draw_state.words);
+    make_block(draw_state);
 }
 
-std::int32_t draw_int()
-{
-    if (!generator.seeded)
-        seed_draws(1);
-    const int      i      = generator.next;
-    const int      j      = i < LAG ? i + WORDS - LAG : i - LAG;
-    std::uint32_t &oldest = generator.words[static_cast<std::size_t>(i)];
-    oldest += generator.words[static_cast<std::size_t>(j)];
-    generator.next = i + 1 == WORDS ? 0 : i + 1;
-    return draw_of(oldest);
-}
+void seed_draws(std::uint32_t seed) { draw_state = seeded_with(seed); }
 
-float draw_uniform() { return uniform_of(draw_int()); }
+void reset_draws() { seed_draws(1); }
 
 DrawSpan uniform_span(float low, float high)
 {
@@ -168,14 +124,11 @@ DrawSpan uniform_span(float low, float high)
 
 float draw_uniform_within(float low, float high, int most)
 {
-    const int first  = std::min(most, SINGLE);
-    const int blocks = (most - first) / static_cast<int>(BLOCK);
-    float     u      = draw_singly(low, high, first);
-    if (u == NONE && blocks > 0)
-        u = draw_in_blocks(low, high, blocks);
-    return u == NONE ? draw_singly(low, high, most - first - blocks * static_cast<int>(BLOCK)) : u;
+    const int singly = std::min(most, SINGLE);
+    for (int done = 0; done < singly; ++done)
+        if (const float u = draw_uniform(); low <= u && u <= high)
+            return u;
+    return most > singly ? draw_in_blocks(uniform_span(low, high), static_cast<std::size_t>(most - singly)) : NONE;
 }
-
-void reset_draws() { generator.seeded = false; }
 
 } // namespace orlo

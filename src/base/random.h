@@ -2,18 +2,44 @@
 // everywhere.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace orlo {
 
+inline constexpr std::size_t DRAW_WORDS = 31;  // of the sequence, which make the next one
+inline constexpr std::size_t DRAW_BLOCK = 960; // results that are made at a time
+
+/// The sequence: results, after those before them that have made them, the oldest first. Here so that a draw costs no call; read
+/// and written by this room alone.
+struct DrawState {
+    std::uint32_t words[DRAW_WORDS + DRAW_BLOCK];
+    std::size_t   next; // place of the next result; all are used up at the end
+};
+extern DrawState draw_state;
+
+/// Makes the next results, when all are used up.
+void refill_draws();
+
 /// Starts the sequence of a seed; without a call the sequence is that of seed 1, and seed 0 is the same as 1.
 void seed_draws(std::uint32_t seed);
 
-/// Next number of the sequence, 0 to 2^31 - 1.
-[[nodiscard]] std::int32_t draw_int();
+/// Forgets the seed: the sequence starts again as that of seed 1.
+void reset_draws();
 
-/// Next number of the sequence times 2^-31, as a 32-bit float in [0, 1]; 1 itself comes from rounding.
-[[nodiscard]] float draw_uniform();
+/// Next number of the sequence, 0 to 2^31 - 1.
+[[nodiscard]] inline std::int32_t draw_int()
+{
+    if (draw_state.next == DRAW_WORDS + DRAW_BLOCK)
+        refill_draws();
+    return static_cast<std::int32_t>(draw_state.words[draw_state.next++] >> 1);
+}
+
+/// A number of the sequence times 2^-31, as a 32-bit float in [0, 1]; 1 itself comes from rounding.
+[[nodiscard]] constexpr float uniform_of(std::int32_t draw) { return static_cast<float>(draw) * 4.656613e-10F; }
+
+/// Next number of the sequence as a float in [0, 1].
+[[nodiscard]] inline float draw_uniform() { return uniform_of(draw_int()); }
 
 /// Draws from the first to the last; none where the first lies after the last.
 struct DrawSpan {
@@ -27,8 +53,5 @@ struct DrawSpan {
 /// As draw_uniform, called until its value lies from low to high, but so many times at most.
 /// @return the value, or -1 when none did
 [[nodiscard]] float draw_uniform_within(float low, float high, int most);
-
-/// Forgets the seed: the sequence starts again as that of seed 1.
-void reset_draws();
 
 } // namespace orlo
