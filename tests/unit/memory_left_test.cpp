@@ -253,5 +253,31 @@ TEST(MemoryLeftHere, IsToldOfThisSystemToo)
     EXPECT_LT(left, UINT64_MAX / 2);
 }
 
+TEST_F(MemoryLeft, IsNotLimitedByAGroupThatDoesNotTellItsUse)
+{
+    stand_in(MOUNTS_2, GROUPS_2);
+    put("/groups/all/some/one/memory.max", 100);
+    EXPECT_EQ(8000, left());
+    put("/groups/all/some/one/memory.current", 40);
+    EXPECT_EQ(60, left());
+}
+
+TEST_F(MemoryLeft, IsLimitedByTheRootOfGroupsAndByWhatIsMountedWhereTheGroupLiesOutside)
+{
+    limit_2("/groups", 300, 100);
+    limit_2("/outside", 9, 1);
+    for (const char *groups : {"0::/\n", "0::/../../outside\n"}) {
+        stand_in(MOUNTS_2, groups);
+        EXPECT_EQ(200, left()) << groups;
+    }
+}
+
+TEST_F(MemoryLeft, ABackslashInTheNameOfAMountMayBeNoCode)
+{
+    stand_in("25 23 0:23 / /gr\\oups\\ rw - cgroup2 cgroup2 rw\n", GROUPS_2);
+    limit_2("/gr\\oups\\/all", 70, 20);
+    EXPECT_EQ(50, left());
+}
+
 } // namespace
 } // namespace orlo

@@ -97,6 +97,9 @@ TEST_F(OutputFiles, ASparedFileStaysAsItIs)
     ASSERT_NE(nullptr, input);
     EXPECT_EQ(output, find_output(input));
     EXPECT_TRUE(is_output(input));
+    std::FILE *device = open_output("/dev/null");
+    EXPECT_EQ(output, find_output(input)); // a device is no file that is read
+    EXPECT_TRUE(close_output(device));
     spare_output(output);
     spare_output(nullptr);
     EXPECT_FALSE(begin_output(output));

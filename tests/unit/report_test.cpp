@@ -4,7 +4,11 @@
 #include "diag/messages.h"
 #include "support.h"
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <limits>
+#include <termios.h>
+#include <unistd.h>
 
 namespace orlo {
 namespace {
@@ -316,6 +320,33 @@ TEST_F(Report, ARunHasNothingOfTheRunBeforeItInItsLog)
                   start_log(file);
                   end_log();
               }));
+}
+
+TEST_F(Report, ALogOnATerminalShowsControlCharactersAlsoWhereTheScreenIsNone)
+{
+    const int         master = posix_openpt(O_RDWR | O_NOCTTY);
+    const char *const name   = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0 ? ptsname(master) : nullptr;
+    if (name == nullptr)
+        GTEST_SKIP() << "no terminal can be made";
+    std::FILE *terminal = std::fopen(name, "w");
+    termios    raw{};
+    ASSERT_EQ(0, tcgetattr(fileno(terminal), &raw));
+    cfmakeraw(&raw);
+    ASSERT_EQ(0, tcsetattr(fileno(terminal), TCSANOW, &raw));
+    MKLOG                    = true;
+    const std::string screen = screen_of([terminal] {
+        reset_report(); // the screen is that of the test
+        start_log(terminal);
+        error_no(INVALID_COMMAND, 9, "p\x1bz", 0);
+        end_log();
+    });
+    ASSERT_EQ(0, std::fclose(terminal));
+    char          text[200];
+    const ssize_t length = read(master, text, sizeof text);
+    close(master);
+    EXPECT_EQ("\n\nERROR: Line 9: Invalid command.\np\x1bz\n^\n", screen);
+    EXPECT_EQ("\n\nERROR: Line 9: Invalid command.\np\xE2\x90\x9Bz\n^\n",
+              std::string(text, length > 0 ? static_cast<std::size_t>(length) : 0));
 }
 
 } // namespace
