@@ -89,16 +89,19 @@ std::uint64_t digits_of_group(std::uint64_t number)
     return (tens | (twos - tens * 10) << 8) + 0x3030303030303030;
 }
 
+// the last 1 to GROUP digits of a group, the first one in the lowest byte; the mask says to a reader that no shift is too wide
+std::uint64_t last_digits(std::uint64_t group, int digits) { return group >> (8 * (GROUP - digits) & 63); }
+
 // as put_digits; what is written after a part is overwritten by the next one
 char *put_group(char *end, std::uint64_t number, int digits, int decimals)
 {
     const std::uint64_t group    = digits_of_group(number);
-    const std::uint64_t whole    = group >> 8 * (GROUP - digits);
+    const std::uint64_t whole    = last_digits(group, digits);
     char               *fraction = end - decimals;
     char               *start    = fraction - (digits - decimals) - (decimals > 0 ? 1 : 0);
     std::memcpy(start, &whole, GROUP);
     if (decimals > 0) {
-        const std::uint64_t rest = group >> 8 * (GROUP - decimals);
+        const std::uint64_t rest = last_digits(group, decimals);
         fraction[-1]             = '.';
         std::memcpy(fraction, &rest, GROUP);
     }
