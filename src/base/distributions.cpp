@@ -4,6 +4,7 @@
 
 #include "base/distributions.h"
 
+#include "base/observer.h"
 #include "base/random.h"
 
 #include <algorithm>
@@ -16,13 +17,20 @@ namespace {
 constexpr int   WINDOW_DRAWS = 1 << 24; // the most draws of one window step
 constexpr float LN_1000      = 6.9078F;
 
+void tell_refused(std::uint64_t draws)
+{
+    if (observer != nullptr)
+        observer->refused(draws);
+}
+
 float draw_above_zero()
 {
-    float u = 0.0F;
-    do // one value in 2^31 is refused
-        u = draw_uniform();
-    while (u == 0.0F);
-    return u;
+    for (;;) { // one value in 2^31 is refused
+        const float u = draw_uniform();
+        if (u != 0.0F)
+            return u;
+        tell_refused(1);
+    }
 }
 
 } // namespace
@@ -70,10 +78,11 @@ float gauss()
 
 float bilex()
 {
-    float w = 0.0F;
-    do // hardly any value is refused
+    float w = 2.0F * draw_uniform();
+    while (w == 0.0F || w == 2.0F) { // hardly any value is refused
+        tell_refused(1);
         w = 2.0F * draw_uniform();
-    while (w == 0.0F || w == 2.0F);
+    }
 
     double sign = 1.0;
     if (w > 1.0F) {
@@ -95,6 +104,7 @@ float beta()
         const auto  y = static_cast<float>(std::pow(static_cast<double>(v), 5.0));
         if (x + y <= 1.0F)
             return x / (x + y);
+        tell_refused(2);
     }
 }
 
@@ -108,20 +118,22 @@ float add_rdev(float value, float deviation)
     return static_cast<float>(static_cast<double>(u * amount) + static_cast<double>(-0.5F * amount) + static_cast<double>(value));
 }
 
+Window window_around(float position, float width)
+{
+    const float half = 0.5F * width;
+    const float low  = position - half;
+    const float high = position + half;
+    if (low < 0.0F)
+        return {0.0F, width};
+    if (high > 1.0F)
+        return {1.0F - width, 1.0F};
+    return {low, high};
+}
+
 float rwindow(float &position, float width)
 {
-    const float before = position;
-    const float half   = 0.5F * width;
-
-    float low  = before - half;
-    float high = before + half;
-    if (low < 0.0F) {
-        low  = 0.0F;
-        high = width;
-    } else if (high > 1.0F) {
-        high = 1.0F;
-        low  = 1.0F - width;
-    }
+    const float before     = position;
+    const auto [low, high] = window_around(position, width);
     if (low == high) {
         static_cast<void>(draw_uniform());
         return before;

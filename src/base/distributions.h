@@ -27,6 +27,15 @@ enum class Range : int { uniform, low, high, triangular, gaussian, bilateral, be
 /// A value moved at random by up to half of deviation * value to either side. Always one draw.
 [[nodiscard]] float add_rdev(float value, float deviation);
 
+/// A part of [0, 1].
+struct Window {
+    float low;
+    float high;
+};
+
+/// The window of a width around a position, shifted to lie in [0, 1].
+[[nodiscard]] Window window_around(float position, float width);
+
 /// Moves a position inside [0, 1] to a uniform draw in a window around it that is shifted to lie in [0, 1].
 /// One draw per attempt; at most 2^24 attempts, after which the position stays.
 /// @return the position before the move

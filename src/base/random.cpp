@@ -109,7 +109,10 @@ void refill_draws()
 {
     std::copy(std::end(draw_state.words) - DRAW_WORDS, std::end(draw_state.words), draw_state.words);
     make_block(draw_state);
+    draw_state.past += DRAW_BLOCK;
 }
+
+std::uint64_t draws_made() { return draw_state.past + draw_state.next - DRAW_WORDS - DROPPED; }
 
 void seed_draws(std::uint32_t seed) { draw_state = seeded_with(seed); }
 

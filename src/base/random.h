@@ -15,6 +15,7 @@ inline constexpr std::size_t DRAW_BLOCK = 960; // results that are made at a tim
 struct DrawState {
     std::uint32_t words[DRAW_WORDS + DRAW_BLOCK];
     std::size_t   next; // place of the next result; all are used up at the end
+    std::uint64_t past; // results that were used up with earlier blocks
 };
 extern DrawState draw_state;
 
@@ -26,6 +27,9 @@ void seed_draws(std::uint32_t seed);
 
 /// Forgets the seed: the sequence starts again as that of seed 1.
 void reset_draws();
+
+/// Numbers of the sequence that have been drawn since it was started.
+[[nodiscard]] std::uint64_t draws_made();
 
 /// Next number of the sequence, 0 to 2^31 - 1.
 [[nodiscard]] inline std::int32_t draw_int()

@@ -8,6 +8,7 @@
 
 #include "base/distributions.h"
 #include "base/numerics.h"
+#include "base/observer.h"
 #include "base/switches.h"
 #include "ddf/expression.h"
 #include "ddf/generator.h"
@@ -54,8 +55,11 @@ template <typename Data> int get_sets(Data &data, Frame &frame, Input &in)
     ++in.pos;
     if (traits<Data>.weighted && !hundred_percent(frame.weights.data(), static_cast<int>(frame.weights.size())))
         return BAD_WEIGHTS;
+    tell_command_read(in);
     return OK;
 }
+
+// The loops stand twice, so that a run that nobody looks at pays nothing for it: told says which.
 
 // index of the set that makes the next value; one draw
 std::size_t choose_set(const Frame &frame)
@@ -65,15 +69,19 @@ std::size_t choose_set(const Frame &frame)
 }
 
 // one event of p2: 0, BLOCK_FULL or an error
-template <typename Data> int insert_DDFp2(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
+template <typename Data, bool told>
+int insert_DDFp2(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
 {
     if (out_of_time()) {
         truncate(section, in);
         return BLOCK_FULL;
     }
-    float value = 0.0F;
-    if (const int error = make_value(data, choose_set(frame), place, value))
+    const std::size_t set   = choose_set(frame);
+    float             value = 0.0F;
+    if (const int error = make_value(data, set, place, value))
         return error;
+    if constexpr (told)
+        observer->set_chosen(set);
     LAST_VAL            = value;
     const float seconds = to_tempo(value);
     if (!store_start(section, value, seconds))
@@ -86,14 +94,14 @@ template <typename Data> int insert_DDFp2(Data &data, const Frame &frame, Place 
     return OK;
 }
 
-template <typename Data> int fill_p2_beats(Data &data, const Frame &frame, Section &section, const Input &in)
+template <typename Data, bool told> int fill_p2_beats(Data &data, const Frame &frame, Section &section, const Input &in)
 {
     Place place{};
     place.span = frame.span;
     for (int stalled = 0; place.elapsed < frame.span;) { // at most MOST_STALLED_STEPS steps that do not move on
         const float elapsed = place.elapsed;
         const float beats   = CBEATS;
-        if (const int result = insert_DDFp2(data, frame, place, section, in))
+        if (const int result = insert_DDFp2<Data, told>(data, frame, place, section, in))
             return result == BLOCK_FULL ? OK : result;
         const bool moved = place.elapsed > elapsed || CBEATS > beats;
         stalled          = moved ? 0 : stalled + 1;
@@ -104,14 +112,14 @@ template <typename Data> int fill_p2_beats(Data &data, const Frame &frame, Secti
 }
 
 // a full block is reported at every step that is left
-template <typename Data> int fill_p2_events(Data &data, const Frame &frame, Section &section, const Input &in)
+template <typename Data, bool told> int fill_p2_events(Data &data, const Frame &frame, Section &section, const Input &in)
 {
     Place place{};
     place.span   = frame.span;
     place.count  = count_of(frame.span);
     int warnings = 0;
     for (std::uint64_t step = 0; step < place.count && warnings < MOST_FULL_WARNINGS; ++step) { // goes by the count
-        const int result = insert_DDFp2(data, frame, place, section, in);
+        const int result = insert_DDFp2<Data, told>(data, frame, place, section, in);
         if (result == BLOCK_FULL)
             ++warnings;
         else if (result != OK)
@@ -125,29 +133,31 @@ int store_generated(Section &section, const Input &in, float value)
     if (IN_TYPE == TYPE_IN)
         value = RoundF(value);
     LAST_VAL = value;
-    if (P_NO == 3)
-        store_p3(section, in, value);
-    else if (!store_value(section, value))
-        return OUT_OF_MEMORY;
+    if (const int error = store_made(section, in, value))
+        return error;
     return keep_for_loop(section, value);
 }
 
 // one event from p3 up, with its chord members when the generator makes groups
-template <typename Data> int fill_event(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
+template <typename Data, bool told> int fill_event(Data &data, const Frame &frame, Place &place, Section &section, const Input &in)
 {
     const std::size_t set = choose_set(frame);
     if constexpr (traits<Data>.groups) {
+        if constexpr (told)
+            observer->set_chosen(set);
         return store_group(data, set, section);
     } else {
         place.event = section.cursor->next;
         float value = 0.0F;
         if (const int error = make_value(data, set, place, value))
             return error;
+        if constexpr (told)
+            observer->set_chosen(set);
         return store_generated(section, in, value);
     }
 }
 
-template <typename Data> int fill_events(Data &data, const Frame &frame, Section &section, const Input &in)
+template <typename Data, bool told> int fill_events(Data &data, const Frame &frame, Section &section, const Input &in)
 {
     Place place{};
     place.span  = frame.span;
@@ -157,12 +167,21 @@ template <typename Data> int fill_events(Data &data, const Frame &frame, Section
             truncate(section, in);
             return OK;
         }
-        if (const int error = fill_event(data, frame, place, section, in))
+        if (const int error = fill_event<Data, told>(data, frame, place, section, in))
             return error;
         ++place.index;
         ++EVENT_NO;
     }
     return OK;
+}
+
+template <typename Data, bool told> int fill(Data &data, const Frame &frame, Section &section, const Input &in)
+{
+    if constexpr (!traits<Data>.groups)
+        if (P_NO == 2)
+            return frame.span < 0.0F ? fill_p2_events<Data, told>(data, frame, section, in)
+                                     : fill_p2_beats<Data, told>(data, frame, section, in);
+    return fill_events<Data, told>(data, frame, section, in);
 }
 
 template <typename Data> int generate(Section &section, Input &in)
@@ -173,10 +192,7 @@ template <typename Data> int generate(Section &section, Input &in)
         return error;
     if (const int error = get_sets(data, frame, in))
         return error;
-    if constexpr (!traits<Data>.groups)
-        if (P_NO == 2)
-            return frame.span < 0.0F ? fill_p2_events(data, frame, section, in) : fill_p2_beats(data, frame, section, in);
-    return fill_events(data, frame, section, in);
+    return section.way == Way::observed ? fill<Data, true>(data, frame, section, in) : fill<Data, false>(data, frame, section, in);
 }
 
 int generate_by_code(Code code, Section &section, Input &in)

@@ -23,10 +23,11 @@ bool is_reference(const Input &in) { return lower(peek(in)) == 'p'; }
 // reference -> "p" digits
 int get_reference(Term &term, Input &in)
 {
-    ++in.pos;
+    const std::uint32_t begin = in.pos++;
     if (!get_i(term.pfield, in))
         return BAD_P_NUMBER;
     const bool usable = term.pfield >= 2 && term.pfield <= MAX_PFIELDS && term.pfield != P_NO && DID_P[term.pfield];
+    tell_number(in, Part::pfield, static_cast<double>(term.pfield), begin);
     return usable ? OK : BAD_EX_PFIELD;
 }
 
@@ -38,7 +39,11 @@ int get_term(Term &term, Input &in)
         return BAD_OPERATION;
     if (is_reference(in))
         return get_reference(term, in);
-    return get_f(term.constant, in) ? OK : BAD_VALUE;
+    const std::uint32_t begin = in.pos;
+    if (!get_f(term.constant, in))
+        return BAD_VALUE;
+    tell_number(in, Part::constant, static_cast<double>(term.constant), begin);
+    return OK;
 }
 
 // operation -> ( "+" | "-" | "*" | "/" | "%" ) term
@@ -51,6 +56,7 @@ int get_operation(Equation &equation, Input &in)
         return OUT_OF_BOUNDS;
     Operation operation{peek(in), {}};
     ++in.pos;
+    tell_number(in, Part::operation, static_cast<double>(operation.op), in.pos - 1);
     if (const int error = get_term(operation.term, in))
         return error;
     if (operation.op == '/') {
@@ -96,6 +102,7 @@ int get_mode(Equation &equation, Input &in)
         return OK;
     equation.rounded = c == 'i';
     ++in.pos;
+    tell_number(in, Part::rounding, equation.rounded ? 1.0 : 0.0, in.pos - 1);
     return skip_items(in);
 }
 

@@ -71,20 +71,24 @@ int get_dynfunc_dur(float &span, Input &in)
     ++in.pos;
     if (const int error = skip_items(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (peek(in) == 'T') {
         if (const int error = get_whole_block(span, in))
             return error;
     } else if (!get_f(span, in)) {
         return BAD_SPAN;
     }
+    tell_number(in, Part::span, static_cast<double>(span), begin);
     return skip_items(in);
 }
 
 int get_weight(Frame &frame, Input &in, int missing)
 {
-    float weight = 0.0F;
+    const std::uint32_t begin  = in.pos;
+    float               weight = 0.0F;
     if (!get_f(weight, in))
         return missing;
+    tell_number(in, Part::weight, static_cast<double>(weight), begin);
     frame.weights.push_back(weight);
     return skip_items(in);
 }
@@ -93,8 +97,10 @@ std::uint64_t count_of(float span) { return to_uint64(static_cast<double>(std::f
 
 bool zero_refused(float span) { return P_NO == 2 && span > 0.0F; }
 
+namespace {
+
 // range -> value | "[" [ letter ] value [ value ] "]"
-int get_range(RangeData &range, Input &in)
+int read_range(RangeData &range, Input &in)
 {
     if (peek(in) != '[') {
         range.type = static_cast<int>(Range::uniform);
@@ -128,28 +134,60 @@ int get_range(RangeData &range, Input &in)
     return OK;
 }
 
+} // namespace
+
+int get_range(RangeData &range, Input &in)
+{
+    const std::uint32_t begin = in.pos;
+    if (const int error = read_range(range, in))
+        return error;
+    tell_number(in, Part::range, static_cast<double>(range.type), begin);
+    tell_number(in, Part::low, static_cast<double>(range.low), begin);
+    tell_number(in, Part::high, static_cast<double>(range.high), begin);
+    return OK;
+}
+
+namespace {
+
+// value -> one of a list
+int get_value_of_list(std::vector<float> &values, Input &in, int missing)
+{
+    const std::uint32_t begin = in.pos;
+    float               value = 0.0F;
+    if (!get_input_type(value, in))
+        return missing;
+    tell_number(in, Part::value, static_cast<double>(value), begin);
+    values.push_back(value);
+    return OK;
+}
+
+int tell_list(const std::vector<float> &values, std::size_t before, const Input &in)
+{
+    tell_number(in, Part::list_end, static_cast<double>(values.size() - before), in.pos);
+    return OK;
+}
+
+} // namespace
+
 // values -> value | "[" value { value } "]"
 int get_values(std::vector<float> &values, Input &in)
 {
-    float value = 0.0F;
+    const std::size_t before = values.size();
     if (peek(in) != '[') {
-        if (!get_input_type(value, in))
-            return VALUES_OR_BRACKETS;
-        values.push_back(value);
-        return OK;
+        const int error = get_value_of_list(values, in, VALUES_OR_BRACKETS);
+        return error != OK ? error : tell_list(values, before, in);
     }
     ++in.pos;
     if (const int error = skip_items(in))
         return error;
     do { // each value takes characters
-        if (!get_input_type(value, in))
-            return VALUE_MISSING;
-        values.push_back(value);
+        if (const int error = get_value_of_list(values, in, VALUE_MISSING))
+            return error;
         if (const int error = skip_items(in))
             return error;
     } while (peek(in) != ']');
     ++in.pos;
-    return OK;
+    return tell_list(values, before, in);
 }
 
 int get_choice(Choice &mode, Input &in)
@@ -162,6 +200,7 @@ int get_choice(Choice &mode, Input &in)
     else
         return OK;
     ++in.pos;
+    tell_number(in, Part::choice, static_cast<double>(mode), in.pos - 1);
     return skip_items(in);
 }
 
@@ -180,16 +219,18 @@ std::size_t get_set_element(ChoiceState &state, std::size_t n)
             return element + 1;
         case Choice::all_before_repeating:
             if (state.did[element])
-                continue;
+                break;
             state.did[element] = true;
             ++state.drawn;
             return element + 1;
         case Choice::never_twice:
             if (static_cast<std::int64_t>(element) == state.last)
-                continue;
+                break;
             state.last = static_cast<std::int64_t>(element);
             return element + 1;
         }
+        if (observer != nullptr)
+            observer->refused(1);
     }
 }
 
@@ -216,8 +257,10 @@ float curve_at(const Place &place, float curve, float exponent, float start, flo
     if (code < TIME_CURVE)
         return pplot_val(place.index, place.count, code, start, end, power);
     const float time = place.event->beat - place.first;
-    flush_screen();
-    std::printf("\ntime = %f", printable(static_cast<double>(time)));
+    if (screen_is_shown()) {
+        flush_screen();
+        std::printf("\ntime = %f", printable(static_cast<double>(time)));
+    }
     return tplot_val(code - TIME_CURVE, time, place.last + place.first, start, end, power);
 }
 

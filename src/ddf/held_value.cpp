@@ -8,7 +8,14 @@
 namespace orlo {
 
 // set -> value
-int get_set(HeldValue &data, Frame &, Input &in) { return get_input_type(data.value, in) ? OK : BAD_WALK_RANGE; }
+int get_set(HeldValue &data, Frame &, Input &in)
+{
+    const std::uint32_t begin = in.pos;
+    if (!get_input_type(data.value, in))
+        return BAD_WALK_RANGE;
+    tell_number(in, Part::value, static_cast<double>(data.value), begin);
+    return OK;
+}
 
 int make_value(HeldValue &data, std::size_t, const Place &, float &value)
 {

@@ -48,16 +48,23 @@ int get_set(RandomWalk &data, Frame &frame, Input &in)
 {
     if (const int error = get_weight(frame, in, MISSING_WEIGHT))
         return error;
-    WalkSet set{};
+    WalkSet             set{};
+    const std::uint32_t bounds = in.pos;
     if (const int error = get_bounds(set, in))
         return error;
+    tell_number(in, Part::low, static_cast<double>(set.low), bounds);
+    tell_number(in, Part::high, static_cast<double>(set.high), bounds);
+    const std::uint32_t window = in.pos;
     if (!get_f(set.window, in) || set.window < 0.0F || set.window > 1.0F)
         return BAD_WINDOW;
+    tell_number(in, Part::window, static_cast<double>(set.window), window);
     if (const int error = skip_items(in))
         return error;
-    float start = 0.0F;
+    const std::uint32_t begin = in.pos;
+    float               start = 0.0F;
     if (!get_input_type(start, in) || start < set.low || start > set.high)
         return BAD_WALK_START;
+    tell_number(in, Part::start, static_cast<double>(start), begin);
     if (set.low != set.high)
         set.position = (start - set.low) / (set.high - set.low);
     data.sets.push_back(set);
@@ -67,7 +74,11 @@ int get_set(RandomWalk &data, Frame &frame, Input &in)
 int make_value(RandomWalk &data, std::size_t set, const Place &, float &value)
 {
     WalkSet &walk = data.sets[set];
-    value         = rand_window(walk.position, walk.low, walk.high, walk.window);
+    if (observer != nullptr) {
+        const Window window = window_around(walk.position, walk.window);
+        observer->walked(walk.position, window.low, window.high);
+    }
+    value = rand_window(walk.position, walk.low, walk.high, walk.window);
     return OK;
 }
 

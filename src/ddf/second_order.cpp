@@ -22,13 +22,16 @@ int get_S2_element(GroupSet &set, Input &in)
     do { // at most MAX_GROUP_VALUES values
         if (set.values.size() - start == MAX_GROUP_VALUES)
             return OUT_OF_BOUNDS;
-        float value = 0.0F;
+        const std::uint32_t begin = in.pos;
+        float               value = 0.0F;
         if (!get_input_type(value, in))
             return VALUES_OR_BRACKETS;
+        tell_number(in, Part::value, static_cast<double>(value), begin);
         set.values.push_back(value);
         if (peek(in) == '\'' || peek(in) == ':')
             ++in.pos;
     } while (!ends_group(peek(in)));
+    tell_number(in, Part::list_end, static_cast<double>(set.values.size() - start), in.pos);
     set.ends.push_back(set.values.size());
     return OK;
 }

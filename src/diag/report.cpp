@@ -52,6 +52,7 @@ struct Text {
     std::FILE  *stream;  // null when it goes to the log alone
     bool        logged;  // also goes to the log
     bool        visible; // goes to a terminal, where text of somebody else is shown safely
+    bool        told;    // goes to the observer alone
     std::size_t used;
     char        buffer[4608]; // holds a whole line of input and its caret line
 };
@@ -61,11 +62,14 @@ void begin(Text &out, std::FILE *stream, bool logged, bool visible)
     out.stream  = stream;
     out.logged  = logged;
     out.visible = visible;
+    out.told    = false;
     out.used    = 0;
 }
 
 void flush(Text &out)
 {
+    if (out.told)
+        observer->message_text(out.buffer, out.used);
     if (out.stream == stderr)
         put_on_screen(out.buffer, out.used);
     else if (out.stream != nullptr)
@@ -93,6 +97,8 @@ void put_block(Text &out, const char *text, const char *end)
         text += piece;
     }
 }
+
+void put_text(Text &out, const char *text) { put_block(out, text, text + std::strlen(text)); }
 
 // text of somebody else
 void put_foreign(Text &out, std::string_view text, std::string_view layout)
@@ -193,6 +199,26 @@ template <class Put> void show(Put put_text)
     flush(out);
 }
 
+// puts the text of a message together for the observer
+template <class Put> void tell_observer(Severity severity, int number, Put put_text)
+{
+    if (observer == nullptr)
+        return;
+    Text out;
+    begin(out, nullptr, false, false);
+    out.told = true;
+    observer->message_begins(severity, number);
+    put_text(out);
+    flush(out);
+    observer->message_ends();
+}
+
+void tell_place(unsigned column)
+{
+    if (observer != nullptr)
+        observer->message_place(column);
+}
+
 // the line and its caret
 void show_line(const char *line, unsigned column)
 {
@@ -202,7 +228,7 @@ void show_line(const char *line, unsigned column)
 void show_with_line(const char *kind, const char *text, unsigned long line_no, const char *line, unsigned column)
 {
     Mprintf("\n\n%s: Line %d: ", kind, line_no);
-    show([=](Text &out) { put_block(out, text, text + std::strlen(text)); });
+    show([=](Text &out) { put_text(out, text); });
     Mprintf("\n");
     show_line(line, column);
 }
@@ -239,6 +265,16 @@ void Mprintf_args(const char *format, const MprintfArg *args, int count)
     show([=](Text &out) { put_format(out, format, args, count); });
 }
 
+void tell_args(Severity severity, const char *lead, const char *format, const char *tail, const MprintfArg *args, int count)
+{
+    show([=](Text &out) {
+        put_text(out, lead);
+        put_format(out, format, args, count);
+        put_text(out, tail);
+    });
+    tell_observer(severity, 0, [=](Text &out) { put_format(out, format, args, count); });
+}
+
 void print_args(std::FILE *stream, const char *format, const MprintfArg *args, int count)
 {
     Text out;
@@ -267,6 +303,10 @@ void error_no(int number, unsigned long line_no, const char *line, unsigned colu
 {
     if (number == FULLY_REPORTED)
         return;
+    if (number != TEXT_REPORTED)
+        tell_observer(Severity::error, number, [=](Text &out) { put_text(out, error_text(number)); });
+    if (number == TEXT_REPORTED || error_has_line(number))
+        tell_place(column);
     if (number == TEXT_REPORTED)
         show_line(line, column);
     else if (error_has_line(number))
@@ -279,6 +319,9 @@ void warning_no(int number, unsigned long line_no, const char *line, unsigned co
 {
     if (SUPRESS)
         return;
+    tell_observer(Severity::warning, number, [=](Text &out) { put_text(out, warning_text(number)); });
+    if (warning_has_line(number))
+        tell_place(column);
     if (warning_has_line(number))
         show_with_line("WARNING", warning_text(number), line_no, line, column);
     else

@@ -2,6 +2,8 @@
 // Never decides what is an error.
 #pragma once
 
+#include "base/observer.h"
+
 #include <concepts>
 #include <cstddef>
 #include <cstdio>
@@ -52,6 +54,27 @@ template <class... Args> void Mprintf(const char *format, Args... args)
         const MprintfArg list[] = {args...};
         Mprintf_args(format, list, static_cast<int>(sizeof...(args)));
     }
+}
+
+/// tell with its arguments in an array.
+void tell_args(Severity severity, const char *lead, const char *format, const char *tail, const MprintfArg *args, int count);
+
+/// Prints a message of words of its own, as Mprintf does, between a lead and a tail that are layout.
+template <class... Args> void tell(Severity severity, const char *lead, const char *format, const char *tail, Args... args)
+{
+    if constexpr (sizeof...(args) == 0) {
+        tell_args(severity, lead, format, tail, nullptr, 0);
+    } else {
+        const MprintfArg list[] = {args...};
+        tell_args(severity, lead, format, tail, list, static_cast<int>(sizeof...(args)));
+    }
+}
+
+/// As tell, for an error in a line, which is shown by error_no afterwards.
+template <class... Args> void tell_error(unsigned long line_no, const char *format, Args... args)
+{
+    Mprintf("\n\nERROR: Line %d: ", line_no);
+    tell(Severity::error, "", format, "\n", args...);
 }
 
 /// print with its arguments in an array.

@@ -5,11 +5,13 @@
 
 #include "base/clock.h"
 #include "base/conversions.h"
+#include "base/observer.h"
 #include "base/random.h"
 #include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "driver/options.h"
+#include "driver/recovery.h"
 #include "driver/run_files.h"
 #include "events/block.h"
 #include "events/event_list.h"
@@ -25,14 +27,19 @@
 #include "output/midi_file.h"
 #include "output/score_writer.h"
 #include "platform/output_files.h"
+#include "platform/screen.h"
 #include "platform/standard_streams.h"
 #include "words/values.h"
+
+#include <string_view>
 
 namespace orlo {
 namespace {
 
 constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
+
+constexpr Extent WHOLE{0, WHOLE_FILE};
 
 // Every room at its start, whatever was run before in this process.
 void reset()
@@ -64,11 +71,17 @@ bool clean_up(Files &files, bool complete)
     return close_files(files, complete);
 }
 
-int fail_with(int error, Files &files, const Input &in)
+int fail(Files &files)
 {
-    error_no(error, in.line_no, in.line, in.pos);
     clean_up(files, false);
     return FAILURE;
+}
+
+// before any line has been read
+int fail_with(int error, Files &files)
+{
+    error_no(error, 0, "", 0);
+    return fail(files);
 }
 
 int finish(Files &files)
@@ -82,15 +95,29 @@ int finish(Files &files)
 int nothing_written(std::uint32_t block)
 {
     if (block == 1)
-        Mprintf("\n\n\t(N.B. No I-Block Data Written)");
+        tell(Severity::note, "\n\n\t", "(N.B. No I-Block Data Written)", "");
     return OK;
+}
+
+// text beside the events, and none where no score is wanted
+void put_score(std::FILE *out, std::string_view text)
+{
+    if (observer != nullptr)
+        observer->score_text(text.data(), text.size());
+    if (out == nullptr)
+        return;
+    begin_output(out);
+    std::fwrite(text.data(), 1, text.size(), out);
 }
 
 // written tells whether there was anything to write
 int write_score(std::FILE *out, std::uint32_t block, bool &written)
 {
-    begin_output(out);
-    std::fprintf(out, "\n;I-block #%u (i%d):", block, I_NO);
+    char      head[64];
+    const int length = std::snprintf(head, sizeof head, "\n;I-block #%u (i%d):", block, I_NO);
+    put_score(out, {head, static_cast<std::size_t>(length)});
+    if (observer != nullptr)
+        observer->score_begins(block);
     written = print_csound(note_list, out, MAX_PFIELDS);
     if (written)
         free_pfield_record();
@@ -104,6 +131,8 @@ int write_midi(std::FILE *out, bool &written)
     written              = result > 0;
     if (!written)
         return result < 0 ? OUT_OF_MEMORY : OK;
+    if (out == nullptr)
+        return OK;
     begin_output(out);
     PutMidiHeader(out, 2);
     PutTrack1(out, note_list->start + note_list->dur + 1.0F);
@@ -121,45 +150,68 @@ void report_statistics(std::uint32_t block)
     Mprintf("\n\n%d events generated in block #%d (i%d).\n", stats.count, block, I_NO);
     Mprintf("Total i-block duration: %f (secs), %f (beats)\n", stats.duration, stats.beats);
     Mprintf("Cumulative i-block duration: %f (secs)\n", stats.end);
+    if (observer != nullptr)
+        observer->block_written(stats.duration, stats.beats, stats.end);
+}
+
+// every event of the block as its sections have left it, rests among them
+void tell_events(const Event *list)
+{
+    const auto values = static_cast<std::size_t>(MAX_PFIELDS - LEAST_PFIELDS);
+    observer->block_done(MAX_PFIELDS, EVENTS);
+    const Event *event = list;
+    do {
+        event = event->next;
+        observer->event(event->start, event->dur, event->beat, event->pf, values);
+    } while (event != list);
 }
 
 bool input_used_up(const Input &in) { return in.ended && peek(in) == '\0'; }
 
+// How far a run has come.
+struct Progress {
+    bool in_block; // in an i-block, not between two
+    bool ended;    // a MIDI run is over, which it is after its first i-block
+};
+
 // run -> { global-block i-block }
-// ended tells whether a MIDI run is over, which it is after its first i-block
-int do_blocks(Input &in, std::FILE *out, bool &ended)
+int do_blocks(Input &in, std::FILE *out, Progress &progress)
 {
     std::uint32_t block = 1;
-    for (ended = false; !ended;) { // each round reads lines, up to the end of the input
+    for (progress.ended = false; !progress.ended;) { // each round reads lines, up to the end of the input
+        progress.in_block = false;
         if (const int status = parse_gblock(in, out); status > 0)
             return status;
+        progress.in_block = true;
         if (const int error = do_iblock(in, out, block))
             return error;
         if (std::ferror(in.stream) != 0) { // what follows in the input is lost
-            Mprintf("\nERROR: Can't read temporary file\n\n");
+            tell(Severity::error, "\nERROR: ", "Can't read temporary file", "\n\n");
             return FULLY_REPORTED;
         }
         if (input_used_up(in))
             return ifdef_match() ? OK : MISSING_ENDIF;
-        ended = MKMIDI;
-        if (!ended && in.ended)
+        progress.ended = MKMIDI;
+        if (!progress.ended && in.ended)
             return OK;
     }
     return OK;
 }
 
-int run_input(Files &files, Input &in)
+int run_input(Files &files, Input &in, bool look_further)
 {
-    in.stream  = files.in;
-    bool ended = false;
-    if (const int error = do_blocks(in, files.out, ended))
-        return fail_with(error, files, in);
-    if (ended)
-        return finish(files);
-    if (!MKMIDI) {
-        begin_output(files.out);
-        std::fputs("\ne\n", files.out);
+    in.stream = files.in;
+    Progress progress{};
+    if (const int error = do_blocks(in, files.out, progress)) {
+        error_no(error, in.line_no, in.line, in.pos);
+        if (look_further && error != OUT_OF_MEMORY)
+            check_rest(in, progress.in_block);
+        return fail(files);
     }
+    if (progress.ended)
+        return finish(files);
+    if (!MKMIDI)
+        put_score(files.out, "\ne\n");
     Mprintf("\n\nGlobal cumulative duration of all i-blocks = %f (secs)\n", CUM_TIME);
     return finish(files);
 }
@@ -172,6 +224,8 @@ int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
         return status;
     if (note_list == nullptr)
         return nothing_written(block);
+    if (observer != nullptr)
+        tell_events(note_list);
     bool written = false;
     if (const int error = MKMIDI ? write_midi(out, written) : write_score(out, block, written))
         return error;
@@ -189,13 +243,29 @@ int run(int argc, const char *const *argv)
     if (get_options(argc, argv) != 0 || check_fnames() != 0)
         return FAILURE;
     Files files{};
-    Input in{};
-    if (!open_files(files))
-        return fail_with(FULLY_REPORTED, files, in);
+    if (!open_files(files, WHOLE))
+        return fail_with(FULLY_REPORTED, files);
     print_info(stderr);
-    if (const int error = combine_input(files))
-        return fail_with(error, files, in);
-    return run_input(files, in);
+    if (const int error = combine_input(files, WHOLE))
+        return fail_with(error, files);
+    Input in{};
+    return run_input(files, in, false);
+}
+
+int explain_run(const char *name, bool midi, Extent piece)
+{
+    reset();
+    secure_standard_streams();
+    show_screen(false);
+    in_fname = name;
+    MKMIDI   = midi;
+    Files files{};
+    if (!open_files(files, piece))
+        return fail_with(FULLY_REPORTED, files);
+    if (const int error = combine_input(files, piece))
+        return fail_with(error, files);
+    Input in{};
+    return run_input(files, in, true);
 }
 
 } // namespace orlo

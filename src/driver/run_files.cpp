@@ -21,7 +21,13 @@ namespace {
 
 bool cant_open(const char *name)
 {
-    print(stderr, "\nERROR: Can't open \"%s\".\n\n", name);
+    tell(Severity::error, "\nERROR: ", "Can't open \"%s\".", "\n\n", name);
+    return false;
+}
+
+bool cant_read()
+{
+    tell(Severity::error, "\nERROR: ", "Can't read \"%s\".", "\n\n", in_fname);
     return false;
 }
 
@@ -43,7 +49,7 @@ bool open_temporary(Files &files)
 {
     files.tmp = open_temporary_file();
     if (files.tmp == nullptr)
-        std::fputs("\nERROR: Can't open temporary file\n\n", stderr);
+        tell(Severity::error, "\nERROR: ", "Can't open temporary file", "\n\n");
     return files.tmp != nullptr;
 }
 
@@ -70,7 +76,7 @@ bool close_temporary(Files &files)
 
 bool cant_write(const char *name)
 {
-    Mprintf("\nERROR: Can't write \"%s\".\n\n", name);
+    tell(Severity::error, "\nERROR: ", "Can't write \"%s\".", "\n\n", name);
     return false;
 }
 
@@ -85,30 +91,34 @@ void begin_log(std::FILE *log)
 
 } // namespace
 
-bool open_files(Files &files)
+bool open_files(Files &files, Extent piece)
 {
     files.in = std::fopen(in_fname, "r");
+    if (observer != nullptr)
+        observer->file_opened(in_fname, files.in != nullptr);
     if (files.in == nullptr)
         return cant_open(in_fname);
-    return open_to_write(files.out, out_fname) && (!MKEXP || open_trace()) && open_temporary(files) &&
+    if (piece.begin != 0 && std::fseek(files.in, static_cast<long>(piece.begin), SEEK_SET) != 0)
+        return cant_read();
+    return (out_fname == nullptr || open_to_write(files.out, out_fname)) && (!MKEXP || open_trace()) && open_temporary(files) &&
            (!MKLOG || open_to_write(files.log, log_fname));
 }
 
-int combine_input(Files &files)
+int combine_input(Files &files, Extent piece)
 {
     std::uint32_t includes = 0;
-    const int     failure  = parse_includes(files.in, files.tmp, includes);
+    const int     failure  = parse_includes(files.in, files.tmp, includes, piece);
     begin_log(files.log);
     if (failure != OK)
         return FULLY_REPORTED;
     if (std::ferror(files.in) != 0) { // a folder can be opened but not read
-        Mprintf("\nERROR: Can't read \"%s\".\n\n", in_fname);
+        cant_read();
         return FULLY_REPORTED;
     }
     close_read(files.in);
     bound_expansions(size_so_far(files.tmp));
     if (!close_temporary(files)) {
-        Mprintf("\nERROR: Can't write temporary file\n\n");
+        tell(Severity::error, "\nERROR: ", "Can't write temporary file", "\n\n");
         return FULLY_REPORTED;
     }
     files.in = reopen_temporary_file();

@@ -5,6 +5,7 @@
 #include "events/block.h"
 
 #include "base/clock.h"
+#include "base/observer.h"
 #include "events/event_list.h"
 #include "events/tempo_map.h"
 
@@ -68,6 +69,8 @@ void reset_pfield(Event *list)
         TEMPO  = static_cast<float>(find_tempo(SBEAT));
         CBEATS = SBEAT;
         STIME  = STIME * 60.0F / TEMPO;
+        if (observer != nullptr)
+            observer->block_starts(TEMPO, STIME);
     }
     ClearLFusedCode(list);
 }

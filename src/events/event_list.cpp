@@ -4,6 +4,7 @@
 #include "events/event_list.h"
 
 #include "base/numerics.h"
+#include "base/observer.h"
 #include "events/arena.h"
 #include "events/block.h"
 #include "events/pfields.h"
@@ -140,8 +141,11 @@ bool DoListChord(Section &section, std::uint64_t &members)
 {
     const std::int32_t value = P_NO - 4;
 
-    members = 0;
-    if (section.cursor != section.list) {
+    members          = 0;
+    const bool grows = section.cursor == section.list;
+    if (observer != nullptr)
+        observer->chord_repeated(Goes::next, grows);
+    if (!grows) {
         section.cursor            = section.cursor->next;
         section.cursor->code      = LUT->code;
         section.cursor->pf[value] = LUT->pf[value];
@@ -158,6 +162,8 @@ bool DoListChord(Section &section, std::uint64_t &members)
         copy->code      = member->code;
         copy->pf[value] = member->pf[value];
         InsertEvent(copy, section);
+        if (observer != nullptr)
+            observer->chord_repeated(Goes::beside, false);
         ++members;
     }
     return true;

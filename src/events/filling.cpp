@@ -55,12 +55,14 @@ int fill_to_end(Section &section, const Input &in)
         ++EVENTS;
     if (out_of_time())
         return OK;
+    if (observer != nullptr)
+        observer->fill(queue != nullptr);
     return queue == nullptr ? fill_with_last(section, in) : fill_with_queue(section, in);
 }
 
 int never_ends(const Input &in)
 {
-    Mprintf("\n\nERROR: Line %d: P2 never reaches the end of the i-block!\n", in.line_no);
+    tell_error(in.line_no, "P2 never reaches the end of the i-block!");
     return TEXT_REPORTED;
 }
 

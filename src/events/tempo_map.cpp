@@ -42,7 +42,7 @@ void check_tempos()
     float previous_end = 0.0F;
     for (std::int32_t i = 0; i < TOT_TEMPOS; ++i) {
         if (previous_end > TEMPO_LIST[i].stime)
-            Mprintf("\nWARNING: Tempo #%d conflicts with previous tempo's end time!", i + 1);
+            tell(Severity::warning, "\nWARNING: ", "Tempo #%d conflicts with previous tempo's end time!", "", i + 1);
         previous_end = TEMPO_LIST[i].etime;
     }
 }

@@ -4,6 +4,7 @@
 
 #include "input/include_pass.h"
 
+#include "base/observer.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "input/line_reader.h"
@@ -22,6 +23,7 @@ constexpr std::size_t BLOCK_SIZE = 16384;
 struct Reader {
     std::FILE    *file;
     std::uint64_t offset;     // of the block in the file
+    std::uint64_t last;       // offset in the file, where what is read of it ends
     std::uint64_t line_start; // offset in the file, of the line that is read
     std::size_t   next;
     std::size_t   end;
@@ -62,7 +64,7 @@ bool fill(Reader &in)
 {
     in.offset += in.end;
     in.next = 0;
-    in.end  = std::fread(in.block, 1, BLOCK_SIZE, in.file);
+    in.end  = std::fread(in.block, 1, static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK_SIZE, in.last - in.offset)), in.file);
     return in.end > 0;
 }
 
@@ -78,6 +80,13 @@ int get(Reader &in)
     if (c == '\n')
         end_line(in);
     return static_cast<unsigned char>(c);
+}
+
+// what is copied from here on follows in the file; told where it does not follow in the copy
+void tell_copy(const Reader &in, std::FILE *out)
+{
+    if (observer != nullptr)
+        observer->copy_continues(static_cast<std::uint64_t>(std::ftell(out)), in.offset + in.next);
 }
 
 void put(int c, std::FILE *out)
@@ -140,6 +149,7 @@ bool take_keyword(Reader &in, std::FILE *out, Scanner &state)
     for (const char *expected = keyword_rest; *expected != '\0'; ++expected) {
         if (get(in) != *expected) {
             state.previous = 'i';
+            tell_copy(in, out);
             return false;
         }
     }
@@ -162,7 +172,7 @@ Place place_of_directive(const Reader &in)
 
 int refuse_output(const FileName &name, const Place &place)
 {
-    Mprintf("\n\nERROR: Line %d: The include file \"%s\" is one that this run writes!\n", place.line_no, name.text);
+    tell_error(place.line_no, "The include file \"%s\" is one that this run writes!", name.text);
     error_no(TEXT_REPORTED, place.line_no, place.line, place.column);
     return FULLY_REPORTED;
 }
@@ -174,15 +184,15 @@ int take_name(Reader &in, FileName &name)
     while (c != EOF && std::isspace(c) != 0)
         c = get(in);
     if (c != '|') {
-        Mprintf("\n\nInclude filename must be preceeded by a |.\n");
+        tell(Severity::error, "\n\n", "Include filename must be preceeded by a |.", "\n");
         return INCLUDE_FAILED;
     }
     name.length      = 0;
     std::size_t read = 0;
     for (c = get(in); c != '|' && c != EOF; c = get(in)) {
         if (read == MAX_INCLUDE_NAME) {
-            Mprintf("\nERROR: Include filename has exceeded maximum");
-            Mprintf("\nlength of %d characters.\n\n", MAX_INCLUDE_NAME);
+            tell(Severity::error, "\nERROR: ", "Include filename has exceeded maximum\nlength of %d characters.", "\n\n",
+                 MAX_INCLUDE_NAME);
             return FULLY_REPORTED;
         }
         ++read;
@@ -195,18 +205,24 @@ int take_name(Reader &in, FileName &name)
 
 int bad_file(const FileName &name)
 {
-    Mprintf("\nBad include file name: \"%s\"\n\n", name.text);
+    tell(Severity::error, "\n", "Bad include file name: \"%s\"", "\n\n", name.text);
     return FULLY_REPORTED;
 }
 
 // directive -> "#include" file-name
 int include_file(Reader &in, std::FILE *out, std::uint32_t &calls)
 {
-    const Place place = place_of_directive(in);
-    FileName    name;
-    if (const int error = take_name(in, name))
-        return error;
+    const Place         place = place_of_directive(in);
+    const std::uint64_t begin = in.offset + in.next - std::strlen(keyword);
+    FileName            name;
+    const int           misnamed = take_name(in, name);
+    if (observer != nullptr)
+        observer->include_met(begin, in.offset + in.next);
+    if (misnamed != OK)
+        return misnamed;
     std::FILE *file = std::fopen(name.text, "r");
+    if (observer != nullptr)
+        observer->file_opened(name.text, file != nullptr);
     if (file == nullptr)
         return bad_file(name);
     if (std::FILE *output = find_output(file)) {
@@ -219,25 +235,30 @@ int include_file(Reader &in, std::FILE *out, std::uint32_t &calls)
     if (result == OK && std::ferror(file) != 0) // a folder can be opened but not read
         result = bad_file(name);
     std::fclose(file);
+    if (result == OK && observer != nullptr)
+        observer->file_left();
+    tell_copy(in, out);
     return result;
 }
 
 } // namespace
 
-int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls)
+int parse_includes(std::FILE *in, std::FILE *out, std::uint32_t &calls, Extent extent)
 {
     if (calls == 0)
         lines_copied = 0;
     if (++calls > MAX_INCLUDE_CALLS) {
-        Mprintf("\n\nToo many embedded include files! (Max = %d)\n", MAX_INCLUDE_CALLS);
+        tell(Severity::error, "\n\n", "Too many embedded include files! (Max = %d)", "\n", MAX_INCLUDE_CALLS);
         return INCLUDE_FAILED;
     }
     Reader reader;
     reader.file       = in;
-    reader.offset     = 0;
-    reader.line_start = 0;
+    reader.offset     = extent.begin;
+    reader.last       = extent.end;
+    reader.line_start = extent.begin;
     reader.next       = 0;
     reader.end        = 0;
+    tell_copy(reader, out);
     Scanner state{' ', false, 0};
     for (;;) { // each round takes a character, up to the end of the file
         copy_plain(reader, out, state);

@@ -25,6 +25,7 @@ namespace {
 
 bool fill_block(Input &in)
 {
+    in.offset += in.end;
     in.next  = 0;
     in.end   = std::fread(in.block, 1, BLOCK_SIZE, in.stream);
     in.ended = in.end == 0 && std::feof(in.stream) != 0;
@@ -34,7 +35,8 @@ bool fill_block(Input &in)
 // reads a line with its end, or as much of it as there is room for; false when nothing is left, or can be read
 bool read_line(Input &in)
 {
-    std::size_t length = 0;
+    const std::uint64_t start_offset = in.offset + in.next;
+    std::size_t         length       = 0;
     for (bool whole = false; !whole && length < LINE_SIZE - 1;) { // each round takes bytes
         if (in.next == in.end && !fill_block(in)) {
             if (!in.ended || length == 0)
@@ -51,6 +53,9 @@ bool read_line(Input &in)
         in.next += piece;
     }
     in.line[length] = '\0';
+    ++in.line_no;
+    if (observer != nullptr)
+        observer->line_read(in.line_no, start_offset, length);
     return true;
 }
 
@@ -147,7 +152,6 @@ int get_buff(Input &in)
 {
     if (!read_line(in))
         return END_OF_INPUT;
-    ++in.line_no;
     const unsigned found = blank_line_ends(in.line);
     in.pos               = 0;
     if (in_if0())

@@ -2,6 +2,7 @@
 // Knows nothing of i-blocks.
 #pragma once
 
+#include "base/observer.h"
 #include "diag/messages.h"
 
 #include <cstddef>
@@ -20,6 +21,7 @@ struct Input {
     std::uint64_t line_no;             // lines read so far, 0 at start; written by get_buff
     std::uint32_t pos;                 // next character of the line, 0 at start; left after what was consumed
     char          line[LINE_SIZE + 1]; // NUL-terminated; one byte more, for a position just past the NUL
+    std::uint64_t offset;              // of the block in the combined input, 0 at start
     std::size_t   next; // the first byte of the block that is in no line yet, 0 at start; as the rest of get_buff alone
     std::size_t   end;  // bytes in the block
     char          block[BLOCK_SIZE];
@@ -71,6 +73,20 @@ void skip_blanks(Input &in);
 
 /// Moves over blanks, line ends, one comment and one separator ("," or "/"). @return 0 or an error
 [[nodiscard]] int skip_stuff(Input &in);
+
+/// Tells the observer of a number in a command's text, from a position to the present one.
+inline void tell_number(const Input &in, Part part, double value, std::uint32_t begin)
+{
+    if (observer != nullptr)
+        observer->number_read(part, value, begin, in.pos);
+}
+
+/// Tells the observer that the text of a command, or of a generator, has been read.
+inline void tell_command_read(const Input &in)
+{
+    if (observer != nullptr)
+        observer->command_read(in.pos);
+}
 
 /// Reports a warning with the line and the position where it was found, unless warnings are suppressed.
 void warn(const Input &in, Warning number);

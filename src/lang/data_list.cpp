@@ -29,10 +29,13 @@ int do_data(Section &section, Input &in)
 {
     if (out_of_time())
         return block_full(section, in, W_EVENTS_NOT_ADDED);
-    section.first_value = false;
-    float value         = 0.0F;
+    section.first_value       = false;
+    const std::uint32_t begin = in.pos;
+    float               value = 0.0F;
     if (!get_input_type(value, in))
         return BAD_VALUE;
+    if (observer != nullptr)
+        observer->literal(begin, in.pos);
     LAST_VAL = value;
     if (IN_LOOP && !StoreInQ(section.queue, IS_FUSED, value))
         return MISPLACED_LOOP;
@@ -60,6 +63,8 @@ int do_slash(Section &section, Input &in)
         ++in.pos;
         if (out_of_time())
             return block_full(section, in, W_REPEAT_TRUNCATED);
+        if (observer != nullptr)
+            observer->repeat(in.pos - 1, in.pos);
         if (const int error = repeat_last(section, in))
             return error;
         skip_blanks(in);
@@ -70,10 +75,13 @@ int do_slash(Section &section, Input &in)
 // repeat -> "x" digits
 int do_x(Section &section, Input &in)
 {
+    const std::uint32_t begin = in.pos;
     ++in.pos;
     std::uint64_t count = 0;
     if (!is_digit(peek(in)) || !get_uli(count, in))
         return X_NEEDS_DIGIT;
+    if (observer != nullptr)
+        observer->repeat(begin, in.pos);
     const bool to_the_end = count == 0;
     for (std::uint64_t left = count - 1; left > 0; --left) { // ends with the count or the block
         if (out_of_time())

@@ -21,9 +21,12 @@ int run_commands(Input &in, std::FILE *out)
 {
     skip_blanks(in);
     while (is_gcommand(in)) { // each command takes characters
-        std::int32_t code = 0;
+        const std::uint32_t begin = in.pos;
+        std::int32_t        code  = 0;
         if (!get_command(code, in))
             return INVALID_GLOBAL;
+        if (observer != nullptr)
+            observer->command_begins(code, begin);
         if (const int error = do_gcommand(code, in, out))
             return error;
         skip_blanks(in);

@@ -45,6 +45,8 @@ int skip_block(Input &in)
         }
     }
     ++in.pos;
+    if (observer != nullptr)
+        observer->block_skipped(I_NO, in.pos);
     return END_OF_INPUT;
 }
 
@@ -72,7 +74,7 @@ int get_pfield_count(Input &in)
     if (!get_i(MAX_PFIELDS, in))
         return BAD_P_COUNT;
     if (MAX_PFIELDS < LEAST_PFIELDS || MAX_PFIELDS > MOST_PFIELDS) {
-        Mprintf("\n\nERROR: Bad number of p-fields (3 - %d)\n", MOST_PFIELDS);
+        tell(Severity::error, "\n\nERROR: ", "Bad number of p-fields (3 - %d)", "\n", MOST_PFIELDS);
         return TEXT_REPORTED;
     }
     if (MAX_PFIELDS > MANY_PFIELDS)
@@ -119,7 +121,7 @@ int get_length(Input &in)
     if (const int error = get_amount(in))
         return error;
     if (BEATS > MOST_BEATS) {
-        Mprintf("\n\nERROR: Line %d: Maximum number of beats = %f\n", in.line_no, MOST_BEATS);
+        tell_error(in.line_no, "Maximum number of beats = %f", MOST_BEATS);
         return TEXT_REPORTED;
     }
     if (BEATS > LONG_DURATION)
@@ -130,6 +132,8 @@ int get_length(Input &in)
 // header -> number pfields start length "{"
 int do_p1(Input &in)
 {
+    if (observer != nullptr)
+        observer->block_begins(in.pos);
     if (const int error = get_i_number(in))
         return error;
     if (I_NO < 0)
@@ -145,6 +149,8 @@ int do_p1(Input &in)
     if (peek(in) != '{')
         return MISSING_OPEN_BRACE;
     ++in.pos;
+    if (observer != nullptr)
+        observer->block_header(I_NO, MAX_PFIELDS, SBEAT, BEATS, EVENTS);
     return OK;
 }
 
@@ -167,17 +173,21 @@ int do_section(Input &in, Event *&list)
 {
     if (IN_LOOP)
         warn(in, W_LOOP_TERMINATED);
-    ++in.pos;
+    const std::uint32_t begin = in.pos++;
     if (!get_i(P_NO, in))
         return BAD_P_NUMBER;
     if (const int error = check_pfield_number())
         return error;
     reset_pfield(list);
+    if (observer != nullptr)
+        observer->section_begins(P_NO, begin);
     if (const int error = do_pN(in, list))
         return error;
     DID_P[P_NO] = true;
     if (P_NO == 2)
         EVENTS = EVENT_NO;
+    if (observer != nullptr)
+        observer->section_ends(in.pos, EVENTS);
     return OK;
 }
 
@@ -196,9 +206,12 @@ int do_block_commands(Input &in)
         }
         if (!is_command(in))
             return INVALID_IBLOCK;
-        std::int32_t code = 0;
+        const std::uint32_t begin = in.pos;
+        std::int32_t        code  = 0;
         if (!get_command(code, in))
             return INVALID_COMMAND;
+        if (observer != nullptr)
+            observer->command_begins(code, begin);
         if (code != CMD_RS && code != CMD_RD)
             return BAD_VALUE;
         if (const int error = code == CMD_RS ? set_rand_seed(in) : set_rand_dev(in))
@@ -228,6 +241,8 @@ int end_block(Input &in)
         if (!DID_P[p])
             return SKIPPED_PFIELDS;
     ++in.pos;
+    if (observer != nullptr)
+        observer->block_ends(in.pos);
     return OK;
 }
 

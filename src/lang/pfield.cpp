@@ -34,8 +34,11 @@ int get_output_type(Input &in)
     ++in.pos;
     if (const int error = skip_space(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (!is_out_type(in) || !get_command(OUT_TYPE, in))
         return BAD_OUTPUT_TYPE;
+    if (observer != nullptr)
+        observer->output_type(OUT_TYPE, begin, in.pos);
     if (P_NO <= 3 && OUT_TYPE != TYPE_RE)
         return MUST_OUTPUT_FLOATS;
     if (const int error = skip_space(in))
@@ -59,10 +62,18 @@ int set_input_type(std::int32_t code)
 // command -> input-type | generator | setting
 int run_command(Section &section, Input &in)
 {
-    std::int32_t code = 0;
+    const std::uint32_t begin = in.pos;
+    std::int32_t        code  = 0;
     if (!get_command(code, in))
         return INVALID_COMMAND;
-    return is_input_code(code) ? set_input_type(code) : do_commands(code, section, in);
+    if (!is_input_code(code)) {
+        if (observer != nullptr)
+            observer->command_begins(code, begin);
+        return do_commands(code, section, in);
+    }
+    if (observer != nullptr)
+        observer->input_type(code, begin, in.pos);
+    return set_input_type(code);
 }
 
 // item -> command | comment | "<" | ">" | literal data
@@ -75,6 +86,8 @@ int do_item(Section &section, Input &in)
     if (peek(in) == '<' || peek(in) == '>') {
         if (!set_loop(peek(in)))
             return BAD_LOOP;
+        if (observer != nullptr)
+            observer->loop_mark(IN_LOOP, in.pos);
         ++in.pos;
         return OK;
     }
@@ -121,13 +134,13 @@ int do_pfield(Section &section, Input &in)
     if (const int error = do_body(section, in))
         return error;
     if (!WROTE_DATA) {
-        Mprintf("\nERROR: P%d is blank ... OY!\n\n", P_NO);
+        tell(Severity::error, "\nERROR: ", "P%d is blank ... OY!", "\n\n", P_NO);
         return FULLY_REPORTED;
     }
     if (const int error = fill_to_end(section, in))
         return error;
     if (P_NO > 2 && ETIME < 0.0F && EVENTS != events_before)
-        Mprintf("\n\tP%d: Fused data changed \"events\" from %d to %d", P_NO, events_before, EVENTS);
+        tell(Severity::note, "\n\t", "P%d: Fused data changed \"events\" from %d to %d", "", P_NO, events_before, EVENTS);
     return OK;
 }
 
@@ -143,7 +156,7 @@ int do_pN(Input &in, Event *&list)
         return error;
     OUTS[slot] = OUT_TYPE;
 
-    Section   section{list, list, nullptr, true, false};
+    Section   section{list, list, nullptr, true, false, way_of(P_NO)};
     const int result = do_pfield(section, in);
     FreeQNodes(section.queue);
     return result;

@@ -36,6 +36,7 @@ int close_command(Input &in)
     if (peek(in) != ')')
         return MISSING_PAREN;
     ++in.pos;
+    tell_command_read(in);
     return OK;
 }
 
@@ -43,8 +44,10 @@ int set_deviation(float &deviation, Input &in)
 {
     if (const int error = open_command(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (!get_f(deviation, in) || deviation < 0.0F || deviation > MAX_DEVIATION)
         return BAD_DEVIATION;
+    tell_number(in, Part::deviation, static_cast<double>(deviation), begin);
     if (deviation > LARGE_DEVIATION)
         warn(in, W_LARGE_DEVIATION);
     return close_command(in);
@@ -63,9 +66,11 @@ int set_rand_seed(Input &in)
 {
     if (const int error = open_command(in))
         return error;
-    std::uint32_t seed = 0;
+    const std::uint32_t begin = in.pos;
+    std::uint32_t       seed  = 0;
     if (!get_ui(seed, in))
         return BAD_SEED;
+    tell_number(in, Part::seed, static_cast<double>(seed), begin);
     seed_draws(seed);
     return close_command(in);
 }
@@ -78,8 +83,10 @@ int set_samp_rate(Input &in)
 {
     if (const int error = open_command(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (!get_uli(SRATE, in))
         return BAD_SAMPLING_RATE;
+    tell_number(in, Part::rate, static_cast<double>(SRATE), begin);
     return close_command(in);
 }
 
@@ -89,15 +96,21 @@ int set_pfactor(Input &in)
         return PFACTOR_NOT_IN_P2;
     if (const int error = open_command(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (!get_f(PFACTOR, in))
         return BAD_PFACTOR;
+    tell_number(in, Part::factor, static_cast<double>(PFACTOR), begin);
     return close_command(in);
 }
 
 void do_direct_out(Input &in, std::FILE *out)
 {
     const char *rest = in.line + in.pos;
-    if (!MKMIDI) {
+    if (!MKMIDI && observer != nullptr) {
+        observer->score_text("\n", 1);
+        observer->score_text(rest, std::strlen(rest));
+    }
+    if (!MKMIDI && out != nullptr) {
         begin_output(out);
         std::fputc('\n', out);
         if (is_terminal(out))

@@ -26,8 +26,10 @@ void warn_of_tempo(const Input &in, float tempo, Warning fast, Warning slow)
 // term -> number, with the blanks and line ends after it
 int get_term(Input &in, float &value, int error)
 {
+    const std::uint32_t begin = in.pos;
     if (!get_f(value, in))
         return error;
+    tell_number(in, Part::tempo, static_cast<double>(value), begin);
     return skip_space(in);
 }
 
@@ -92,7 +94,7 @@ int store_change(Input &in, float stime)
         return error;
     warn_of_segment(in, segment);
     if (!add_tempo(segment)) {
-        Mprintf("\n\nERROR: Too many tempo changes! (Max = %d)\n", MAX_TEMPOS);
+        tell(Severity::error, "\n\nERROR: ", "Too many tempo changes! (Max = %d)", "\n", MAX_TEMPOS);
         return TEXT_REPORTED;
     }
     return peek(in) == ')' ? OK : MISSING_PAREN;
@@ -111,6 +113,7 @@ int get_tempo_change(Input &in)
     if (const int error = peek(in) == ')' ? store_simple(in, first) : store_change(in, first))
         return error;
     ++in.pos;
+    tell_command_read(in);
     check_tempos();
     return OK;
 }

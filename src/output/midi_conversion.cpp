@@ -131,7 +131,7 @@ int List2MIDI(Event *&list, std::int32_t n, std::uint64_t &length)
     if (list == nullptr)
         return 0;
     if (!RemoveRests(list)) {
-        Mprintf("\n\nOops i-block %d is all rests! ", I_NO);
+        tell(Severity::warning, "\n\n", "Oops i-block %d is all rests!", " ", I_NO);
         return 0;
     }
     PendingHeap heap{static_cast<Pending *>(std::malloc(count_notes(list) * sizeof(Pending))), 0};

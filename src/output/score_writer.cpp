@@ -7,6 +7,7 @@
 #include "base/conversions.h"
 #include "base/number_text.h"
 #include "base/numerics.h"
+#include "base/observer.h"
 #include "diag/report.h"
 #include "events/block.h"
 #include "events/pfields.h"
@@ -44,7 +45,8 @@ struct Lines {
 
 void flush(Lines &lines)
 {
-    std::fwrite(lines.text, 1, static_cast<std::size_t>(lines.end - lines.text), lines.out);
+    if (lines.out != nullptr)
+        std::fwrite(lines.text, 1, static_cast<std::size_t>(lines.end - lines.text), lines.out);
     lines.end = lines.text;
 }
 
@@ -129,6 +131,35 @@ void put_event(Lines &lines, const Event *event, std::size_t head_length, std::i
         flush(lines);
 }
 
+// the events after one of the ring, up to another
+void put_events(Lines &lines, const Event *before, const Event *last, std::size_t head_length, std::int32_t n)
+{
+    const Event *event = before;
+    do {
+        event = event->next;
+        put_event(lines, event, head_length, n);
+    } while (event != last);
+}
+
+void tell_columns(const Lines &lines, std::int32_t n)
+{
+    for (std::int32_t p = 2; p <= n; ++p) {
+        const Column &column = lines.columns[p - 2];
+        observer->column(p, column.text, column.length);
+    }
+}
+
+// as put_events, for all of the ring, one after the other
+void put_told_events(Lines &lines, const Event *list, std::size_t head_length, std::int32_t n)
+{
+    const Event *event = list;
+    do {
+        put_events(lines, event, event->next, head_length, n);
+        tell_columns(lines, n);
+        event = event->next;
+    } while (event != list);
+}
+
 } // namespace
 
 bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
@@ -136,7 +167,7 @@ bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
     if (list == nullptr)
         return false;
     if (!RemoveRests(list)) {
-        Mprintf("\n\nOops i-block %d is all rests (check p2=0 and p3 != 400+n OR 1000+n?)! ", I_NO);
+        tell(Severity::warning, "\n\n", "Oops i-block %d is all rests (check p2=0 and p3 != 400+n OR 1000+n?)!", " ", I_NO);
         return false;
     }
     Lines lines;
@@ -149,13 +180,14 @@ bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
     put_column(head_end, I_NO, 0);
     const auto head_length = static_cast<std::size_t>(head_end - lines.head);
 
-    const Event *event = list;
-    do {
-        event = event->next;
-        put_event(lines, event, head_length, n);
-    } while (event != list);
+    if (observer == nullptr)
+        put_events(lines, list, list, head_length, n);
+    else
+        put_told_events(lines, list, head_length, n);
+    *lines.end++ = '\n';
     flush(lines);
-    std::fputc('\n', out);
+    if (observer != nullptr)
+        observer->score_text("\n", 1);
     return true;
 }
 

@@ -35,7 +35,8 @@ int get_letter(Input &in, int &code, float &exponent)
 // curve -> letter [ "*" ]
 int get_curve_type(Input &in, float &curve, float &exponent, bool time_allowed)
 {
-    int code = 0;
+    const std::uint32_t begin = in.pos;
+    int                 code  = 0;
     if (const int error = get_letter(in, code, exponent))
         return error;
     skip_blanks(in);
@@ -46,6 +47,8 @@ int get_curve_type(Input &in, float &curve, float &exponent, bool time_allowed)
         code += TIME_CURVE;
     }
     curve = static_cast<float>(code);
+    tell_number(in, Part::exponent, static_cast<double>(exponent), begin);
+    tell_number(in, Part::curve, static_cast<double>(code), begin);
     return OK;
 }
 

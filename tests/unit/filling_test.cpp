@@ -25,7 +25,7 @@ TEST_F(Filling, AP2WithoutEndIsReported)
 
 TEST_F(Filling, TheRestOfABlockRepeatsTheLastValue)
 {
-    P_NO   = 4;
+    read_section(4);
     EVENTS = 4;
     fill(4);
     EXPECT_TRUE(store_value(section, 1.0F));
@@ -39,7 +39,7 @@ TEST_F(Filling, TheRestOfABlockRepeatsTheLastValue)
 
 TEST_F(Filling, TheRestOfABlockRepeatsTheLastChord)
 {
-    P_NO   = 4;
+    read_section(4);
     EVENTS = 3;
     fill(2);
     EXPECT_TRUE(store_value(section, 1.0F));
@@ -55,7 +55,7 @@ TEST_F(Filling, TheRestOfABlockRepeatsTheLastChord)
 
 TEST_F(Filling, ALoopFillsTheRestOfABlock)
 {
-    P_NO   = 4;
+    read_section(4);
     EVENTS = 3;
     fill(3);
     ASSERT_TRUE(StoreInQ(section.queue, 0, 7.0F));
@@ -69,7 +69,7 @@ TEST_F(Filling, ALoopFillsTheRestOfABlock)
 
 TEST_F(Filling, AChordOfALoopIsCompletedPastTheEnd)
 {
-    P_NO   = 4;
+    read_section(4);
     EVENTS = 2;
     fill(2);
     ASSERT_TRUE(StoreInQ(section.queue, 0, 7.0F));
@@ -84,7 +84,7 @@ TEST_F(Filling, AChordOfALoopIsCompletedPastTheEnd)
 
 TEST_F(Filling, AFullBlockIsNotFilled)
 {
-    P_NO     = 4;
+    read_section(4);
     EVENTS   = 2;
     EVENT_NO = 2;
     fill(2);
@@ -95,7 +95,7 @@ TEST_F(Filling, AFullBlockIsNotFilled)
 
 TEST_F(Filling, AP2OfZeroCannotFillABlockInBeats)
 {
-    P_NO     = 2;
+    read_section(2);
     ETIME    = 4.0F;
     LAST_VAL = 0.0F;
     EXPECT_EQ(ZERO_INTERVAL, fill_to_end(section, in));
@@ -104,7 +104,7 @@ TEST_F(Filling, AP2OfZeroCannotFillABlockInBeats)
 
 TEST_F(Filling, AP2OfZeroFillsABlockInEvents)
 {
-    P_NO     = 2;
+    read_section(2);
     EVENTS   = 3;
     LAST_VAL = 0.0F;
     EXPECT_EQ(OK, fill_to_end(section, in));
@@ -114,7 +114,7 @@ TEST_F(Filling, AP2OfZeroFillsABlockInEvents)
 
 TEST_F(Filling, ANegativeP2NeverFillsABlockInBeats)
 {
-    P_NO     = 2;
+    read_section(2);
     ETIME    = 4.0F;
     LAST_VAL = -1.0F;
     EXPECT_NE("", screen_of([&] { EXPECT_EQ(TEXT_REPORTED, fill_to_end(section, in)); }));
@@ -123,7 +123,7 @@ TEST_F(Filling, ANegativeP2NeverFillsABlockInBeats)
 TEST_F(Filling, ALoopThatBeginsWithAChordMemberHasOneEventMore)
 {
     fill(2);
-    P_NO     = 4;
+    read_section(4);
     EVENTS   = 2;
     EVENT_NO = 3;
     ASSERT_TRUE(StoreInQ(section.queue, 0, 5.0F));

@@ -69,6 +69,13 @@ class SectionTest : public testing::Test {
         }
     }
 
+    // what follows is about a p-field
+    void read_section(std::int32_t pfield)
+    {
+        P_NO        = pfield;
+        section.way = way_of(pfield);
+    }
+
     // one field of every event from the head on
     template <class Field> Floats all(Field field) const
     {
@@ -84,7 +91,7 @@ class SectionTest : public testing::Test {
     }
 
     Event  *list = nullptr;
-    Section section{list, nullptr, nullptr, true, false};
+    Section section{list, nullptr, nullptr, true, false, Way::starts};
 };
 
 } // namespace orlo::test

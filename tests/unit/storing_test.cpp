@@ -155,7 +155,7 @@ TEST_F(Storing, OtherTypesAreNotRounded)
 
 TEST_F(Storing, AStoredValueTakesOneDraw)
 {
-    P_NO = 4;
+    read_section(4);
     fill(2);
     EXPECT_EQ(1, draws_of({3}, [&] { EXPECT_TRUE(store_value(section, 5.0F)); }));
     EXPECT_EQ((Floats{5.0F, 0.0F}), values());
@@ -163,7 +163,7 @@ TEST_F(Storing, AStoredValueTakesOneDraw)
 
 TEST_F(Storing, AStoredValueIsDeviatedByTheSumThenRounded)
 {
-    P_NO     = 4;
+    read_section(4);
     IN_TYPE  = TYPE_NO;
     MAX_DEV  = 0.125F;
     MAX_DEV2 = 0.25F;
@@ -175,7 +175,7 @@ TEST_F(Storing, AStoredValueIsDeviatedByTheSumThenRounded)
 
 TEST_F(Storing, ANegativeNoteIsARest)
 {
-    P_NO    = 4;
+    read_section(4);
     IN_TYPE = TYPE_NO;
     fill(2, 1.5F);
     EXPECT_TRUE(store_value_or_rest(section, -1.0F));
@@ -186,7 +186,7 @@ TEST_F(Storing, ANegativeNoteIsARest)
 
 TEST_F(Storing, ANegativeValueOfAnotherTypeIsNoRest)
 {
-    P_NO = 4;
+    read_section(4);
     fill(1, 1.5F);
     for (const std::int32_t type : {TYPE_RE, TYPE_OP, TYPE_OD}) {
         IN_TYPE = type;
@@ -197,7 +197,7 @@ TEST_F(Storing, ANegativeValueOfAnotherTypeIsNoRest)
 
 TEST_F(Storing, AStartMovesTheBeatByItsValue)
 {
-    P_NO   = 2;
+    read_section(2);
     STIME  = 3.0F;
     CBEATS = 8.0F;
     EXPECT_EQ(1, draws_of({3}, [&] { EXPECT_TRUE(store_start(section, 2.0F, 1.25F)); }));
@@ -209,16 +209,16 @@ TEST_F(Storing, AStartMovesTheBeatByItsValue)
 
 TEST_F(Storing, EveryPFieldIsStoredInItsPlace)
 {
-    P_NO = 2;
+    read_section(2);
     EXPECT_EQ(OK, store_one(section, in, 2.0F, ZeroBy::value));
     EXPECT_EQ(OK, store_one(section, in, 3.0F, ZeroBy::value));
     EXPECT_EQ((Floats{2.0F, 3.0F}), all([](const Event &event) { return event.dur; }));
     EXPECT_EQ(5.0F, CBEATS);
-    P_NO           = 3;
+    read_section(3);
     section.cursor = list;
     EXPECT_EQ(OK, store_one(section, in, 0.5F, ZeroBy::value));
     EXPECT_EQ((Floats{1.0F, 3.0F}), all([](const Event &event) { return event.dur; }));
-    P_NO           = 5;
+    read_section(5);
     section.cursor = list;
     EXPECT_EQ(OK, store_one(section, in, 7.0F, ZeroBy::value));
     EXPECT_EQ((Floats{7.0F, 0.0F}), values(5));
@@ -228,7 +228,7 @@ TEST_F(Storing, AnIntervalOfZeroIsToldByItsValueOrItsSeconds)
 {
     constexpr float TINY = 1e-45F; // no seconds at the highest tempo
     TEMPO_LIST[0]        = {0.0F, 4000.0F, 0.0F, 4000.0F, 1.0F, 0.0F};
-    P_NO                 = 2;
+    read_section(2);
     EXPECT_EQ(ZERO_INTERVAL, store_one(section, in, 0.0F, ZeroBy::value));
     EXPECT_EQ(ZERO_INTERVAL, store_one(section, in, TINY, ZeroBy::seconds));
     EXPECT_EQ(nullptr, list);
@@ -240,7 +240,7 @@ TEST_F(Storing, AnIntervalOfZeroIsToldByItsValueOrItsSeconds)
 
 TEST_F(Storing, TheLastValueIsStoredOnceMore)
 {
-    P_NO = 4;
+    read_section(4);
     fill(3);
     LAST_VAL = 6.0F;
     EXPECT_TRUE(store_value(section, 5.0F));
@@ -251,7 +251,7 @@ TEST_F(Storing, TheLastValueIsStoredOnceMore)
 
 TEST_F(Storing, BehindAChordTheLastChordIsStoredOnceMore)
 {
-    P_NO = 4;
+    read_section(4);
     fill(2);
     EVENTS   = 3;
     EVENT_NO = 2;

@@ -27,6 +27,7 @@ constexpr int         FOR_EVER      = -1;
 constexpr int         NOT_AT_ALL    = 0;
 constexpr int         faults[]      = {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL};
 
+bool                     shown     = true;
 bool                     gathering = false;
 int                      screen    = -1; // its descriptor while text is gathered
 char                     gathered[MOST_GATHERED];
@@ -77,8 +78,14 @@ void change_handlers(void (*from)(int), void (*to)(int))
 
 } // namespace
 
+void show_screen(bool is_shown) { shown = is_shown; }
+
+bool screen_is_shown() { return shown; }
+
 void put_on_screen(const char *text, std::size_t length)
 {
+    if (!shown)
+        return;
     if (!gathering) {
         std::fwrite(text, 1, length, stderr);
         return;

@@ -1,0 +1,7 @@
+#include "base/observer.h"
+
+namespace orlo {
+
+const Observer *observer = nullptr;
+
+} // namespace orlo
