@@ -158,7 +158,7 @@ void report_statistics(std::uint32_t block)
 void tell_events(const Event *list)
 {
     const auto values = static_cast<std::size_t>(MAX_PFIELDS - LEAST_PFIELDS);
-    observer->block_done(MAX_PFIELDS, EVENTS);
+    observer->block_done(MAX_PFIELDS);
     const Event *event = list;
     do {
         event = event->next;

@@ -144,7 +144,7 @@ bool DoListChord(Section &section, std::uint64_t &members)
     members          = 0;
     const bool grows = section.cursor == section.list;
     if (observer != nullptr)
-        observer->chord_repeated(Goes::next, grows);
+        observer->chord_repeated(Goes::next, grows, LUT->pf[value]);
     if (!grows) {
         section.cursor            = section.cursor->next;
         section.cursor->code      = LUT->code;
@@ -163,7 +163,7 @@ bool DoListChord(Section &section, std::uint64_t &members)
         copy->pf[value] = member->pf[value];
         InsertEvent(copy, section);
         if (observer != nullptr)
-            observer->chord_repeated(Goes::beside, false);
+            observer->chord_repeated(Goes::beside, false, member->pf[value]);
         ++members;
     }
     return true;

@@ -65,6 +65,8 @@ bool fill(Reader &in)
     in.offset += in.end;
     in.next = 0;
     in.end  = std::fread(in.block, 1, static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK_SIZE, in.last - in.offset)), in.file);
+    if (observer != nullptr)
+        observer->file_text(in.block, in.end);
     return in.end > 0;
 }
 

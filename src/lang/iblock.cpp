@@ -150,7 +150,7 @@ int do_p1(Input &in)
         return MISSING_OPEN_BRACE;
     ++in.pos;
     if (observer != nullptr)
-        observer->block_header(I_NO, MAX_PFIELDS, SBEAT, BEATS, EVENTS);
+        observer->block_header(I_NO, MAX_PFIELDS, SBEAT, BEATS, EVENTS, in.pos);
     return OK;
 }
 
@@ -187,7 +187,7 @@ int do_section(Input &in, Event *&list)
     if (P_NO == 2)
         EVENTS = EVENT_NO;
     if (observer != nullptr)
-        observer->section_ends(in.pos, EVENTS);
+        observer->section_ends(in.pos);
     return OK;
 }
 
