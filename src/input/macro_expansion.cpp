@@ -10,6 +10,7 @@
 #include "diag/report.h"
 #include "input/comment_flags.h"
 #include "input/macros.h"
+#include "input/names.h"
 
 #include <cstring>
 #include <new>
@@ -27,6 +28,8 @@ namespace {
 
 constexpr int           BODY_TOO_LONG = -2; // of an expansion whose text can't fit into any line
 constexpr std::uint32_t ODD_COLUMN    = 85; // a ">" here does not keep definitions out of the rest of its line
+
+constexpr CharacterSet stops = set_of({"#$;/*>\n\0", 8}); // all that can matter outside definitions, the line's end among them
 
 struct Argument {
     std::string_view name; // of the parameter
@@ -72,10 +75,10 @@ int line_too_long(const Input &in)
 }
 
 // argument -> characters ( "'" | "#" ), the last one -> characters ")"
-int take_argument(std::string &argument, bool last, const std::string &text, std::size_t &pos)
+int take_argument(std::string &argument, bool last, const char *text, std::size_t &pos)
 {
     for (;; ++pos) { // ends with the text
-        if (pos == text.size())
+        if (text[pos] == '\0')
             return BAD_MACRO_SYNTAX;
         const char c = text[pos];
         if (last && c == '\'')
@@ -89,11 +92,11 @@ int take_argument(std::string &argument, bool last, const std::string &text, std
 }
 
 // arguments -> "(" argument { argument } ")"
-int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const std::string &text, std::size_t &pos)
+int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const char *text, std::size_t &pos)
 {
-    while (pos < text.size() && is_blank(text[pos]))
+    while (is_blank(text[pos]))
         ++pos;
-    if (pos == text.size() || text[pos] != '(')
+    if (text[pos] != '(')
         return CALL_NEEDS_PAREN;
     ++pos;
     for (std::size_t i = 0; i < macro.params.size(); ++i) {
@@ -108,16 +111,16 @@ int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const s
     return OK;
 }
 
-void skip_name(const std::string &text, std::size_t &pos)
+void skip_name(const char *text, std::size_t &pos)
 {
-    while (pos < text.size() && is_name_char(text[pos]))
+    while (is_name_char(text[pos]))
         ++pos;
 }
 
 // a parenthesised group, balanced or up to the end
-void skip_args(const std::string &text, std::size_t &pos)
+void skip_args(const char *text, std::size_t &pos)
 {
-    if (pos == text.size() || text[pos] != '(')
+    if (text[pos] != '(')
         return;
     int depth = 0;
     do {
@@ -126,7 +129,7 @@ void skip_args(const std::string &text, std::size_t &pos)
         else if (text[pos] == ')')
             --depth;
         ++pos;
-    } while (depth > 0 && pos < text.size());
+    } while (depth > 0 && text[pos] != '\0');
 }
 
 void announce(std::string_view name, const Input &in)
@@ -139,13 +142,13 @@ void announce(std::string_view name, const Input &in)
 
 // A call in a text: where it starts (the "$") and ends, and what replaces it.
 struct Call {
-    std::size_t start;
-    std::size_t end;
-    std::string body;
+    std::size_t      start;
+    std::size_t      end;
+    std::string_view body;     // of the macro, of the argument, or as it was expanded
+    std::string      expanded; // a body with parameters
 };
 
-int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
-           const Input &in);
+int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth, const Input &in);
 
 // expands the references in a body
 int expand_body(std::string &body, const std::vector<Argument> &arguments, unsigned depth, const Input &in)
@@ -153,7 +156,7 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
     for (std::size_t pos = body.find('$'); pos != std::string::npos; pos = body.find('$', pos)) { // at most MAX_EXPANSIONS
         ++pos;
         Call call{};
-        if (const int error = expand(call, body, pos, arguments, depth, in))
+        if (const int error = expand(call, body.c_str(), pos, arguments, depth, in))
             return error;
         body.replace(call.start, call.end - call.start, call.body);
         if (body.size() > MAX_BODY_TEXT)
@@ -161,7 +164,7 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
         pos = call.start;
         if (call.body.starts_with('$')) { // left for the scan of the line
             ++pos;
-            skip_name(body, pos);
+            skip_name(body.c_str(), pos);
         }
     }
     return OK;
@@ -169,11 +172,10 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
 
 // call -> "$" name [ arguments ]
 // with the position after the "$"; left after what was read
-int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
-           const Input &in)
+int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth, const Input &in)
 {
     call.start                  = pos - 1;
-    const std::string_view name = take_name(text.c_str(), pos);
+    const std::string_view name = take_name(text, pos);
     const Meaning          what = find_meaning(name, locals);
     if (what.macro == nullptr && what.argument == nullptr)
         return no_such_macro(name, in);
@@ -189,8 +191,10 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
         std::vector<Argument> arguments;
         if (const int error = take_arguments(arguments, *what.macro, text, pos))
             return error;
-        if (const int error = expand_body(call.body, arguments, depth + 1, in))
+        call.expanded = what.macro->body;
+        if (const int error = expand_body(call.expanded, arguments, depth + 1, in))
             return error;
+        call.body = call.expanded;
     }
     announce(name, in);
     return OK;
@@ -200,16 +204,15 @@ int expand_in_line(Input &in)
 {
     if (expansions.line_no != in.line_no)
         expansions = {in.line_no, 0};
-    const std::string text{in.line};
-    std::size_t       pos = in.pos;
-    Call              call{};
-    const int         result = expand(call, text, pos, {}, 1, in);
-    in.pos                   = static_cast<std::uint32_t>(result == BODY_TOO_LONG ? call.start : pos);
+    std::size_t pos = in.pos;
+    Call        call{};
+    const int   result = expand(call, in.line, pos, {}, 1, in);
+    in.pos             = static_cast<std::uint32_t>(result == BODY_TOO_LONG ? call.start : pos);
     if (result == BODY_TOO_LONG)
         return line_too_long(in);
     if (result != OK)
         return result;
-    return replace_in_line(in, call.start, call.end, call.body.c_str(), call.body.size());
+    return replace_in_line(in, call.start, call.end, call.body.data(), call.body.size());
 }
 
 // directives whose line is not scanned for calls: "#undef", "#const", "#if", "#endif"
@@ -231,6 +234,13 @@ void scan_definition(Input &in, PassComments &flags, DefinitionMarks &marks)
     if (c == '#' && !flags.comment && ++IN_MACRO_DEF == 3)
         IN_MACRO_DEF = 0;
     follow_comment(flags, c, in.line[in.pos + 1]);
+}
+
+// moves on to the next character that scan_plain has to look at
+void skip_plain(Input &in)
+{
+    while (!stops.has(peek(in)))
+        ++in.pos;
 }
 
 struct LineScan {
@@ -278,6 +288,8 @@ int parse_macros(Input &in, DefinitionMarks &marks)
             return error;
         if (!expanded)
             ++in.pos;
+        if (IN_MACRO_DEF == 0)
+            skip_plain(in);
     }
     IN_COMMENT = scan.flags.block;
     in.pos     = 0;

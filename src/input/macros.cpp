@@ -8,22 +8,16 @@
 #include "input/comment_flags.h"
 #include "input/conditionals.h"
 #include "input/directives.h"
+#include "input/names.h"
 
 #include <cstring>
-#include <functional>
 #include <new>
-#include <unordered_map>
 #include <utility>
 
 namespace orlo {
 namespace {
 
-struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
-};
-
-std::unordered_map<std::string, Macro, NameHash, std::equal_to<>> macro_list;
+NameTable<Macro> macro_list{};
 
 int too_long(const char *what, std::size_t limit, const Input &in)
 {
@@ -143,18 +137,12 @@ int get_macro(Macro &macro, Input &in)
     return get_body(macro.body, in);
 }
 
-int store_macro(Macro &macro)
-{
-    const std::string name = macro.name;
-    return macro_list.try_emplace(name, std::move(macro)).second ? OK : DUPLICATE_MACRO;
-}
-
 int do_define(Input &in)
 {
     Macro macro;
     if (const int error = get_macro(macro, in))
         return error;
-    return store_macro(macro);
+    return add_named(macro_list, std::move(macro)) ? OK : DUPLICATE_MACRO;
 }
 
 // undefine -> "undef" blank name
@@ -169,13 +157,12 @@ int do_undefine(Input &in)
     const std::uint32_t start = in.pos;
     while (peek(in) != '\0' && !is_blank(peek(in)))
         ++in.pos;
-    if (macro_list.empty())
+    if (macro_list.records == 0)
         return NO_MACROS;
     const std::string_view name{in.line + start, in.pos - start};
-    const auto             found = macro_list.find(name);
-    if (found == macro_list.end())
+    if (find_named(macro_list, name) == nullptr)
         return no_such_macro(name, in);
-    macro_list.erase(found);
+    remove_named(macro_list, name);
     return OK;
 }
 
@@ -208,11 +195,7 @@ int parse_macro(Input &in)
     }
 }
 
-const Macro *find_macro(std::string_view name)
-{
-    const auto found = macro_list.find(name);
-    return found != macro_list.end() ? &found->second : nullptr;
-}
+const Macro *find_macro(std::string_view name) { return find_named(macro_list, name); }
 
 int no_such_macro(std::string_view name, const Input &in)
 {
@@ -221,7 +204,7 @@ int no_such_macro(std::string_view name, const Input &in)
     return TEXT_REPORTED;
 }
 
-void free_macro_list() { decltype(macro_list){}.swap(macro_list); } // gives the table back too
+void free_macro_list() { macro_list = {}; }
 
 void print_macro(const Macro &macro)
 {
@@ -229,17 +212,6 @@ void print_macro(const Macro &macro)
     for (std::size_t i = 0; i < macro.params.size(); ++i)
         Mprintf("\n\t\tARG %d: %s", i, macro.params[i].c_str());
     Mprintf("\n\tBODY: %s ", macro.body.c_str());
-}
-
-bool is_name_char(char c) { return is_letter(c) || is_digit(c) || c == '_'; }
-
-std::string_view take_name(const char *text, std::size_t &pos)
-{
-    const std::size_t start = pos;
-    if (is_letter(text[pos]))
-        while (is_name_char(text[pos]))
-            ++pos;
-    return {text + start, pos - start};
 }
 
 void move_within_line(Input &in, std::size_t characters)
