@@ -65,11 +65,11 @@ struct Observer {
     void (*definition_begins)(std::size_t column); // its "#"
     void (*macro_name)(std::size_t begin, std::size_t end);
     void (*macro_parameter)(const char *name, std::size_t length);
-    void (*body_part)(std::size_t begin, std::size_t end); // characters of the line that the body gains
-    void (*body_line_end)();                               // the body gains a line end
+    void (*body_part)(std::size_t begin, std::size_t end); // what the body gains of the line, nothing for a line end
     void (*macro_defined)(const char *name, const char *body, std::size_t end, bool stored); // not stored: it is there already
     void (*macro_undefined)(const char *name, std::size_t length, std::size_t end);
     void (*constant_defined)(const char *name, double value, std::size_t begin, std::size_t end, bool stored); // its value stands there
+    void (*constant_used)(const char *name, std::size_t length, std::size_t begin, std::size_t end);
     void (*condition)(std::size_t begin, std::size_t end, bool taken);
     void (*condition_ends)(std::size_t begin, std::size_t end);
     void (*equation_drew)(); // a "?"

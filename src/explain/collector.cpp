@@ -5,13 +5,16 @@
 
 #include "base/codes.h"
 #include "base/random.h"
+#include "diag/messages.h"
 #include "events/block.h"
 #include "events/tempo_map.h"
 #include "explain/distinct.h"
 #include "explain/ring.h"
+#include "input/line_reader.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <map>
 
 namespace orlo::explain {
@@ -150,13 +153,12 @@ void definition_begins(std::size_t column)
 void macro_name(std::size_t begin, std::size_t end) { now.macro.name_place = here(begin, end); }
 void macro_parameter(const char *name, std::size_t length) { now.macro.parameters.emplace_back(name, length); }
 
-void body_part(std::size_t begin, std::size_t end) { append(now.macro.map, part_of(now.piece->source.line(), begin, end)); }
-
-// a line end, which stands behind the line
-void body_line_end()
+// a line end stands for the blank that the line ends with
+void body_part(std::size_t begin, std::size_t end)
 {
-    const std::size_t length = now.piece->source.line().length;
-    append(now.macro.map, part_of(now.piece->source.line(), length > 0 ? length - 1 : 0, length));
+    const TextMap &line = now.piece->source.line();
+    const bool     ends = begin == end;
+    append(now.macro.map, ends ? part_of(line, line.length - std::min<std::size_t>(line.length, 1), line.length) : part_of(line, begin, end));
 }
 
 void macro_defined(const char *name, const char *body, std::size_t end, bool stored)
@@ -165,7 +167,6 @@ void macro_defined(const char *name, const char *body, std::size_t end, bool sto
     now.macro.body  = body;
     now.macro.place = now.definition;
     extend(now.macro.place, end);
-    now.macro.map.length = std::max(now.macro.map.length, now.macro.body.size());
     if (!stored)
         return;
     now.macros[now.macro.name] = static_cast<std::int32_t>(now.piece->macros.size());
@@ -191,6 +192,13 @@ void constant_defined(const char *name, double value, std::size_t begin, std::si
     }
     now.constants[name] = static_cast<std::int32_t>(now.piece->constants.size());
     now.piece->constants.push_back({name, value, here(begin, end), as_number(part_of(now.piece->source.line(), begin, end))});
+}
+
+void constant_used(const char *name, std::size_t length, std::size_t begin, std::size_t end)
+{
+    const std::int32_t found = find(now.constants, {name, length});
+    if (found != NONE)
+        now.piece->constants[static_cast<std::size_t>(found)].uses.push_back(here(begin, end));
 }
 
 void condition(std::size_t begin, std::size_t end, bool taken)
@@ -807,15 +815,32 @@ void message_ends()
 
 bool belongs_to_word(char c) { return is_letter(c) || is_digit(c) || c == '_' || c == '.'; }
 
+// behind the line is where its line end stands
+Place end_of_line(const char *line)
+{
+    const std::size_t length = now.piece->source.line().length;
+    Place             place  = now.piece->source.place_of(length - std::min<std::size_t>(length, 1), length);
+    if (length == 0 || is_blank(line[length - 1]))
+        place.end = place.begin;
+    else
+        place.begin = place.end;
+    return place;
+}
+
 void message_place(const char *line, std::size_t column)
 {
     if (now.piece->diagnostics.empty() || !now.piece->source.has_lines())
         return;
-    const std::size_t length = now.piece->source.line().length;
-    std::size_t       end    = std::min(column + 1, length);
+    Place            &place  = now.piece->diagnostics.back().place;
+    const std::size_t length = std::min(now.piece->source.line().length, std::strlen(line));
+    if (column >= length) {
+        place = end_of_line(line);
+        return;
+    }
+    std::size_t end = column + 1;
     while (end < length && belongs_to_word(line[end - 1]) && belongs_to_word(line[end]))
         ++end;
-    now.piece->diagnostics.back().place = now.piece->source.place_of(std::min(column, end), end);
+    place = now.piece->source.place_of(column, end);
 }
 
 void recovery_begins()
@@ -828,8 +853,8 @@ void recovery_begins()
 
 constexpr Observer functions = {
     include_met,    file_opened,    file_text,     file_left,       copy_continues,   line_read,       call_begins,
-    argument_taken, call_replaced,  definition_begins, macro_name,  macro_parameter,  body_part,       body_line_end,
-    macro_defined,  macro_undefined, constant_defined, condition,   condition_ends,   equation_drew,   block_begins,
+    argument_taken, call_replaced,  definition_begins, macro_name,  macro_parameter,  body_part,
+    macro_defined,  macro_undefined, constant_defined, constant_used, condition,   condition_ends,   equation_drew,   block_begins,
     block_header,   block_skipped,  block_starts,  block_ends,      section_begins,   output_type,     input_type,
     section_ends,   command_begins, number_read,   command_read,    loop_mark,        literal,         repeat,
     fill,           set_chosen,     refused,       walked,          started,          lasted,          stored,

@@ -38,10 +38,11 @@ struct Macro {
 };
 
 struct Constant {
-    std::string name;
-    double      value;
-    Place       place;
-    TextMap     map; // of its value
+    std::string        name;
+    double             value;
+    Place              place;
+    TextMap            map; // of its value
+    std::vector<Place> uses;
 };
 
 struct Conditional {

@@ -100,6 +100,19 @@ TextMap part_of(const TextMap &text, std::size_t begin, std::size_t end, std::in
     return part;
 }
 
+TextMap as_number(const TextMap &text)
+{
+    TextMap number;
+    if (text.stretches.empty())
+        return number;
+    const Stretch &first = text.stretches.front();
+    const Stretch &last  = text.stretches.back();
+    const bool     whole = last.call == first.call && last.end >= first.begin;
+    number.stretches.push_back({0, first.begin, whole ? last.end : first.end, first.call, true});
+    number.length = 1;
+    return number;
+}
+
 void append(TextMap &text, const TextMap &more) { add_part(text, more, 0, more.length, NONE); }
 
 void splice(TextMap &text, std::size_t begin, std::size_t end, const TextMap &inner)

@@ -43,6 +43,9 @@ struct TextMap {
 /// Adds a text behind another.
 void append(TextMap &text, const TextMap &more);
 
+/// A text that is written anew, and comes from all of another as a whole.
+[[nodiscard]] TextMap as_number(const TextMap &text);
+
 /// Replaces a part of a text.
 void splice(TextMap &text, std::size_t begin, std::size_t end, const TextMap &inner);
 

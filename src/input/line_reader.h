@@ -60,7 +60,11 @@ char get_c(Input &in);
 [[nodiscard]] int pass_comment(Input &in, Comment kind);
 
 /// Moves over blanks within the line.
-void skip_blanks(Input &in);
+inline void skip_blanks(Input &in)
+{
+    while (is_blank(peek(in)))
+        ++in.pos;
+}
 
 /// Moves over blanks and line ends. @return 0 on a character that is not blank, END_OF_INPUT, or an error
 [[nodiscard]] int skip_lines(Input &in);

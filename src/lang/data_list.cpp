@@ -8,13 +8,14 @@
 #include "events/block.h"
 #include "events/filling.h"
 #include "events/storing.h"
+#include "input/character_set.h"
 #include "input/scanners.h"
 #include "words/values.h"
 
 namespace orlo {
 namespace {
 
-bool is_separator(char c) { return is_blank(c) || c == '/' || c == '\'' || c == ',' || c == ':'; }
+constexpr CharacterSet separators = set_of(" \t\n\v\f\r/',:");
 
 // the section ends here: nothing more fits into the block
 int block_full(Section &section, const Input &in, Warning warning)
@@ -131,7 +132,7 @@ int do_separators(Section &section, Input &in)
 int parse_pdata(Section &section, Input &in)
 {
     const char c = peek(in);
-    if (is_separator(c) || c == 'x')
+    if (separators.has(c) || c == 'x')
         return do_separators(section, in);
     return in_limits(c) ? do_data(section, in) : OUT_OF_BOUNDS;
 }

@@ -6,6 +6,7 @@
 #include "base/numerics.h"
 #include "base/switches.h"
 #include "events/block.h"
+#include "input/character_set.h"
 #include "input/scanners.h"
 
 namespace orlo {
@@ -48,6 +49,10 @@ bool take_modifiers(float &pitch_class, Input &in)
         }
     }
 }
+
+constexpr CharacterSet whole_starts  = set_of("0123456789+-");
+constexpr CharacterSet octave_starts = set_of("0123456789+-zZ");
+constexpr CharacterSet real_starts   = set_of("0123456789+-zZ.");
 
 bool get_whole(float &value, Input &in)
 {
@@ -132,20 +137,17 @@ bool get_rdc(float &value, Input &in)
 
 bool in_limits(char c)
 {
-    const bool digit = is_digit(c);
-    const bool sign  = c == '-' || c == '+';
-    const bool last  = lower(c) == 'z';
     switch (IN_TYPE) {
     case TYPE_DB:
     case TYPE_RE:
     case TYPE_RH:
-        return digit || sign || last || c == '.';
+        return real_starts.has(c);
     case TYPE_IN:
-        return digit || sign;
+        return whole_starts.has(c);
     case TYPE_NO:
-        return digit || is_letter(c);
+        return is_digit(c) || is_letter(c);
     case TYPE_OP:
-        return digit || sign || last;
+        return octave_starts.has(c);
     default:
         return false;
     }
