@@ -218,12 +218,33 @@ void condition_ends(std::size_t begin, std::size_t end)
 
 void equation_drew() { now.drawn = draws_made(); }
 
+void close_loop(Loop &loop, bool open)
+{
+    loop.count = section().count - loop.first;
+    loop.open  = open;
+}
+
+bool loop_is_open() { return !section().loops.empty() && section().loops.back().open; }
+
+void end_section()
+{
+    if (!now.in_section)
+        return;
+    if (loop_is_open() && section().loops.back().count == 0)
+        close_loop(section().loops.back(), true);
+    section().distinct = now.distinct.count();
+    if (!section().filled)
+        section().written = section().count;
+    now.in_section = false;
+}
+
 // blocks
 
 void block_begins(std::size_t column)
 {
     const Place place = here(column, column + 1);
-    if (!now.in_block) {
+    if (!now.in_block || now.recovering) { // a second header in a block takes the place of the first
+        end_section();
         now.block = static_cast<std::int32_t>(now.piece->blocks.size());
         now.piece->blocks.emplace_back();
     }
@@ -293,26 +314,6 @@ void output_type(std::int32_t code, std::size_t, std::size_t) { section().output
 void input_type(std::int32_t code, std::size_t begin, std::size_t end)
 {
     section().inputs.push_back({code, here(begin, end), section().count});
-}
-
-void close_loop(Loop &loop, bool open)
-{
-    loop.count = section().count - loop.first;
-    loop.open  = open;
-}
-
-bool loop_is_open() { return !section().loops.empty() && section().loops.back().open; }
-
-void end_section()
-{
-    if (!now.in_section)
-        return;
-    if (loop_is_open() && section().loops.back().count == 0)
-        close_loop(section().loops.back(), true);
-    section().distinct = now.distinct.count();
-    if (!section().filled)
-        section().written = section().count;
-    now.in_section = false;
 }
 
 void section_ends(std::size_t column)
@@ -835,7 +836,7 @@ void message_place(const char *line, std::size_t column)
         return;
     Place            &place  = now.piece->diagnostics.back().place;
     const std::size_t length = std::min(now.piece->source.line().length, std::strlen(line));
-    if (column >= length) {
+    if (column >= length || (column + 1 == length && is_blank(line[column]))) {
         place = end_of_line(line);
         return;
     }
