@@ -87,7 +87,7 @@ struct Observer {
     void (*section_begins)(std::int32_t pfield, std::size_t column); // its "p"
     void (*output_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*input_type)(std::int32_t code, std::size_t begin, std::size_t end);
-    void (*section_ends)(std::size_t column);
+    void (*section_ends)();
 
     // what stands in sections and between blocks
     void (*command_begins)(std::int32_t code, std::size_t column);

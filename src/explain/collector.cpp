@@ -88,6 +88,15 @@ void extend(Place &place, std::size_t end)
         place = now.piece->source.join(place, here(end - 1, end));
 }
 
+// a part of the open section
+Place in_section_here(std::size_t begin, std::size_t end)
+{
+    const Place place = here(begin, end);
+    if (now.in_section)
+        section().place = now.piece->source.join(section().place, place);
+    return place;
+}
+
 std::vector<Command> &commands()
 {
     if (now.in_section)
@@ -309,18 +318,18 @@ void section_begins(std::int32_t pfield, std::size_t column)
         now.ring.begin_section(static_cast<std::size_t>(pfield));
 }
 
-void output_type(std::int32_t code, std::size_t, std::size_t) { section().output = code; }
+void output_type(std::int32_t code, std::size_t begin, std::size_t end)
+{
+    section().output = code;
+    in_section_here(begin, end);
+}
 
 void input_type(std::int32_t code, std::size_t begin, std::size_t end)
 {
-    section().inputs.push_back({code, here(begin, end), section().count});
+    section().inputs.push_back({code, in_section_here(begin, end), section().count});
 }
 
-void section_ends(std::size_t column)
-{
-    extend(section().place, column);
-    end_section();
-}
+void section_ends() { end_section(); }
 
 // commands
 
@@ -330,7 +339,7 @@ void command_begins(std::int32_t code, std::size_t column)
         return;
     Command &begun = commands().emplace_back();
     begun.code     = code;
-    begun.place    = here(column, column + 2);
+    begun.place    = in_section_here(column, column + 2);
     now.in_command = true;
 }
 
@@ -419,7 +428,7 @@ void number_read(Part part, double value, std::size_t begin, std::size_t end)
     if (!now.in_command)
         return;
     Command    &command = commands().back();
-    const Place place   = here(begin, end);
+    const Place place   = in_section_here(begin, end);
     command.place       = now.piece->source.join(command.place, place);
     switch (part) {
     case Part::seed:
@@ -468,7 +477,8 @@ void command_read(std::size_t end)
     if (!now.in_command)
         return;
     Command &command = commands().back();
-    extend(command.place, end);
+    if (end > 0)
+        command.place = now.piece->source.join(command.place, in_section_here(end - 1, end));
     drop_empty_lists(command);
     now.in_command = false;
     if (command.code == CMD_TE && !command.numbers.empty())
@@ -489,7 +499,7 @@ void command_read(std::size_t end)
 
 void loop_mark(bool opens, std::size_t column)
 {
-    const Place place = here(column, column + 1);
+    const Place place = in_section_here(column, column + 1);
     if (opens) {
         section().loops.push_back({place, section().count});
     } else if (loop_is_open()) {
@@ -504,7 +514,7 @@ void literal(std::size_t begin, std::size_t end)
     if (now.source.kind != Kind::literal)
         now.new_source = true;
     now.source.kind  = Kind::literal;
-    now.source.place = here(begin, end);
+    now.source.place = in_section_here(begin, end);
 }
 
 void repeat_from(Kind kind)
@@ -519,7 +529,7 @@ void repeat_from(Kind kind)
 void repeat(std::size_t begin, std::size_t end)
 {
     repeat_from(Kind::repeat);
-    now.source.place = here(begin, end);
+    now.source.place = in_section_here(begin, end);
 }
 
 void fill(bool by_loop)
