@@ -49,7 +49,7 @@ struct Observer {
     // files and how they become the combined input
     void (*include_met)(std::uint64_t begin, std::uint64_t end);  // a directive, by bytes of the file that is being copied
     void (*file_opened)(const char *name, bool found);            // the piece, then what is included; one that is found is copied
-    void (*file_text)(const char *text, std::size_t length);     // what is read of the file that is copied, in order
+    void (*file_text)(const char *text, std::size_t length);      // what is read of the file that is copied, in order
     void (*file_left)();                                          // back to the file before it
     void (*copy_continues)(std::uint64_t to, std::uint64_t from); // byte "to" of the combined input is byte "from" of the file
 
@@ -68,7 +68,8 @@ struct Observer {
     void (*body_part)(std::size_t begin, std::size_t end); // what the body gains of the line, nothing for a line end
     void (*macro_defined)(const char *name, const char *body, std::size_t end, bool stored); // not stored: it is there already
     void (*macro_undefined)(const char *name, std::size_t length, std::size_t end);
-    void (*constant_defined)(const char *name, double value, std::size_t begin, std::size_t end, bool stored); // its value stands there
+    void (*constant_defined)(const char *name, double value, std::size_t begin, std::size_t end,
+                             bool stored); // its value stands there
     void (*constant_used)(const char *name, std::size_t length, std::size_t begin, std::size_t end);
     void (*condition)(std::size_t begin, std::size_t end, bool taken);
     void (*condition_ends)(std::size_t begin, std::size_t end);
@@ -86,7 +87,7 @@ struct Observer {
     void (*section_begins)(std::int32_t pfield, std::size_t column); // its "p"
     void (*output_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*input_type)(std::int32_t code, std::size_t begin, std::size_t end);
-    void (*section_ends)(std::size_t column);
+    void (*section_ends)();
 
     // what stands in sections and between blocks
     void (*command_begins)(std::int32_t code, std::size_t column);
@@ -104,8 +105,8 @@ struct Observer {
     void (*started)(Goes goes, float beats, float deviated, float tempo); // p2: interval as read, in seconds
     void (*lasted)(float value, float deviated, float duration);          // p3: as read, its amount, in seconds
     void (*stored)(Goes goes, float value, float deviated, float result); // p4 and up
-    void (*chord_repeated)(Goes goes, bool grows, float value); // of the last chord; grows: the list by an event
-    void (*rest)();                                // the value that was stored last was a rest
+    void (*chord_repeated)(Goes goes, bool grows, float value);           // of the last chord; grows: the list by an event
+    void (*rest)();                                                       // the value that was stored last was a rest
 
     // what comes of a block
     void (*block_done)(std::int32_t pfields); // its events follow, from the first on
@@ -120,7 +121,7 @@ struct Observer {
     void (*message_text)(const char *text, std::size_t length); // a part of it
     void (*message_ends)();
     void (*message_place)(const char *line, std::size_t column); // of the message before, in the line that was read last
-    void (*recovery_begins)();                 // the run has failed; what is told from here on is only looked at
+    void (*recovery_begins)();                                   // the run has failed; what is told from here on is only looked at
 };
 
 extern const Observer *observer; // null in orlo, and at start; set by companions

@@ -18,7 +18,7 @@
 
 namespace orlo {
 
-std::FILE *fllog = nullptr;
+std::FILE *fllog;
 
 namespace {
 
@@ -45,8 +45,8 @@ void write_to_log(const char *text, std::size_t length)
         keep(text, length);
 }
 
-bool screen_is_terminal = false; // found out when a run begins
-bool log_is_terminal    = false; // and when its log is started
+bool screen_is_terminal; // found out when a run begins
+bool log_is_terminal;    // and when its log is started
 
 struct Text {
     std::FILE  *stream;  // null when it goes to the log alone

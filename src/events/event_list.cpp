@@ -15,14 +15,14 @@
 
 namespace orlo {
 
-Event *note_list = nullptr;
+Event *note_list;
 
 namespace {
 
 constexpr std::int32_t LEAST_VALUES = 2; // room that every event has: a MIDI note has a velocity and a key, whatever the block has
 
-float last_dur    = 0.0F;  // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
-bool  has_members = false; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
+float last_dur;    // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
+bool  has_members; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
 
 // links an event after another one
 void link_after(Event *event, Event *before)

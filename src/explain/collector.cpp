@@ -22,7 +22,7 @@ namespace {
 
 // What a value is of, until something else is told.
 struct Source {
-    Kind          kind = Kind::literal;
+    Kind          kind    = Kind::literal;
     std::size_t   command = 0; // of a generator
     Place         place;       // of a repeat, or of the next literal
     std::uint64_t of    = 0;   // the value that is repeated
@@ -30,39 +30,39 @@ struct Source {
 };
 
 struct Collector {
-    Piece  *piece  = nullptr;
-    Detail  detail = Detail::events;
-    bool    recovering = false;
+    Piece *piece      = nullptr;
+    Detail detail     = Detail::events;
+    bool   recovering = false;
 
     // what is open
-    std::int32_t block    = NONE; // index; the last one even after its end
-    bool         in_block = false;
-    bool         in_section = false;
-    bool         in_command = false;
-    std::size_t  reported = 0; // diagnostics that the open block had none of before
-    Place        definition;   // of a macro: where it begins
-    Macro        macro;
-    std::vector<std::size_t> open_conditionals;
+    std::int32_t                                     block      = NONE; // index; the last one even after its end
+    bool                                             in_block   = false;
+    bool                                             in_section = false;
+    bool                                             in_command = false;
+    std::size_t                                      reported   = 0; // diagnostics that the open block had none of before
+    Place                                            definition;     // of a macro: where it begins
+    Macro                                            macro;
+    std::vector<std::size_t>                         open_conditionals;
     std::map<std::string, std::int32_t, std::less<>> macros; // by name: index of the one that is in force
     std::map<std::string, std::int32_t, std::less<>> constants;
-    Place last_place; // of what was read last
+    Place                                            last_place; // of what was read last
 
     // of the section
-    Source        source;
-    bool          new_source = true; // the next value begins a run
-    std::size_t   set        = 0;
-    float         position = 0.0F, window_low = 0.0F, window_high = 0.0F;
-    bool          walks = false;
-    std::uint64_t last_read = 0; // the value that was read or generated last
-    std::uint64_t chord     = 0; // the first value of the last chord
-    std::uint64_t members   = 0; // its values, and how many of them have been repeated
-    std::uint64_t repeated  = 0;
-    std::vector<std::uint64_t> looped; // values in loops
-    std::uint64_t turns = 0;           // values that a loop has filled
-    std::uint64_t drawn = 0;           // draws of the sequence so far
-    std::vector<Refused> refused;      // of the next value
-    Ring     ring;
-    Distinct distinct;
+    Source                     source;
+    bool                       new_source = true; // the next value begins a run
+    std::size_t                set        = 0;
+    float                      position = 0.0F, window_low = 0.0F, window_high = 0.0F;
+    bool                       walks     = false;
+    std::uint64_t              last_read = 0; // the value that was read or generated last
+    std::uint64_t              chord     = 0; // the first value of the last chord
+    std::uint64_t              members   = 0; // its values, and how many of them have been repeated
+    std::uint64_t              repeated  = 0;
+    std::vector<std::uint64_t> looped;    // values in loops
+    std::uint64_t              turns = 0; // values that a loop has filled
+    std::uint64_t              drawn = 0; // draws of the sequence so far
+    std::vector<Refused>       refused;   // of the next value
+    Ring                       ring;
+    Distinct                   distinct;
 
     // of the events
     std::size_t told = 0; // events
@@ -86,6 +86,15 @@ void extend(Place &place, std::size_t end)
 {
     if (end > 0)
         place = now.piece->source.join(place, here(end - 1, end));
+}
+
+// a part of the open section
+Place in_section_here(std::size_t begin, std::size_t end)
+{
+    const Place place = here(begin, end);
+    if (now.in_section)
+        section().place = now.piece->source.join(section().place, place);
+    return place;
 }
 
 std::vector<Command> &commands()
@@ -158,7 +167,8 @@ void body_part(std::size_t begin, std::size_t end)
 {
     const TextMap &line = now.piece->source.line();
     const bool     ends = begin == end;
-    append(now.macro.map, ends ? part_of(line, line.length - std::min<std::size_t>(line.length, 1), line.length) : part_of(line, begin, end));
+    append(now.macro.map,
+           ends ? part_of(line, line.length - std::min<std::size_t>(line.length, 1), line.length) : part_of(line, begin, end));
 }
 
 void macro_defined(const char *name, const char *body, std::size_t end, bool stored)
@@ -191,7 +201,7 @@ void constant_defined(const char *name, double value, std::size_t begin, std::si
         return;
     }
     now.constants[name] = static_cast<std::int32_t>(now.piece->constants.size());
-    now.piece->constants.push_back({name, value, here(begin, end), as_number(part_of(now.piece->source.line(), begin, end))});
+    now.piece->constants.push_back({name, value, here(begin, end), as_number(part_of(now.piece->source.line(), begin, end)), {}});
 }
 
 void constant_used(const char *name, std::size_t length, std::size_t begin, std::size_t end)
@@ -217,12 +227,33 @@ void condition_ends(std::size_t begin, std::size_t end)
 
 void equation_drew() { now.drawn = draws_made(); }
 
+void close_loop(Loop &loop, bool open)
+{
+    loop.count = section().count - loop.first;
+    loop.open  = open;
+}
+
+bool loop_is_open() { return !section().loops.empty() && section().loops.back().open; }
+
+void end_section()
+{
+    if (!now.in_section)
+        return;
+    if (loop_is_open() && section().loops.back().count == 0)
+        close_loop(section().loops.back(), true);
+    section().distinct = now.distinct.count();
+    if (!section().filled)
+        section().written = section().count;
+    now.in_section = false;
+}
+
 // blocks
 
 void block_begins(std::size_t column)
 {
     const Place place = here(column, column + 1);
-    if (!now.in_block) {
+    if (!now.in_block || now.recovering) { // a second header in a block takes the place of the first
+        end_section();
         now.block = static_cast<std::int32_t>(now.piece->blocks.size());
         now.piece->blocks.emplace_back();
     }
@@ -287,38 +318,18 @@ void section_begins(std::int32_t pfield, std::size_t column)
         now.ring.begin_section(static_cast<std::size_t>(pfield));
 }
 
-void output_type(std::int32_t code, std::size_t, std::size_t) { section().output = code; }
+void output_type(std::int32_t code, std::size_t begin, std::size_t end)
+{
+    section().output = code;
+    in_section_here(begin, end);
+}
 
 void input_type(std::int32_t code, std::size_t begin, std::size_t end)
 {
-    section().inputs.push_back({code, here(begin, end), section().count});
+    section().inputs.push_back({code, in_section_here(begin, end), section().count});
 }
 
-void close_loop(Loop &loop, bool open)
-{
-    loop.count = section().count - loop.first;
-    loop.open  = open;
-}
-
-bool loop_is_open() { return !section().loops.empty() && section().loops.back().open; }
-
-void end_section()
-{
-    if (!now.in_section)
-        return;
-    if (loop_is_open() && section().loops.back().count == 0)
-        close_loop(section().loops.back(), true);
-    section().distinct = now.distinct.count();
-    if (!section().filled)
-        section().written = section().count;
-    now.in_section = false;
-}
-
-void section_ends(std::size_t column)
-{
-    extend(section().place, column);
-    end_section();
-}
+void section_ends() { end_section(); }
 
 // commands
 
@@ -328,7 +339,7 @@ void command_begins(std::int32_t code, std::size_t column)
         return;
     Command &begun = commands().emplace_back();
     begun.code     = code;
-    begun.place    = here(column, column + 2);
+    begun.place    = in_section_here(column, column + 2);
     now.in_command = true;
 }
 
@@ -417,7 +428,7 @@ void number_read(Part part, double value, std::size_t begin, std::size_t end)
     if (!now.in_command)
         return;
     Command    &command = commands().back();
-    const Place place   = here(begin, end);
+    const Place place   = in_section_here(begin, end);
     command.place       = now.piece->source.join(command.place, place);
     switch (part) {
     case Part::seed:
@@ -446,7 +457,8 @@ void number_read(Part part, double value, std::size_t begin, std::size_t end)
 
 void add_tempo_change(const Command &command)
 {
-    const std::size_t   index = command.numbers.front() == 0.0F || command.numbers.size() == 1 ? 0 : static_cast<std::size_t>(TOT_TEMPOS) - 1;
+    const std::size_t index =
+        command.numbers.front() == 0.0 || command.numbers.size() == 1 ? 0 : static_cast<std::size_t>(TOT_TEMPOS) - 1;
     const TempoSegment &segment = TEMPO_LIST[index];
     now.piece->tempo.push_back({command.place, segment.stime, segment.etime, segment.stempo, segment.etempo,
                                 static_cast<int>(segment.type), static_cast<double>(segment.vcurve)});
@@ -465,7 +477,8 @@ void command_read(std::size_t end)
     if (!now.in_command)
         return;
     Command &command = commands().back();
-    extend(command.place, end);
+    if (end > 0)
+        command.place = now.piece->source.join(command.place, in_section_here(end - 1, end));
     drop_empty_lists(command);
     now.in_command = false;
     if (command.code == CMD_TE && !command.numbers.empty())
@@ -486,7 +499,7 @@ void command_read(std::size_t end)
 
 void loop_mark(bool opens, std::size_t column)
 {
-    const Place place = here(column, column + 1);
+    const Place place = in_section_here(column, column + 1);
     if (opens) {
         section().loops.push_back({place, section().count});
     } else if (loop_is_open()) {
@@ -501,7 +514,7 @@ void literal(std::size_t begin, std::size_t end)
     if (now.source.kind != Kind::literal)
         now.new_source = true;
     now.source.kind  = Kind::literal;
-    now.source.place = here(begin, end);
+    now.source.place = in_section_here(begin, end);
 }
 
 void repeat_from(Kind kind)
@@ -516,7 +529,7 @@ void repeat_from(Kind kind)
 void repeat(std::size_t begin, std::size_t end)
 {
     repeat_from(Kind::repeat);
-    now.source.place = here(begin, end);
+    now.source.place = in_section_here(begin, end);
 }
 
 void fill(bool by_loop)
@@ -555,17 +568,17 @@ bool follows_each_other(const std::vector<std::uint64_t> &values)
 
 void begin_run(Section &section)
 {
-    Run &run      = section.runs.emplace_back();
-    run.kind      = now.source.kind;
-    run.sequence  = now.piece->sequences.size() - 1;
-    run.deviation = MAX_DEV + MAX_DEV2;
-    run.factor    = section.pfield > 2 ? PFACTOR : 1.0F;
+    Run &run       = section.runs.emplace_back();
+    run.kind       = now.source.kind;
+    run.sequence   = now.piece->sequences.size() - 1;
+    run.deviation  = MAX_DEV + MAX_DEV2;
+    run.factor     = section.pfield > 2 ? PFACTOR : 1.0F;
     run.first_draw = now.drawn;
-    run.places    = section.places.size();
-    run.place     = now.source.place;
-    run.of        = now.source.of;
-    run.cycle     = now.source.cycle;
-    run.command   = now.source.command;
+    run.places     = section.places.size();
+    run.place      = now.source.place;
+    run.of         = now.source.of;
+    run.cycle      = now.source.cycle;
+    run.command    = now.source.command;
     if (run.kind == Kind::loop && !follows_each_other(now.looped))
         run.loop = now.looped;
     now.new_source = false;
@@ -833,7 +846,7 @@ void message_place(const char *line, std::size_t column)
         return;
     Place            &place  = now.piece->diagnostics.back().place;
     const std::size_t length = std::min(now.piece->source.line().length, std::strlen(line));
-    if (column >= length) {
+    if (column >= length || (column + 1 == length && is_blank(line[column]))) {
         place = end_of_line(line);
         return;
     }
@@ -852,14 +865,34 @@ void recovery_begins()
 }
 
 constexpr Observer functions = {
-    include_met,    file_opened,    file_text,     file_left,       copy_continues,   line_read,       call_begins,
-    argument_taken, call_replaced,  definition_begins, macro_name,  macro_parameter,  body_part,
-    macro_defined,  macro_undefined, constant_defined, constant_used, condition,   condition_ends,   equation_drew,   block_begins,
-    block_header,   block_skipped,  block_starts,  block_ends,      section_begins,   output_type,     input_type,
-    section_ends,   command_begins, number_read,   command_read,    loop_mark,        literal,         repeat,
-    fill,           set_chosen,     refused,       walked,          started,          lasted,          stored,
-    chord_repeated, rest,           block_done,    event,           score_begins,     column,          block_written,
-    score_text,     message_begins, message_text,  message_ends,    message_place,    recovery_begins,
+    include_met,     file_opened,
+    file_text,       file_left,
+    copy_continues,  line_read,
+    call_begins,     argument_taken,
+    call_replaced,   definition_begins,
+    macro_name,      macro_parameter,
+    body_part,       macro_defined,
+    macro_undefined, constant_defined,
+    constant_used,   condition,
+    condition_ends,  equation_drew,
+    block_begins,    block_header,
+    block_skipped,   block_starts,
+    block_ends,      section_begins,
+    output_type,     input_type,
+    section_ends,    command_begins,
+    number_read,     command_read,
+    loop_mark,       literal,
+    repeat,          fill,
+    set_chosen,      refused,
+    walked,          started,
+    lasted,          stored,
+    chord_repeated,  rest,
+    block_done,      event,
+    score_begins,    column,
+    block_written,   score_text,
+    message_begins,  message_text,
+    message_ends,    message_place,
+    recovery_begins,
 };
 
 } // namespace

@@ -10,7 +10,7 @@
 namespace orlo::explain {
 
 class Distinct {
-public:
+  public:
     void clear()
     {
         slots.assign(SLOTS, EMPTY);
@@ -37,7 +37,7 @@ public:
     /// MOST_DISTINCT + 1 when there are more.
     [[nodiscard]] std::size_t count() const { return found; }
 
-private:
+  private:
     static constexpr std::size_t   SLOTS = 32768;
     static constexpr std::uint32_t EMPTY = 0xFFFFFFFFU; // a NaN
 

@@ -106,10 +106,10 @@ enum class Kind { literal, repeat, generator, fill, loop };
 /// Values of one kind, one after the other.
 struct Run {
     Kind                       kind;
-    std::uint64_t              count    = 0;
-    std::size_t                sequence = 0;
-    float                      deviation = 0.0F;
-    float                      factor    = 1.0F;
+    std::uint64_t              count      = 0;
+    std::size_t                sequence   = 0;
+    float                      deviation  = 0.0F;
+    float                      factor     = 1.0F;
     std::uint64_t              first_draw = 0;
     std::size_t                places     = 0; // of literals, in the section's places
     Place                      place;          // of a repeat
@@ -216,7 +216,7 @@ struct Block {
 };
 
 struct ScorePart {
-    std::string text;
+    std::string  text;
     std::int32_t block = NONE; // its events instead of a text
 };
 

@@ -9,7 +9,7 @@
 namespace orlo::explain {
 
 class Ring {
-public:
+  public:
     void clear();
 
     /// A new event behind the last, a chord member as well, with its value of p2.
@@ -31,10 +31,10 @@ public:
     /// @param index of the event, counted from the head
     [[nodiscard]] std::uint32_t origin(std::size_t index, std::size_t pfield) const;
 
-private:
+  private:
     void insert(std::uint32_t event);
 
-    std::vector<std::uint32_t>              next; // by event
+    std::vector<std::uint32_t>              next;   // by event
     std::vector<std::vector<std::uint32_t>> values; // by p-field and event
     std::vector<std::uint32_t>              order;
     std::uint32_t                           tail   = 0;

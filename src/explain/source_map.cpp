@@ -1,6 +1,6 @@
-// A line that is read is one stretch of the combined input; each replacement cuts stretches out of it and puts others in their place,
-// so that a line costs as much as it has replacements. A place is found by two binary searches: the stretch of the column, and
-// the copy of the byte.
+// A line that is read is one stretch of the combined input; each replacement cuts stretches out of it and puts others in their
+// place, so that a line costs as much as it has replacements. A place is found by two binary searches: the stretch of the column,
+// and the copy of the byte.
 
 #include "explain/source_map.h"
 
@@ -83,8 +83,8 @@ std::uint64_t units_before(const File &file, std::uint64_t byte)
 {
     if (file.marks.empty())
         return byte;
-    const auto after = std::upper_bound(file.marks.begin(), file.marks.end(), byte,
-                                        [](std::uint64_t wanted, const UnitMark &mark) { return wanted < mark.byte; });
+    const auto    after = std::upper_bound(file.marks.begin(), file.marks.end(), byte,
+                                           [](std::uint64_t wanted, const UnitMark &mark) { return wanted < mark.byte; });
     std::uint64_t units = (after - 1)->units;
     for (auto at = static_cast<std::size_t>((after - 1)->byte); at < byte && at < file.text.size(); at += step(file.text, at))
         units += units_of(step(file.text, at));
@@ -140,10 +140,7 @@ void SourceMap::leave() { open_files.pop_back(); }
 
 void SourceMap::include_met(std::uint64_t begin, std::uint64_t end) { directive = {open_files.back(), begin, end, NONE}; }
 
-void SourceMap::add_text(std::string_view bytes)
-{
-    all_files[static_cast<std::size_t>(open_files.back())].text += bytes;
-}
+void SourceMap::add_text(std::string_view bytes) { all_files[static_cast<std::size_t>(open_files.back())].text += bytes; }
 
 void SourceMap::copy_continues(std::uint64_t to, std::uint64_t from)
 {
@@ -169,8 +166,8 @@ void SourceMap::read_line(std::uint64_t offset, std::size_t length)
         texts.front().map.stretches.push_back({0, offset, offset, NONE, false});
 }
 
-std::int32_t SourceMap::call(CallKind kind, std::string_view name, std::int32_t of, double value, std::size_t begin, std::size_t end,
-                             const TextMap &body)
+std::int32_t SourceMap::call(CallKind kind, std::string_view name, std::int32_t of, double value, std::size_t begin,
+                             std::size_t end, const TextMap &body)
 {
     Call call;
     call.kind        = kind;

@@ -1,5 +1,5 @@
-// source_map.h: where every character of a line comes from: the file, the place in it, and the calls through which it came. Reads no
-// file and knows no language; the lines, files and calls of a run are told to it.
+// source_map.h: where every character of a line comes from: the file, the place in it, and the calls through which it came. Reads
+// no file and knows no language; the lines, files and calls of a run are told to it.
 #pragma once
 
 #include "base/observer.h"
@@ -59,7 +59,7 @@ struct File {
     std::string                name;
     bool                       found = false;
     Place                      included;       // the directive; without a file for the piece
-    std::uint64_t              skipped = 0;    // bytes before the text
+    std::uint64_t              skipped    = 0; // bytes before the text
     std::uint64_t              first_line = 0; // line on which the text begins
     std::string                text;           // what was read of it
     std::vector<std::uint64_t> lines;          // where its lines begin, by bytes of the text
@@ -83,7 +83,7 @@ struct Position {
 };
 
 class SourceMap {
-public:
+  public:
     // files
     void open(std::string_view name, bool found);
     void leave();
@@ -93,11 +93,11 @@ public:
     void skip_in_piece(std::uint64_t bytes, std::uint64_t lines); // before the piece begins in its file
 
     // lines and calls
-    void read_line(std::uint64_t offset, std::size_t length);
+    void         read_line(std::uint64_t offset, std::size_t length);
     std::int32_t call(CallKind kind, std::string_view name, std::int32_t of, double value, std::size_t begin, std::size_t end,
                       const TextMap &body);
-    void take_argument(std::string_view name, std::size_t begin, std::size_t end);
-    void replace(std::size_t begin, std::size_t end, std::size_t length);
+    void         take_argument(std::string_view name, std::size_t begin, std::size_t end);
+    void         replace(std::size_t begin, std::size_t end, std::size_t length);
 
     /// The body of an argument by its name, of the call whose body is being expanded; null when there is none.
     [[nodiscard]] const TextMap *argument(std::string_view name) const;
@@ -123,7 +123,7 @@ public:
     [[nodiscard]] const std::vector<Call> &calls() const { return all_calls; }
     [[nodiscard]] bool                     has_lines() const { return lines_read; }
 
-private:
+  private:
     struct Copy { // from a byte of the combined input on
         std::uint64_t to;
         std::uint64_t from;
@@ -151,7 +151,7 @@ private:
     mutable std::size_t       last_copy = 0; // where resolve has looked last
     Place                     directive;
     std::vector<Call>         all_calls;
-    std::vector<Text>         texts = std::vector<Text>(1); // the line, then the bodies that are being expanded
+    std::vector<Text>         texts      = std::vector<Text>(1); // the line, then the bodies that are being expanded
     bool                      lines_read = false;
 };
 

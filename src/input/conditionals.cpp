@@ -16,10 +16,10 @@
 namespace orlo {
 namespace {
 
-std::int32_t IF_MATCH    = 0;     // open blocks, kept and skipped alike
-bool         IN_IF0      = false; // a false block is being skipped
-std::int32_t start_level = 0;     // IF_MATCH before the block that is skipped
-float        value       = 0.0F;  // the condition that was read last
+std::int32_t IF_MATCH;    // open blocks, kept and skipped alike
+bool         IN_IF0;      // a false block is being skipped
+std::int32_t start_level; // IF_MATCH before the block that is skipped
+float        value;       // the condition that was read last
 
 bool stands_at(const char *line, std::uint32_t pos, std::string_view word)
 {

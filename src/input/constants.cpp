@@ -51,7 +51,8 @@ int get_name(std::string &name, Input &in)
     for (; is_name_char(peek(in)); ++in.pos) {
         name.push_back(peek(in));
         if (name.size() == MAX_CONSTANT_NAME) {
-            tell_error(in.line_no, "The constant name has exceeded the maximum number\nof characters allowed (%d).", MAX_CONSTANT_NAME);
+            tell_error(in.line_no, "The constant name has exceeded the maximum number\nof characters allowed (%d).",
+                       MAX_CONSTANT_NAME);
             return TEXT_REPORTED;
         }
     }

@@ -44,7 +44,7 @@ struct Place {
     char          line[LINE_SIZE];
 };
 
-std::uint64_t lines_copied = 0; // in the run; set back by its first call
+std::uint64_t lines_copied; // in the run; 0 again by its first call
 
 struct FileName {
     char        text[MAX_INCLUDE_NAME + 1];

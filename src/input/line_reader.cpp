@@ -18,8 +18,8 @@
 
 namespace orlo {
 
-std::FILE *fecho             = nullptr;
-bool       trace_is_terminal = false;
+std::FILE *fecho;
+bool       trace_is_terminal;
 
 namespace {
 

@@ -187,7 +187,7 @@ int do_section(Input &in, Event *&list)
     if (P_NO == 2)
         EVENTS = EVENT_NO;
     if (observer != nullptr)
-        observer->section_ends(in.pos);
+        observer->section_ends();
     return OK;
 }
 

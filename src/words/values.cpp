@@ -16,7 +16,7 @@ constexpr float REST = -1.0F;
 
 constexpr std::int32_t FIRST_OCTAVE = 4;
 
-std::int32_t last_octave = FIRST_OCTAVE; // octave of a note that is written without one; written by get_pitch
+std::int32_t last_octave; // octave of a note that is written without one; written by get_pitch
 
 // semitones above c of the letters a to g
 constexpr float pitch_classes[] = {9.0F, 11.0F, 0.0F, 2.0F, 4.0F, 5.0F, 7.0F};
