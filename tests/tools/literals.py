@@ -116,6 +116,14 @@ def value_of(text, kind, midi):
     return None
 
 
+def decimals(value):
+    """What stands in the line for a constant: three decimals."""
+    sign, value = ("-", -value) if value < 0 else ("", value)
+    rest = 1000 * (value - single(float(int(value))))
+    down, up = math.floor(rest), math.ceil(rest)
+    return f"{sign}{int(value)}.{down if rest - down < up - rest else up:03d}"
+
+
 def modulo(x, m):
     """The language's remainder, for the sizes that occur."""
     if m == 0:
