@@ -90,8 +90,11 @@ bool open_files(Files &files)
     files.in = std::fopen(in_fname, "r");
     if (files.in == nullptr)
         return cant_open(in_fname);
-    return open_to_write(files.out, out_fname) && (!MKEXP || open_trace()) && open_temporary(files) &&
-           (!MKLOG || open_to_write(files.log, log_fname));
+    if (!open_to_write(files.out, out_fname) || (MKEXP && !open_trace()) || !open_temporary(files) ||
+        (MKLOG && !open_to_write(files.log, log_fname)))
+        return false;
+    write_in_large_pieces(files.out);
+    return true;
 }
 
 int combine_input(Files &files)
