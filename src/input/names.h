@@ -56,7 +56,7 @@ template <typename Named> [[nodiscard]] const Named *find_named(const NameTable<
 }
 
 /// Adds a record. @return false when there is one with its name
-template <typename Named> [[nodiscard]] bool add_named(NameTable<Named> &table, Named &&record)
+template <typename Named> [[nodiscard]] bool add_named(NameTable<Named> &table, Named record)
 {
     if (find_named(table, record.name) != nullptr)
         return false;

@@ -120,7 +120,7 @@ void put_pfield(Lines &lines, float value, std::size_t slot)
     column = {value, start, static_cast<std::size_t>(lines.end - start)};
 }
 
-void put_event(Lines &lines, const Event *event, std::size_t head_length, std::int32_t n)
+inline void put_event(Lines &lines, const Event *event, std::size_t head_length, std::int32_t n)
 {
     lines.end = copy_text(lines.end, lines.head, head_length);
     put_pfield(lines, event->start, 0);
