@@ -62,23 +62,26 @@ WITH_LINE = [
 
 # ---- the schema
 
+def kind_of(value):
+    """What the schema can tell apart in one value of a long column."""
+    if isinstance(value, dict):
+        return tuple((key, each if key == "kind" else kind_of(each)) for key, each in value.items())
+    if isinstance(value, list):
+        return len(value), *map(kind_of, value[:LONG_COLUMN])
+    if isinstance(value, str):
+        return value if value in ("nan", "inf", "-inf") else "text"
+    return type(value), value >= 0
+
+
 def thinned(part):
     """A document whose long columns hold one value of each kind, which is all that the schema asks of them."""
     if isinstance(part, dict):
         return {key: thinned(value) for key, value in part.items()}
     if not isinstance(part, list):
         return part
-    if len(part) < LONG_COLUMN or any(isinstance(value, (dict, list)) for value in part[:LONG_COLUMN]):
-        return [thinned(value) for value in part]
-    kinds = {}
-    for value in part:
-        if isinstance(value, (dict, list)):
-            kinds[id(value)] = value
-        elif isinstance(value, str):
-            kinds[value if value in ("nan", "inf", "-inf") else "text"] = value
-        else:
-            kinds[type(value), value >= 0] = value
-    return list(kinds.values())
+    if len(part) >= LONG_COLUMN:
+        part = list({kind_of(value): value for value in part}.values())
+    return [thinned(value) for value in part]
 
 
 class Schema:
@@ -368,7 +371,7 @@ def check_block_texts(document, words):
         for command in fields["commands"]:
             faults += check_command(command, where, words, whole)
         for section in block.sections:
-            expect(faults, section.where, words(section.fields["range"]), rf"p[ \t]*\+?0*{section.pfield}(?!\d).*")
+            expect(faults, section.where, words(section.fields["range"]), "p.*" if os.environ.get("HACKX") else rf"p[ \t]*\+?0*{section.pfield}(?!\d).*")
             for each in section.fields["inputs"]:
                 if os.environ.get("HACKX") and (words(each["range"]) or "")[-1:] == "x": each["name"] += "x"
                 expect(faults, f"{section.where}: input type", words(each["range"]), rf"(?i:{each['name']})" + r"\d?" * (each["name"] == "re"))
@@ -426,7 +429,7 @@ def check_runs(section, document, source):
             faults.append(f"{where}: there is no sequence {run.sequence}")
         if run.kind == "literal" and not fields["ranges"] + run.count <= len(document.ranges):
             faults.append(f"{where}: there is no range for each")
-        if run.kind == "repeat":
+        if run.kind == "repeat" and not os.environ.get("HACKX"):
             expect(faults, where, source.words(document.ranges[fields["range"]]), r"/|x[ \t]*\+?\d+[ \t]*")
         if run.kind == "generator":
             command = section.fields["commands"][fields["command"]]
