@@ -7,6 +7,7 @@
 #include "base/random.h"
 #include "diag/messages.h"
 #include "events/block.h"
+#include "events/pfields.h"
 #include "events/tempo_map.h"
 #include "explain/distinct.h"
 #include "explain/ring.h"
@@ -16,6 +17,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <new>
 
 namespace orlo::explain {
 namespace {
@@ -33,6 +35,7 @@ struct Collector {
     Piece *piece      = nullptr;
     Detail detail     = Detail::events;
     bool   recovering = false;
+    bool   lost       = false; // memory was exhausted
 
     // what is open
     std::int32_t                                     block      = NONE; // index; the last one even after its end
@@ -299,11 +302,11 @@ void block_ends(std::size_t end)
 
 // sections
 
-void section_begins(std::int32_t pfield, std::size_t column)
+void section_begins(std::int32_t pfield, std::size_t begin, std::size_t end)
 {
     Section &begun = block().sections.emplace_back();
     begun.pfield   = pfield;
-    begun.place    = here(column, column + 1);
+    begun.place    = here(begin, end);
     begun.output   = TYPE_RE;
     now.in_section = true;
     now.source     = {};
@@ -322,11 +325,13 @@ void output_type(std::int32_t code, std::size_t begin, std::size_t end)
 {
     section().output = code;
     in_section_here(begin, end);
+    if (end - begin > 2 && (code == TYPE_RE || code == TYPE_BN))
+        section().digits = (code == TYPE_RE ? RE_FW : FFT_SZ)[section().pfield - 2];
 }
 
 void input_type(std::int32_t code, std::size_t begin, std::size_t end)
 {
-    section().inputs.push_back({code, in_section_here(begin, end), section().count});
+    section().inputs.push_back({code, NX && (code == TYPE_NO || code == TYPE_OP), in_section_here(begin, end), section().count});
 }
 
 void section_ends() { end_section(); }
@@ -772,6 +777,8 @@ void block_written(double duration, double beats, double end)
 
 void score_text(const char *text, std::size_t length)
 {
+    if (now.recovering)
+        return;
     if (now.piece->score.empty() || now.piece->score.back().block != NONE)
         now.piece->score.emplace_back();
     now.piece->score.back().text.append(text, length);
@@ -844,7 +851,11 @@ void message_place(const char *line, std::size_t column)
 {
     if (now.piece->diagnostics.empty() || !now.piece->source.has_lines())
         return;
-    Place            &place  = now.piece->diagnostics.back().place;
+    Diagnostic &diagnostic = now.piece->diagnostics.back();
+    if (diagnostic.placed)
+        return;
+    diagnostic.placed        = true;
+    Place            &place  = diagnostic.place;
     const std::size_t length = std::min(now.piece->source.line().length, std::strlen(line));
     if (column >= length || (column + 1 == length && is_blank(line[column]))) {
         place = end_of_line(line);
@@ -864,35 +875,50 @@ void recovery_begins()
     now.recovering = true;
 }
 
+// Nothing may leave a function that the run calls: where memory is exhausted, nothing more is gathered.
+template <auto function> struct Guarded;
+template <class... Arguments, void (*function)(Arguments...)> struct Guarded<function> {
+    static void tell(Arguments... arguments)
+    {
+        if (now.lost)
+            return;
+        try {
+            function(arguments...);
+        } catch (const std::bad_alloc &) {
+            now.lost = true;
+        }
+    }
+};
+
 constexpr Observer functions = {
-    include_met,     file_opened,
-    file_text,       file_left,
-    copy_continues,  line_read,
-    call_begins,     argument_taken,
-    call_replaced,   definition_begins,
-    macro_name,      macro_parameter,
-    body_part,       macro_defined,
-    macro_undefined, constant_defined,
-    constant_used,   condition,
-    condition_ends,  equation_drew,
-    block_begins,    block_header,
-    block_skipped,   block_starts,
-    block_ends,      section_begins,
-    output_type,     input_type,
-    section_ends,    command_begins,
-    number_read,     command_read,
-    loop_mark,       literal,
-    repeat,          fill,
-    set_chosen,      refused,
-    walked,          started,
-    lasted,          stored,
-    chord_repeated,  rest,
-    block_done,      event,
-    score_begins,    column,
-    block_written,   score_text,
-    message_begins,  message_text,
-    message_ends,    message_place,
-    recovery_begins,
+    Guarded<include_met>::tell,     Guarded<file_opened>::tell,
+    Guarded<file_text>::tell,       Guarded<file_left>::tell,
+    Guarded<copy_continues>::tell,  Guarded<line_read>::tell,
+    Guarded<call_begins>::tell,     Guarded<argument_taken>::tell,
+    Guarded<call_replaced>::tell,   Guarded<definition_begins>::tell,
+    Guarded<macro_name>::tell,      Guarded<macro_parameter>::tell,
+    Guarded<body_part>::tell,       Guarded<macro_defined>::tell,
+    Guarded<macro_undefined>::tell, Guarded<constant_defined>::tell,
+    Guarded<constant_used>::tell,   Guarded<condition>::tell,
+    Guarded<condition_ends>::tell,  Guarded<equation_drew>::tell,
+    Guarded<block_begins>::tell,    Guarded<block_header>::tell,
+    Guarded<block_skipped>::tell,   Guarded<block_starts>::tell,
+    Guarded<block_ends>::tell,      Guarded<section_begins>::tell,
+    Guarded<output_type>::tell,     Guarded<input_type>::tell,
+    Guarded<section_ends>::tell,    Guarded<command_begins>::tell,
+    Guarded<number_read>::tell,     Guarded<command_read>::tell,
+    Guarded<loop_mark>::tell,       Guarded<literal>::tell,
+    Guarded<repeat>::tell,          Guarded<fill>::tell,
+    Guarded<set_chosen>::tell,      Guarded<refused>::tell,
+    Guarded<walked>::tell,          Guarded<started>::tell,
+    Guarded<lasted>::tell,          Guarded<stored>::tell,
+    Guarded<chord_repeated>::tell,  Guarded<rest>::tell,
+    Guarded<block_done>::tell,      Guarded<event>::tell,
+    Guarded<score_begins>::tell,    Guarded<column>::tell,
+    Guarded<block_written>::tell,   Guarded<score_text>::tell,
+    Guarded<message_begins>::tell,  Guarded<message_text>::tell,
+    Guarded<message_ends>::tell,    Guarded<message_place>::tell,
+    Guarded<recovery_begins>::tell,
 };
 
 } // namespace
@@ -908,9 +934,14 @@ const Observer &collecting_observer() { return functions; }
 
 void end_collecting()
 {
-    end_section();
-    now.piece->source.index_files();
-    now.piece = nullptr;
+    const bool lost = now.lost;
+    if (!lost) {
+        end_section();
+        now.piece->source.index_files();
+    }
+    now = {};
+    if (lost)
+        throw std::bad_alloc{};
 }
 
 } // namespace orlo::explain

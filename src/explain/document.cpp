@@ -491,8 +491,10 @@ void put_section(Out &out, const Section &section, bool with_values)
     put(out, "pfield", section.pfield);
     put_place(out, "range", section.place);
     put_text(out, "output", name_of_code(section.output));
+    if (section.digits != NONE)
+        put(out, "digits", section.digits);
     put_objects(out, "inputs", section.inputs, [&out](const Input &input) {
-        put_text(out, "name", name_of_code(input.code));
+        put_text(out, "name", name_of_code(input.code) + (input.exact ? "x" : ""));
         put_place(out, "range", input.place);
         put_count(out, "from", input.from);
     });
