@@ -148,7 +148,7 @@ int run(int argc, const char *const *argv)
     try {
         return explain(options) ? SUCCESS : FAILURE;
     } catch (const std::bad_alloc &) {
-        complain("not enough memory");
+        std::fputs("orlo-explain: not enough memory\n", stderr); // without asking for more
         return FAILURE;
     }
 }
