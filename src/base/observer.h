@@ -84,7 +84,7 @@ struct Observer {
     void (*block_ends)(std::size_t end);              // after its "}"
 
     // sections
-    void (*section_begins)(std::int32_t pfield, std::size_t column); // its "p"
+    void (*section_begins)(std::int32_t pfield, std::size_t begin, std::size_t end); // its "p" and number
     void (*output_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*input_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*section_ends)();

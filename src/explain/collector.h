@@ -18,7 +18,7 @@ void start_collecting(Piece &piece, Detail detail);
 /// What the collector is told by.
 [[nodiscard]] const Observer &collecting_observer();
 
-/// The run is over: what is still open is closed.
+/// The run is over: what is still open is closed. Where memory was exhausted, std::bad_alloc comes here, and not into the run.
 void end_collecting();
 
 } // namespace orlo::explain
