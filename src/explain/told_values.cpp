@@ -126,8 +126,11 @@ void literal(std::size_t begin, std::size_t end)
 {
     if (now.source.kind != Kind::literal)
         now.new_source = true;
-    now.source.kind  = Kind::literal;
-    now.source.place = in_section_here(begin, end);
+    now.source.kind = Kind::literal;
+    if (wants_values())
+        now.source.place = in_section_here(begin, end);
+    else
+        now.last_literal = {begin, end};
 }
 
 void repeat(std::size_t begin, std::size_t end)
