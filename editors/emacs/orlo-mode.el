@@ -9,8 +9,8 @@
 ;;; Commentary:
 
 ;; Colours, comments and messages of orlo, a score generator for Csound
-;; and MIDI.  \\[compile] runs the program on the file; its errors lead
-;; to their lines and columns.
+;; and MIDI.  \\[compile] runs the program on the file; errors lead to
+;; their lines and columns, also in include files.
 ;;
 ;; Written by editors/make_editors.py from the program's own tables:
 ;; change those.
@@ -434,7 +434,7 @@ a pattern is what gets the face.")
 (add-to-list 'compilation-error-regexp-alist-alist orlo--compilation-places)
 
 (defun orlo--compilation-starts (_)
-  "Follow orlo-explain alone where it runs: the program repeats its messages."
+  "Take the messages of orlo-explain alone: the program repeats them."
   (when (string-prefix-p (concat orlo-explain-command " ") (car compilation-arguments))
     (setq-local compilation-error-regexp-alist '(orlo-explain))
     (setq-local compilation-error-screen-columns nil)))
