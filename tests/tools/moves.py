@@ -219,6 +219,7 @@ def read_program(name, files):
 
 def wrap_in_document(program):
     """Makes the piece the score of a Csound document."""
+    program.main.name = "piece.csd"
     program.before = '<CsoundSynthesizer>\n<CsInstruments>\ninstr 1\nendin\n</CsInstruments>\n<CsScore bin="orlo -s">\n'
     program.behind = "</CsScore>\n</CsoundSynthesizer>\n"
 
@@ -229,7 +230,7 @@ class Mover:
     def __init__(self, program, reading, chance):
         self.program, self.reading, self.chance = program, reading, chance
         self.names = set(reading.names)
-        self.in_directive = None
+        self.joins_lines = False  # whether lines of the original have become one
         self.look()
 
     def look(self):
@@ -492,6 +493,7 @@ class Mover:
         call = Call(definition, arguments)
         body.owners = [call]
         text.items[begin:end] = [call]
+        self.joins_lines |= self.has_newline(items)
         self.look()
         self.define(call, definition)
         self.break_lines(definition)

@@ -89,11 +89,11 @@ class PieceText:
                     self.read_conditional()
                     continue
             self.read_item()
-        if self.where not in (GLOBAL, REST) or self.depth:
+        if self.where not in (GLOBAL, REST, DIRECT) or self.depth:
             raise NotUnderstood("it ends within a block")
 
     def begin_line(self):
-        if self.where == REST:
+        if self.where in (REST, DIRECT):
             self.where = GLOBAL
         if self.where == GLOBAL and not self.depth:
             self.free_lines.add(self.at)
@@ -114,6 +114,8 @@ class PieceText:
             self.read_call()
         elif c == "~":
             self.read_reference()
+        elif self.where == DIRECT:
+            self.mark(self.at + 1, DIRECT)
         elif c == "#":
             self.read_directive()
         elif c in " \t\n":
@@ -234,9 +236,10 @@ class PieceText:
         if self.depth:
             self.read_argument(c)
         elif c == ">":
+            if "/*" in self.text[self.at:self.line_end()]:
+                raise NotUnderstood("a comment in a direct line")
             self.mark(self.at + 1, DIRECTIVE)
-            comment = self.text.find(";", self.at, self.line_end())
-            self.mark(self.line_end() if comment < 0 else comment, DIRECT)
+            self.where = DIRECT
         elif c == "i":
             self.where, self.header_numbers = HEADER, 0
             self.mark(self.at + 1, HEADER)
