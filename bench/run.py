@@ -1,8 +1,11 @@
 """Measure orlo against the least that its work takes:
 run.py --orlo PROGRAM --floors PROGRAM --measure PROGRAM [--before PROGRAM] [--rounds N] [--only NAME...]
 
-Makes the inputs, then runs orlo and the floor programs in turn, N rounds, and prints the medians of the CPU time (user and
-system time of the process) and of the peak memory, and whether each target is met. Ends with 1 when one is not.
+Makes the inputs, then runs orlo and the floor programs in turn, and prints the medians of the CPU time (user and system time of the
+process) and of the peak memory, and whether each target is met. Ends with 1 when one is not.
+A target's two programs run side by side: the quicker one before and after the slower one, so that what changes the speed of the
+machine changes both. Each such round gives a ratio; N of them are made, more where they are short, and their median counts. Beside
+it stand the quartiles, and the ratio of the instructions, where perf or valgrind can count them.
 What the floor programs print is compared with what orlo printed, byte for byte. With --before, an earlier orlo runs beside it where
 there is no floor to measure by.
 """
@@ -18,36 +21,44 @@ import subprocess
 import sys
 import tempfile
 
+import instructions
 import make_inputs
 
 FULL, TENTH = "", ".tenth"
-BEFORE = "before"
+ORLO, BEFORE = "orlo", "before"
+LEAST_SECONDS = 4  # of the rounds of a target together
+MOST_ROUNDS = 40
+LONG_TO_COUNT = .2  # seconds
 MOST_BYTES = 44  # an event of five p-fields
 
 # options of orlo, floor programs, and the target: so much of the time of a floor, or of the program before
 Work = collections.namedtuple("Work", "name options floors most beside")
 WORKS = [
-    Work("repeated", ["-s"], ["print", "write"], .20, "print"),
-    Work("many", ["-s"], [], None, None),
-    Work("drawn", ["-s"], ["print", "write"], .25, "print"),
-    *(Work(name, ["-s"], ["print"], {"s2": .25, "ms": .28}.get(name, .20), "print") for name in make_inputs.SECTIONS),
-    Work("lines", ["-s"], ["copy"], 2.4, "copy"),
-    Work("calls", ["-s"], [], .5, BEFORE),
-    *(Work(name, ["-m"], ["trace"], .5, BEFORE) for name in ("midi-apart", "midi-held", "midi-chords")),
+    Work("repeated", ("-s",), ("print", "write"), .20, "print"),
+    Work("many", ("-s",), (), None, None),
+    Work("drawn", ("-s",), ("print", "write"), .25, "print"),
+    *(Work(name, ("-s",), ("print",), {"s2": .25, "ms": .28}.get(name, .20), "print") for name in make_inputs.SECTIONS),
+    Work("lines", ("-s",), ("copy",), 2.4, "copy"),
+    Work("calls", ("-s",), (), .5, BEFORE),
+    *(Work(name, ("-m",), ("trace",), .5, BEFORE) for name in ("midi-apart", "midi-held", "midi-chords")),
 ]
 GROWTH = [("repeated", TENTH, 1.2), ("many", "repeated", 1.1)]  # what an event costs, as against in a run of a tenth of the size
 
-Target = collections.namedtuple("Target", "text value most unit")
+Job = collections.namedtuple("Job", "work size program")  # one of orlo, the orlo before, and the floor programs
+Ratio = collections.namedtuple("Ratio", "text above below scale most")  # of two jobs
 
 TRACE_LINE = re.compile(r"\n *(\S+)\t *(\S+)\t(ON|OFF)\tN: *(\S+)\tV: *(\S+)\t")
 
 
 class Bench:
-    """The programs, the folder they work in, and what has been measured: a list of runs for each (work, kind)."""
+    """The programs, the folder they work in, and what has been measured: runs of each job, ratios of two."""
 
     def __init__(self, orlo, floors, measure, before, folder):
         self.orlo, self.floors, self.measure, self.before, self.folder = orlo, floors, measure, before, folder
         self.runs = collections.defaultdict(list)
+        self.ratios = collections.defaultdict(list)
+        self.speed = {}  # seconds of each job when it ran first
+        self.count = instructions.counter()
 
     def path(self, name):
         return os.path.join(self.folder, name)
@@ -64,111 +75,157 @@ class Bench:
         seconds, peak = result.stdout.split()
         return float(seconds), int(peak)
 
-    def run_orlo(self, work, size):
-        piece, result, screen = (self.path(work.name + size + end) for end in (".orlo", ".out", ".screen"))
-        self.runs[work.name, "orlo" + size].append(self.run([self.orlo, *work.options, piece, result], screen))
+    def files(self, job):
+        """The command of a job and what it reads and writes, and its screen."""
+        piece, result, arrays, screen = (self.path(job.work.name + job.size + end)
+                                         for end in (".orlo", ".out", ".arrays", ".screen"))
+        copy, floor_screen = self.path("floor.out"), self.path("floor.screen")
+        return {
+            ORLO: ([self.orlo, *job.work.options, piece, result], screen),
+            BEFORE: ([self.before, *job.work.options, piece, self.path("before.out")], self.path("before.screen")),
+            "print": ([self.floors, "print", arrays, copy], floor_screen),
+            "write": ([self.floors, "write", result, copy], floor_screen),
+            "copy": ([self.floors, "copy", piece, copy], floor_screen),
+            "trace": ([self.floors, "trace", arrays], floor_screen),
+        }[job.program]
 
-    def run_before(self, work):
-        piece, result, screen = (self.path(end) for end in (work.name + ".orlo", "before.out", "before.screen"))
-        self.runs[work.name, BEFORE].append(self.run([self.before, *work.options, piece, result], screen))
+    def do(self, job):
+        """Runs a job once. Returns its CPU seconds."""
+        measured = self.run(*self.files(job))
+        self.runs[job].append(measured)
+        return measured[0]
 
-    def run_floor(self, work, floor):
-        """Runs a floor program on what orlo read or wrote. Returns what must be equal: orlo's file and the floor's."""
-        piece, result, arrays = (self.path(work.name + end) for end in (".orlo", ".out", ".arrays"))
-        copy, screen = self.path("floor.out"), self.path("floor.screen")
-        names, pair = {
-            "print": ([arrays, copy], (result, copy)),
-            "write": ([result, copy], (result, copy)),
-            "copy": ([piece, copy], (piece, copy)),
-            "trace": ([arrays], (self.path(work.name + ".trace"), screen)),
-        }[floor]
-        self.runs[work.name, floor].append(self.run([self.floors, floor, *names], screen))
-        return pair
+    def round(self, ratio):
+        """Runs the slower of two jobs once, the quicker one before and after it, more than once where it is much quicker."""
+        quick, slow = sorted((ratio.above, ratio.below), key=self.speed.get)
+        times = min(4, max(1, round(self.speed[slow] / self.speed[quick] / 4)))
+        before = [self.do(quick) for _ in range(times)]
+        seconds = {slow: self.do(slow)}
+        seconds[quick] = statistics.mean(before + [self.do(quick) for _ in range(times)])
+        self.ratios[ratio].append(seconds[ratio.above] / seconds[ratio.below] / ratio.scale)
 
-    def prepare(self, work):
+    def rounds(self, ratio, least):
+        """How many rounds a ratio gets."""
+        return max(least, min(MOST_ROUNDS, round(LEAST_SECONDS / (self.speed[ratio.above] + self.speed[ratio.below]))))
+
+    def prepare(self, work, size):
         """Makes the arrays that the floor programs print, from what orlo printed."""
+        name = work.name + size
         if "print" in work.floors:
-            with open(self.path(work.name + ".out"), encoding="ascii") as score:
+            with open(self.path(name + ".out"), encoding="ascii") as score:
                 rows = array.array("f", (float(word) for line in score if line.startswith("i1 ")
                                          for word in line.split()[1:]))
-            self.write_arrays(work, rows, 4)
+            self.write_arrays(name, rows, 4)
         elif "trace" in work.floors:
-            with open(self.path(work.name + ".screen"), encoding="ascii", newline="") as file:
+            with open(self.path(name + ".screen"), encoding="ascii", newline="") as file:
                 screen = file.read()
             first, *_, last = TRACE_LINE.finditer(screen)
-            with open(self.path(work.name + ".trace"), "w", encoding="ascii", newline="") as file:
+            with open(self.path(name + ".trace"), "w", encoding="ascii", newline="") as file:
                 file.write(screen[first.start():last.end()])
             rows = array.array("f", (float({"ON": 1, "OFF": 0}.get(word, word)) for match in TRACE_LINE.finditer(screen)
                                      for word in match.groups()))
-            self.write_arrays(work, rows, 5)
+            self.write_arrays(name, rows, 5)
 
-    def write_arrays(self, work, rows, columns):
-        with open(self.path(work.name + ".arrays"), "wb") as file:
+    def write_arrays(self, name, rows, columns):
+        with open(self.path(name + ".arrays"), "wb") as file:
             for column in range(columns):
                 rows[column::columns].tofile(file)
-
-    def round(self, works):
-        for work in works:
-            self.run_orlo(work, FULL)
-            for floor in work.floors:
-                self.run_floor(work, floor)
-            if self.before and work.beside == BEFORE:
-                self.run_before(work)
-            self.run_orlo(work, TENTH)
 
     def check(self, work):
         """The floor programs print the bytes that orlo printed."""
         for floor in work.floors:
-            expected, printed = self.run_floor(work, floor)
+            self.do(Job(work, FULL, floor))
+            expected = self.path(work.name + {"copy": ".orlo", "trace": ".trace"}.get(floor, ".out"))
+            printed = self.path("floor.screen" if floor == "trace" else "floor.out")
             if not filecmp.cmp(expected, printed, shallow=False):
                 sys.exit(f"{work.name}: the floor \"{floor}\" did not print what orlo printed: {expected}, {printed}")
 
-    def seconds(self, name, kind="orlo"):
-        return statistics.median(seconds for seconds, _ in self.runs[name, kind])
+    def seconds(self, job):
+        return statistics.median(seconds for seconds, _ in self.runs[job])
 
-    def bytes(self, name, kind="orlo"):
-        return statistics.median(peak for _, peak in self.runs[name, kind])
+    def bytes(self, job):
+        return statistics.median(peak for _, peak in self.runs[job])
+
+    def instructions(self, ratio):
+        """The ratio of the instructions, in a tenth of the work where the whole takes long; None when they can't be counted."""
+        if self.count is None:
+            return None
+        size = FULL if self.speed[ratio.above] + self.speed[ratio.below] < LONG_TO_COUNT else TENTH
+        above, below = (self.count(self.files(job._replace(size=size))[0]) for job in (ratio.above, ratio.below))
+        return above / below if above and below else None
 
 
-def targets(bench, works):
-    """What a run must reach, for the works that were run."""
-    names = [work.name for work in works]
+def ratios_of(works, before):
+    """The ratios that have a target, for the works that are run."""
+    by_name = {work.name: work for work in works}
     for work in works:
-        if (work.name, work.beside) in bench.runs:
-            yield Target(f"{work.name}: time of \"{work.beside}\"",
-                         bench.seconds(work.name) / bench.seconds(work.name, work.beside), work.most, "")
-    if "repeated" in names:
-        yield Target("repeated: peak memory an event", bench.bytes("repeated") / size_of("repeated"), MOST_BYTES, " bytes")
+        if work.beside and (before or work.beside != BEFORE):
+            below = Job(work, FULL, work.beside)
+            yield Ratio(f"{work.name}: time of \"{work.beside}\"", Job(work, FULL, ORLO), below, 1, work.most)
     for name, smaller, most in GROWTH:
-        if name in names and (smaller == TENTH or smaller in names):
-            less = bench.seconds(name, "orlo" + TENTH) if smaller == TENTH else bench.seconds(smaller)
-            yield Target(f"{name}: time of an event in a tenth of the work", bench.seconds(name) / less / 10, most, "")
+        if name in by_name and (smaller == TENTH or smaller in by_name):
+            work = by_name[name]
+            below = Job(work, TENTH, ORLO) if smaller == TENTH else Job(by_name[smaller], FULL, ORLO)
+            yield Ratio(f"{name}: time of an event in a tenth of the work", Job(work, FULL, ORLO), below, 10, most)
 
 
 def size_of(name):
     return make_inputs.INPUTS[name][0]
 
 
-def print_medians(bench, works):
-    print(f"{'work':12} {'program':18} {'size':>9} {'ms':>8} {'us each':>8} {'MiB':>7} {'bytes each':>10} {'floors':>7}")
-    for work in works:
-        for kind in [kind for kind in ("orlo", *work.floors, BEFORE, "orlo" + TENTH) if (work.name, kind) in bench.runs]:
-            size = size_of(work.name) // (10 if kind.endswith(TENTH) else 1)
-            seconds, peak = bench.seconds(work.name, kind), bench.bytes(work.name, kind)
-            ratio = f"{bench.seconds(work.name) / seconds:7.2f}" if not kind.startswith("orlo") else ""
-            print(f"{work.name:12} {kind:18} {size:9} {seconds * 1e3:8.1f} {seconds / size * 1e6:8.3f} "
-                  f"{peak / 2**20:7.1f} {peak / size:10.1f} {ratio}".rstrip())
+def print_medians(bench):
+    print(f"{'work':12} {'program':12} {'runs':>4} {'size':>9} {'ms':>8} {'us each':>8} {'MiB':>7} {'bytes each':>10}")
+    for job in bench.runs:
+        size = size_of(job.work.name) // (10 if job.size == TENTH else 1)
+        seconds, peak = bench.seconds(job), bench.bytes(job)
+        print(f"{job.work.name:12} {job.program:12} {len(bench.runs[job]):4} {size:9} {seconds * 1e3:8.1f} "
+              f"{seconds / size * 1e6:8.3f} {peak / 2**20:7.1f} {peak / size:10.1f}")
+
+
+def print_target(text, value, most, spread="", counted=None):
+    """Prints a line of the table of targets; true when it is met."""
+    shown = "" if counted is None else f"{counted:.2f}"
+    print(f"{text:45} {value:9.2f} {spread:>11} {shown:>12} {most:8g} {'met' if value <= most else 'MISSED'}", flush=True)
+    return value <= most
 
 
 def print_targets(bench, works):
     """Prints the table of targets; true when all are met."""
-    print(f"\n{'target':45} {'measured':>9} {'at most':>8}")
-    missed = 0
-    for target in targets(bench, works):
-        met = target.value <= target.most
-        missed += not met
-        print(f"{target.text:45} {target.value:9.2f} {target.most:8g}{target.unit:7} {'met' if met else 'MISSED'}")
-    return missed == 0
+    print(f"\n{'target':45} {'measured':>9} {'quartiles':>11} {'instructions':>12} {'at most':>8}")
+    met = True
+    for ratio, values in bench.ratios.items():
+        low, _, high = statistics.quantiles(values) if len(values) > 1 else 3 * values
+        counted = bench.instructions(ratio) if ratio.scale == 1 else None
+        met &= print_target(ratio.text, statistics.median(values), ratio.most, f"{low:.2f}-{high:.2f}", counted)
+    for work in works:
+        if work.name == "repeated":
+            peak = bench.bytes(Job(work, FULL, ORLO))
+            met &= print_target("repeated: bytes of peak memory an event", peak / size_of(work.name), MOST_BYTES)
+    return met
+
+
+def measure(bench, works, least):
+    """Runs all works for the first time, which does not count, then the rounds."""
+    for work in works:
+        for size in (FULL, TENTH):
+            bench.do(Job(work, size, ORLO))
+            bench.prepare(work, size)
+        bench.check(work)
+    ratios = list(ratios_of(works, bench.before))
+    for ratio in ratios:
+        for job in (ratio.above, ratio.below):
+            if job not in bench.runs:
+                bench.do(job)
+    bench.speed = {job: bench.seconds(job) for job in bench.runs}
+    bench.runs.clear()
+    rounds = {ratio: bench.rounds(ratio, least) for ratio in ratios}
+    for number in range(max(rounds.values(), default=0)):
+        for ratio in ratios:
+            if number < rounds[ratio]:
+                bench.round(ratio)
+        for work in works:
+            for floor in work.floors[1:] if number < least else ():
+                bench.do(Job(work, FULL, floor))
 
 
 def main():
@@ -177,23 +234,16 @@ def main():
     parser.add_argument("--floors", required=True, help="the floor programs")
     parser.add_argument("--measure", required=True, help="the program that runs the others")
     parser.add_argument("--before", type=os.path.abspath, help="an earlier orlo, for works without a floor")
-    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--rounds", type=int, default=5, help="the least of each target")
     parser.add_argument("--only", nargs="+", metavar="NAME", choices=list(make_inputs.INPUTS), help="some kinds of work alone")
     options = parser.parse_args()
 
     works = [work for work in WORKS if options.only is None or work.name in options.only]
     with tempfile.TemporaryDirectory(prefix="orlo-bench-") as folder:
         make_inputs.make_inputs(folder)
-        bench = Bench(*map(os.path.abspath, (options.orlo, options.floors, options.measure)), options.before,
-                      folder)
-        for work in works:
-            bench.run_orlo(work, FULL)
-            bench.prepare(work)
-            bench.check(work)
-        bench.runs.clear()  # so far everything has run for the first time
-        for _ in range(options.rounds):
-            bench.round(works)
-        print_medians(bench, works)
+        bench = Bench(*map(os.path.abspath, (options.orlo, options.floors, options.measure)), options.before, folder)
+        measure(bench, works, options.rounds)
+        print_medians(bench)
         return 0 if print_targets(bench, works) else 1
 
 

@@ -33,6 +33,10 @@ needs_for_more=(
     "chromium-driver=chromedriver"
     "python3-selenium=/usr/lib/python3/dist-packages/selenium/__init__.py"
 )
+# the bench target counts instructions with it, where perf can not
+needs_for_bench=(
+    "valgrind=valgrind"
+)
 # scripts/test --all
 needs_for_all=(
     "g++=g++"

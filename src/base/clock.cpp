@@ -7,9 +7,9 @@ constexpr float START_TEMPO = 60.0F;
 
 } // namespace
 
-double CUM_TIME    = 0.0;
-double LAST_IB_DUR = 0.0;
-float  TEMPO       = START_TEMPO;
+double CUM_TIME;
+double LAST_IB_DUR;
+float  TEMPO;
 
 void reset_clock()
 {

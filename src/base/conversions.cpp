@@ -29,7 +29,7 @@ float pitch_class(float pitch) { return mod(pitch, 12.0F); }
 
 } // namespace
 
-std::uint64_t SRATE = START_SRATE;
+std::uint64_t SRATE;
 
 float cpc_to_pch(float pitch) { return octave(pitch) + 4.0F + pitch_class(pitch) / 100.0F; }
 

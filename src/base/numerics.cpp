@@ -41,13 +41,6 @@ std::int32_t to_int32(double value)
     return std::numeric_limits<std::int32_t>::min();
 }
 
-std::int64_t to_int64(double value)
-{
-    if (value >= -9223372036854775808.0 && value < 9223372036854775808.0)
-        return static_cast<std::int64_t>(value);
-    return std::numeric_limits<std::int64_t>::min();
-}
-
 std::uint64_t to_uint64(double value)
 {
     if (value > -1.0 && value < 18446744073709551616.0)

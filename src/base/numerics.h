@@ -2,12 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 namespace orlo {
 
 /// A real as an integer, truncated toward zero; a NaN or a value out of range gives the most negative integer.
-[[nodiscard]] std::int32_t to_int32(double value);
-[[nodiscard]] std::int64_t to_int64(double value);
+[[nodiscard]] std::int32_t        to_int32(double value);
+[[nodiscard]] inline std::int64_t to_int64(double value)
+{
+    if (value >= -9223372036854775808.0 && value < 9223372036854775808.0)
+        return static_cast<std::int64_t>(value);
+    return std::numeric_limits<std::int64_t>::min();
+}
 /// As to_int64 for values from 0 to 2^64; a NaN or a value out of range (below 0 too) gives 2^63.
 [[nodiscard]] std::uint64_t to_uint64(double value);
 

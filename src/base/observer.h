@@ -21,6 +21,7 @@ enum class Part {
     curve,     // code of a curve
     exponent,  // of the curve "v"
     range,     // code of a distribution, then its two bounds
+    bounds,    // of a walk, then the two
     low,       // a bound
     high,      // a bound
     value,     // of a list, or a held value
@@ -43,11 +44,13 @@ enum class Goes {
 /// A call in a text, by what it stands for.
 enum class CallKind { macro, argument, constant, equation, time };
 
-/// The functions that are told. All stand in a record that is used, none is null.
+/// The functions that are told. All stand in a record that is used; "event" and "column" may be null where single events are not
+/// asked for.
 struct Observer {
     // files and how they become the combined input
     void (*include_met)(std::uint64_t begin, std::uint64_t end);  // a directive, by bytes of the file that is being copied
     void (*file_opened)(const char *name, bool found);            // the piece, then what is included; one that is found is copied
+    void (*file_text)(const char *text, std::size_t length);      // what is read of the file that is copied, in order
     void (*file_left)();                                          // back to the file before it
     void (*copy_continues)(std::uint64_t to, std::uint64_t from); // byte "to" of the combined input is byte "from" of the file
 
@@ -58,33 +61,34 @@ struct Observer {
     void (*call_begins)(CallKind kind, const char *name, std::size_t name_length, std::size_t begin, std::size_t end, double value);
     void (*argument_taken)(const char *name, std::size_t name_length, std::size_t begin, std::size_t end); // of the call on top
     void (*call_replaced)(std::size_t begin, std::size_t end, std::size_t length); // by the text on top, which leaves the pile
-    void (*calls_given_up)();                                                      // only the line is left on the pile
 
     // definitions and conditions
     void (*definition_begins)(std::size_t column); // its "#"
     void (*macro_name)(std::size_t begin, std::size_t end);
-    void (*macro_parameter)(const char *name, std::size_t length, std::size_t end);
-    void (*body_part)(std::size_t begin, std::size_t end); // characters of the line that the body gains
-    void (*body_line_end)();                               // the body gains a line end
-    void (*macro_defined)(const char *name, const char *body, std::size_t end);
+    void (*macro_parameter)(const char *name, std::size_t length);
+    void (*body_part)(std::size_t begin, std::size_t end); // what the body gains of the line, nothing for a line end
+    void (*macro_defined)(const char *name, const char *body, std::size_t end, bool stored); // not stored: it is there already
     void (*macro_undefined)(const char *name, std::size_t length, std::size_t end);
-    void (*constant_defined)(const char *name, double value, std::size_t begin, std::size_t end); // where its value stands
+    void (*constant_defined)(const char *name, double value, std::size_t begin, std::size_t end,
+                             bool stored); // its value stands there
+    void (*constant_used)(const char *name, std::size_t length, std::size_t begin, std::size_t end);
     void (*condition)(std::size_t begin, std::size_t end, bool taken);
-    void (*condition_ends)(std::size_t end);
-    void (*equation_drew)(double value); // a "?"
+    void (*condition_ends)(std::size_t begin, std::size_t end);
+    void (*equation_drew)(); // a "?"
 
     // blocks
     void (*block_begins)(std::size_t column); // its "i"
-    void (*block_header)(std::int32_t instrument, std::int32_t pfields, float start, float beats, std::uint64_t events);
+    void (*block_header)(std::int32_t instrument, std::int32_t pfields, float start, float beats, std::uint64_t events,
+                         std::size_t end);
     void (*block_skipped)(std::int32_t instrument, std::size_t end);
     void (*block_starts)(float tempo, float seconds); // its start in seconds at a tempo
     void (*block_ends)(std::size_t end);              // after its "}"
 
     // sections
-    void (*section_begins)(std::int32_t pfield, std::size_t column); // its "p"
+    void (*section_begins)(std::int32_t pfield, std::size_t begin, std::size_t end); // its "p" and number
     void (*output_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*input_type)(std::int32_t code, std::size_t begin, std::size_t end);
-    void (*section_ends)(std::size_t column, std::uint64_t events); // events of the block from here on
+    void (*section_ends)();
 
     // what stands in sections and between blocks
     void (*command_begins)(std::int32_t code, std::size_t column);
@@ -102,11 +106,11 @@ struct Observer {
     void (*started)(Goes goes, float beats, float deviated, float tempo); // p2: interval as read, in seconds
     void (*lasted)(float value, float deviated, float duration);          // p3: as read, its amount, in seconds
     void (*stored)(Goes goes, float value, float deviated, float result); // p4 and up
-    void (*chord_repeated)(Goes goes, bool grows); // a value of the last chord once more; grows: the list by an event
-    void (*rest)();                                // the value that was stored last was a rest
+    void (*chord_repeated)(Goes goes, bool grows, float value);           // of the last chord; grows: the list by an event
+    void (*rest)();                                                       // the value that was stored last was a rest
 
     // what comes of a block
-    void (*block_done)(std::int32_t pfields, std::uint64_t events); // its events follow
+    void (*block_done)(std::int32_t pfields); // its events follow, from the first on
     void (*event)(float start, float duration, float beat, const float *values, std::size_t count);
     void (*score_begins)(std::uint32_t block);                                 // of the block, with the number it has in the score
     void (*column)(std::int32_t pfield, const char *text, std::size_t length); // of an event's line, in the order of events
@@ -117,8 +121,8 @@ struct Observer {
     void (*message_begins)(Severity severity, int number);      // 0: a message of its own
     void (*message_text)(const char *text, std::size_t length); // a part of it
     void (*message_ends)();
-    void (*message_place)(std::size_t column); // of the message before, in the line that was read last
-    void (*recovery_begins)();                 // the run has failed; what is told from here on is only looked at
+    void (*message_place)(const char *line, std::size_t column); // of the message before, in the line that was read last
+    void (*recovery_begins)();                                   // the run has failed; what is told from here on is only looked at
 };
 
 extern const Observer *observer; // null in orlo, and at start; set by companions

@@ -103,7 +103,7 @@ float draw_in_blocks(DrawSpan span, std::size_t most)
 
 } // namespace
 
-constinit DrawState draw_state = seeded_with(1);
+DrawState draw_state;
 
 void refill_draws()
 {

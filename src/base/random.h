@@ -22,10 +22,10 @@ extern DrawState draw_state;
 /// Makes the next results, when all are used up.
 void refill_draws();
 
-/// Starts the sequence of a seed; without a call the sequence is that of seed 1, and seed 0 is the same as 1.
+/// Starts the sequence of a seed; seed 0 is the same as 1.
 void seed_draws(std::uint32_t seed);
 
-/// Forgets the seed: the sequence starts again as that of seed 1.
+/// Starts the sequence of seed 1, which a run has without a seed.
 void reset_draws();
 
 /// Numbers of the sequence that have been drawn since it was started.

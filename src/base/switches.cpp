@@ -2,11 +2,11 @@
 
 namespace orlo {
 
-bool MKMIDI      = false;
-bool MKLOG       = false;
-bool SUPRESS     = false;
-bool MKEXP       = false;
-bool SHOW_TEMPOS = false;
+bool MKMIDI;
+bool MKLOG;
+bool SUPRESS;
+bool MKEXP;
+bool SHOW_TEMPOS;
 
 void reset_switches()
 {

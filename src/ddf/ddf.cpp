@@ -133,8 +133,10 @@ int store_generated(Section &section, const Input &in, float value)
     if (IN_TYPE == TYPE_IN)
         value = RoundF(value);
     LAST_VAL = value;
-    if (const int error = store_made(section, in, value))
-        return error;
+    if (P_NO == 3)
+        store_p3(section, in, value);
+    else if (!store_value(section, value))
+        return OUT_OF_MEMORY;
     return keep_for_loop(section, value);
 }
 

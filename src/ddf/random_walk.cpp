@@ -52,6 +52,7 @@ int get_set(RandomWalk &data, Frame &frame, Input &in)
     const std::uint32_t bounds = in.pos;
     if (const int error = get_bounds(set, in))
         return error;
+    tell_number(in, Part::bounds, static_cast<double>(set.low), bounds);
     tell_number(in, Part::low, static_cast<double>(set.low), bounds);
     tell_number(in, Part::high, static_cast<double>(set.high), bounds);
     const std::uint32_t window = in.pos;

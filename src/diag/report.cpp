@@ -18,7 +18,7 @@
 
 namespace orlo {
 
-std::FILE *fllog = nullptr;
+std::FILE *fllog;
 
 namespace {
 
@@ -45,8 +45,8 @@ void write_to_log(const char *text, std::size_t length)
         keep(text, length);
 }
 
-bool screen_is_terminal = false; // found out when a run begins
-bool log_is_terminal    = false; // and when its log is started
+bool screen_is_terminal; // found out when a run begins
+bool log_is_terminal;    // and when its log is started
 
 struct Text {
     std::FILE  *stream;  // null when it goes to the log alone
@@ -213,10 +213,10 @@ template <class Put> void tell_observer(Severity severity, int number, Put put_t
     observer->message_ends();
 }
 
-void tell_place(unsigned column)
+void tell_place(const char *line, unsigned column)
 {
     if (observer != nullptr)
-        observer->message_place(column);
+        observer->message_place(line, column);
 }
 
 // the line and its caret
@@ -306,7 +306,7 @@ void error_no(int number, unsigned long line_no, const char *line, unsigned colu
     if (number != TEXT_REPORTED)
         tell_observer(Severity::error, number, [=](Text &out) { put_text(out, error_text(number)); });
     if (number == TEXT_REPORTED || error_has_line(number))
-        tell_place(column);
+        tell_place(line, column);
     if (number == TEXT_REPORTED)
         show_line(line, column);
     else if (error_has_line(number))
@@ -321,7 +321,7 @@ void warning_no(int number, unsigned long line_no, const char *line, unsigned co
         return;
     tell_observer(Severity::warning, number, [=](Text &out) { put_text(out, warning_text(number)); });
     if (warning_has_line(number))
-        tell_place(column);
+        tell_place(line, column);
     if (warning_has_line(number))
         show_with_line("WARNING", warning_text(number), line_no, line, column);
     else

@@ -10,10 +10,10 @@
 
 namespace orlo {
 
-const char *in_fname  = nullptr;
-const char *out_fname = nullptr;
-const char *log_fname = nullptr;
-const char *exp_fname = nullptr;
+const char *in_fname;
+const char *out_fname;
+const char *log_fname;
+const char *exp_fname;
 
 namespace {
 

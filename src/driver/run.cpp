@@ -158,7 +158,7 @@ void report_statistics(std::uint32_t block)
 void tell_events(const Event *list)
 {
     const auto values = static_cast<std::size_t>(MAX_PFIELDS - LEAST_PFIELDS);
-    observer->block_done(MAX_PFIELDS, EVENTS);
+    observer->block_done(MAX_PFIELDS);
     const Event *event = list;
     do {
         event = event->next;
@@ -224,7 +224,7 @@ int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
         return status;
     if (note_list == nullptr)
         return nothing_written(block);
-    if (observer != nullptr)
+    if (observer != nullptr && observer->event != nullptr)
         tell_events(note_list);
     bool written = false;
     if (const int error = MKMIDI ? write_midi(out, written) : write_score(out, block, written))

@@ -100,8 +100,12 @@ bool open_files(Files &files, Extent piece)
         return cant_open(in_fname);
     if (piece.begin != 0 && std::fseek(files.in, static_cast<long>(piece.begin), SEEK_SET) != 0)
         return cant_read();
-    return (out_fname == nullptr || open_to_write(files.out, out_fname)) && (!MKEXP || open_trace()) && open_temporary(files) &&
-           (!MKLOG || open_to_write(files.log, log_fname));
+    if ((out_fname != nullptr && !open_to_write(files.out, out_fname)) || (MKEXP && !open_trace()) || !open_temporary(files) ||
+        (MKLOG && !open_to_write(files.log, log_fname)))
+        return false;
+    if (files.out != nullptr)
+        write_in_large_pieces(files.out);
+    return true;
 }
 
 int combine_input(Files &files, Extent piece)

@@ -11,26 +11,26 @@
 
 namespace orlo {
 
-std::int32_t  I_NO       = 0;
-float         STIME      = 0.0F;
-float         SBEAT      = 0.0F;
-float         BEATS      = 0.0F;
-float         ETIME      = 0.0F;
-float         MAX_DEV    = 0.0F;
-std::uint64_t EVENTS     = 0;
-std::int32_t  P_NO       = 0;
-std::uint64_t EVENT_NO   = 0;
-float         CBEATS     = 0.0F;
-float         LAST_VAL   = 0.0F;
-std::int32_t  IN_TYPE    = TYPE_RE;
-std::int32_t  OUT_TYPE   = TYPE_RE;
-bool          IN_LOOP    = false;
-bool          NX         = false;
-float         MAX_DEV2   = 0.0F;
-float         PFACTOR    = 1.0F;
-std::int32_t  IS_FUSED   = 0;
-bool          WROTE_DATA = false;
-Event        *LUT        = nullptr;
+std::int32_t  I_NO;
+float         STIME;
+float         SBEAT;
+float         BEATS;
+float         ETIME;
+float         MAX_DEV;
+std::uint64_t EVENTS;
+std::int32_t  P_NO;
+std::uint64_t EVENT_NO;
+float         CBEATS;
+float         LAST_VAL;
+std::int32_t  IN_TYPE;
+std::int32_t  OUT_TYPE;
+bool          IN_LOOP;
+bool          NX;
+float         MAX_DEV2;
+float         PFACTOR;
+std::int32_t  IS_FUSED;
+bool          WROTE_DATA;
+Event        *LUT;
 
 namespace {
 

@@ -15,14 +15,14 @@
 
 namespace orlo {
 
-Event *note_list = nullptr;
+Event *note_list;
 
 namespace {
 
 constexpr std::int32_t LEAST_VALUES = 2; // room that every event has: a MIDI note has a velocity and a key, whatever the block has
 
-float last_dur    = 0.0F;  // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
-bool  has_members = false; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
+float last_dur;    // seconds by which the next new event starts later, 0 at start; written by InsertBegTime
+bool  has_members; // an event may have a code other than 0; set where such codes come from, cleared by ClearLFusedCode
 
 // links an event after another one
 void link_after(Event *event, Event *before)
@@ -144,7 +144,7 @@ bool DoListChord(Section &section, std::uint64_t &members)
     members          = 0;
     const bool grows = section.cursor == section.list;
     if (observer != nullptr)
-        observer->chord_repeated(Goes::next, grows);
+        observer->chord_repeated(Goes::next, grows, LUT->pf[value]);
     if (!grows) {
         section.cursor            = section.cursor->next;
         section.cursor->code      = LUT->code;
@@ -163,7 +163,7 @@ bool DoListChord(Section &section, std::uint64_t &members)
         copy->pf[value] = member->pf[value];
         InsertEvent(copy, section);
         if (observer != nullptr)
-            observer->chord_repeated(Goes::beside, false);
+            observer->chord_repeated(Goes::beside, false, member->pf[value]);
         ++members;
     }
     return true;

@@ -6,11 +6,11 @@
 
 namespace orlo {
 
-std::int32_t  MAX_PFIELDS             = 0;
-bool          DID_P[MOST_PFIELDS + 1] = {};
-std::int32_t *OUTS                    = nullptr;
-std::int32_t *RE_FW                   = nullptr;
-std::int32_t *FFT_SZ                  = nullptr;
+std::int32_t  MAX_PFIELDS;
+bool          DID_P[MOST_PFIELDS + 1];
+std::int32_t *OUTS;
+std::int32_t *RE_FW;
+std::int32_t *FFT_SZ;
 
 bool make_pfield_record(std::int32_t n)
 {

@@ -48,7 +48,7 @@ float duration_of(P3Code code, float amount, float span)
 
 // Each way of storing stands twice, so that a run that nobody looks at pays nothing for it: told says which.
 
-template <bool told> bool store_as_start(Section &section, float value, float seconds)
+template <bool told> inline bool store_as_start(Section &section, float value, float seconds)
 {
     const float deviated = add_rdev(seconds, MAX_DEV + MAX_DEV2);
     if (!InsertBegTime(section, deviated))
@@ -59,7 +59,7 @@ template <bool told> bool store_as_start(Section &section, float value, float se
     return true;
 }
 
-template <bool told> int store_interval(Section &section, float value, ZeroBy zero)
+template <bool told> inline int store_interval(Section &section, float value, ZeroBy zero)
 {
     const float seconds = to_tempo(value);
     if ((zero == ZeroBy::value ? value : seconds) == 0.0F && EVENTS == 0)
@@ -67,7 +67,7 @@ template <bool told> int store_interval(Section &section, float value, ZeroBy ze
     return store_as_start<told>(section, value, seconds) ? OK : OUT_OF_MEMORY;
 }
 
-template <bool told> P3Code store_duration(Section &section, const Input &in, float value)
+template <bool told> inline P3Code store_duration(Section &section, const Input &in, float value)
 {
     Event *event = section.cursor = section.cursor->next;
 
@@ -85,7 +85,7 @@ template <bool told> P3Code store_duration(Section &section, const Input &in, fl
     return code;
 }
 
-template <bool told> bool store_as_value(Section &section, float value)
+template <bool told> inline bool store_as_value(Section &section, float value)
 {
     const float deviated = add_rdev(value, MAX_DEV + MAX_DEV2);
     if (!StorePfield(section, adjust(deviated)))
@@ -95,7 +95,7 @@ template <bool told> bool store_as_value(Section &section, float value)
     return true;
 }
 
-template <bool told> bool store_as_rest(Section &section, float value)
+template <bool told> inline bool store_as_rest(Section &section, float value)
 {
     if (!store_as_value<told>(section, value))
         return false;
@@ -167,16 +167,6 @@ int store_one(Section &section, const Input &in, float value, ZeroBy zero)
     if (section.way == Way::observed)
         return store_observed(section, in, value, zero);
     store_duration<false>(section, in, value);
-    return OK;
-}
-
-int store_made(Section &section, const Input &in, float value)
-{
-    if (section.way == Way::values)
-        return store_as_value<false>(section, value) ? OK : OUT_OF_MEMORY;
-    if (P_NO > 3)
-        return store_as_value<true>(section, value) ? OK : OUT_OF_MEMORY;
-    store_p3(section, in, value);
     return OK;
 }
 

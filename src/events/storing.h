@@ -34,9 +34,6 @@ enum class ZeroBy { value, seconds };
 /// Stores one value of the section, whichever p-field it is. @return 0, 32, or 54 for an interval of 0
 [[nodiscard]] int store_one(Section &section, const Input &in, float value, ZeroBy zero);
 
-/// Stores a generated value of p3 or up, where a negative note is no rest. @return 0 or 32
-[[nodiscard]] int store_made(Section &section, const Input &in, float value);
-
 /// Stores the last value once more or, from p4 up after a chord, the last chord, whose members are counted as events.
 /// @return as store_one
 [[nodiscard]] int store_last(Section &section, const Input &in, ZeroBy zero);

@@ -22,8 +22,8 @@ constexpr char type_letters[] = "FELUSX"; // shown for the curve codes 0 to 5
 
 } // namespace
 
-TempoSegment TEMPO_LIST[MAX_TEMPOS] = {FIRST_SEGMENT};
-std::int32_t TOT_TEMPOS             = 1;
+TempoSegment TEMPO_LIST[MAX_TEMPOS];
+std::int32_t TOT_TEMPOS;
 
 bool add_tempo(const TempoSegment &segment)
 {

@@ -16,10 +16,10 @@
 namespace orlo {
 namespace {
 
-std::int32_t IF_MATCH    = 0;     // open blocks, kept and skipped alike
-bool         IN_IF0      = false; // a false block is being skipped
-std::int32_t start_level = 0;     // IF_MATCH before the block that is skipped
-float        value       = 0.0F;  // the condition that was read last
+std::int32_t IF_MATCH;    // open blocks, kept and skipped alike
+bool         IN_IF0;      // a false block is being skipped
+std::int32_t start_level; // IF_MATCH before the block that is skipped
+float        value;       // the condition that was read last
 
 bool stands_at(const char *line, std::uint32_t pos, std::string_view word)
 {
@@ -59,8 +59,11 @@ int skip_false_block(Input &in)
 // a condition that can't be read is not reported, unless memory is exhausted: the block goes by the one before it
 int do_if(Input &in)
 {
+    const std::uint32_t begin = in.pos - 1;
     if (get_if(in, value) == OUT_OF_MEMORY)
         return OUT_OF_MEMORY;
+    if (observer != nullptr)
+        observer->condition(begin, in.pos, value != 0.0F);
     start_level = IF_MATCH;
     ++IF_MATCH;
     if (value != 0.0F)
@@ -110,10 +113,13 @@ int do_endif(Input &in)
 {
     if (!is_endif(in.line, in.pos))
         return BAD_ENDIF;
+    const std::uint32_t begin = in.pos - 1;
     move_within_line(in, ENDIF_WORD.size());
     if (IF_MATCH < 1)
         return MISMATCHED_ENDIF;
     --IF_MATCH;
+    if (observer != nullptr && (!IN_IF0 || IF_MATCH == start_level)) // the end of a block inside a skipped one is skipped too
+        observer->condition_ends(begin, in.pos);
     return OK;
 }
 

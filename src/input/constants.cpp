@@ -11,33 +11,33 @@
 #include "input/directives.h"
 #include "input/equations.h"
 #include "input/macros.h"
+#include "input/names.h"
 #include "input/scanners.h"
 
 #include <charconv>
-#include <cmath>
-#include <cstring>
-#include <functional>
 #include <new>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 
 namespace orlo {
 namespace {
 
 constexpr std::ptrdiff_t MOST_DIGITS = 19; // of 64 bits
 
-struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
+constexpr CharacterSet stops = set_of({"~;/*\0", 5}); // all that can matter to the scan of a line, its end among them
+
+struct Constant {
+    std::string name;
+    double      value;
 };
 
-std::unordered_map<std::string, double, NameHash, std::equal_to<>> var_list;
+NameTable<Constant> var_list{};
 
 int no_such_constant(std::string_view name, const Input &in)
 {
     const std::string text{name};
-    Mprintf("\n\nERROR: Line %d: There is no constant \"%s\" in your input file!\n", in.line_no, text.c_str());
+    complain(in, column_of(name, in), "There is no constant \"%s\" in your input file!", text.c_str());
     return TEXT_REPORTED;
 }
 
@@ -51,8 +51,7 @@ int get_name(std::string &name, Input &in)
     for (; is_name_char(peek(in)); ++in.pos) {
         name.push_back(peek(in));
         if (name.size() == MAX_CONSTANT_NAME) {
-            Mprintf("\n\nERROR: Line %d: The constant name has exceeded the", in.line_no);
-            Mprintf(" maximum number\nof characters allowed (%d).\n", MAX_CONSTANT_NAME);
+            complain_here(in, "The constant name has exceeded the maximum number\nof characters allowed (%d).", MAX_CONSTANT_NAME);
             return TEXT_REPORTED;
         }
     }
@@ -60,24 +59,29 @@ int get_name(std::string &name, Input &in)
 }
 
 // definition -> "const" blank name number
-int get_var(std::string &name, double &value, Input &in)
+// begin gets the place of the number
+int get_var(Constant &constant, std::uint32_t &begin, Input &in)
 {
     move_within_line(in, CONST_WORD.size()); // any five characters that begin with "c"
     if (!is_blank(peek(in)))
         return BAD_DIRECTIVE;
     skip_blanks(in);
-    if (const int error = get_name(name, in))
+    if (const int error = get_name(constant.name, in))
         return error;
     skip_blanks(in);
     if (peek(in) == '$')
         return MACRO_IN_CONSTANT;
-    return get_df(value, in) ? OK : NUMBER_EXPECTED;
+    begin = in.pos;
+    return get_df(constant.value, in) ? OK : NUMBER_EXPECTED;
 }
 
-// A value and the name that its notice shows.
+// A reference in the line, what replaces it, and the name that its notice shows.
 struct Reference {
-    double      value;
-    const char *name;
+    std::size_t      start; // of the "~"
+    std::size_t      end;   // after a name its last character, after an equation its "]", after a time term the "@"
+    double           value;
+    std::string_view name;
+    CallKind         kind;
 };
 
 // time-term -> "@" ( "1" | "2" | "3" | "4" )
@@ -85,72 +89,84 @@ int get_time_term(Reference &reference, Input &in)
 {
     const double beats_per_second = static_cast<double>(TEMPO) / 60.0;
     ++in.pos;
+    reference.end  = in.pos;
+    reference.kind = CallKind::time;
     switch (peek(in)) {
     case '1':
-        reference = {LAST_IB_DUR, "@1 (Last IB Time)"};
+        reference.value = LAST_IB_DUR;
+        reference.name  = "@1 (Last IB Time)";
         return OK;
     case '2':
-        reference = {CUM_TIME, "@2 (Cumulative Time)"};
+        reference.value = CUM_TIME;
+        reference.name  = "@2 (Cumulative Time)";
         return OK;
     case '3':
-        reference = {beats_per_second * LAST_IB_DUR, "@3 (Last IB Time [BEATS])"};
+        reference.value = beats_per_second * LAST_IB_DUR;
+        reference.name  = "@3 (Last IB Time [BEATS])";
         return OK;
     case '4':
-        reference = {beats_per_second * CUM_TIME, "@4 (Cumulative Time [BEATS])"};
+        reference.value = beats_per_second * CUM_TIME;
+        reference.name  = "@4 (Cumulative Time [BEATS])";
         return OK;
     default:
         return BAD_TIME_TERM;
     }
 }
 
-// after a reference: after a name its last character, after an equation its first "]", after a time term the "@"
-std::size_t skip_vname_or_eq(const char *line, std::size_t pos)
+int get_equation(Reference &reference, Input &in)
 {
-    switch (line[pos]) {
-    case '[':
-        return pos + std::strcspn(line + pos, "]") + 1;
-    case '@':
-        return pos + 1;
-    default:
-        static_cast<void>(take_name(line, pos));
-        return pos;
-    }
+    if (const int error = parse_vequation(reference.value, in))
+        return error;
+    reference.end  = in.pos + 1;
+    reference.name = "equation";
+    reference.kind = CallKind::equation;
+    return OK;
 }
 
-// replaces the reference after the "~" at start by its value
-int vexpand_in_buff(const Reference &reference, std::size_t start, Input &in)
+int get_name_term(Reference &reference, Input &in)
 {
-    if (const int error = count_expansion(in))
+    if (const int error = find_vname(reference.value, in))
         return error;
-    if (!SUPRESS)
-        Mprintf("\n\tExpanding const \"%s\" (%f) into line %d...", reference.name, reference.value, in.line_no);
-    char              text[FTOA_SIZE];
-    const std::size_t length = FtoA(text, reference.value);
-    return replace_in_line(in, start, skip_vname_or_eq(in.line, start + 1), text, length);
-}
-
-int expand_name(std::size_t start, Input &in)
-{
-    double value = 0.0;
-    if (const int error = find_vname(value, in))
-        return error;
-    const std::string name{in.line + start + 1, in.pos - start - 1};
-    return vexpand_in_buff({value, name.c_str()}, start, in);
+    reference.end  = in.pos;
+    reference.name = {in.line + reference.start + 1, reference.end - reference.start - 1};
+    return OK;
 }
 
 // reference -> "~" ( equation | time-term | name )
+int get_reference(Reference &reference, Input &in)
+{
+    switch (peek(in)) {
+    case '[':
+        return get_equation(reference, in);
+    case '@':
+        return get_time_term(reference, in);
+    default:
+        return get_name_term(reference, in);
+    }
+}
+
+void announce(const Reference &reference, const Input &in)
+{
+    if (SUPRESS)
+        return;
+    const std::string name{reference.name};
+    Mprintf("\n\tExpanding const \"%s\" (%f) into line %d...", name.c_str(), reference.value, in.line_no);
+}
+
 int expand_reference(Input &in)
 {
-    const std::size_t start = in.pos - 1;
-    Reference         reference{0.0, "equation"};
-    int               result = OK;
-    if (peek(in) == '[')
-        result = parse_vequation(reference.value, in);
-    else if (peek(in) == '@')
-        result = get_time_term(reference, in);
-    else
-        return expand_name(start, in);
-    return result == OK ? vexpand_in_buff(reference, start, in) : result;
+    Reference reference{in.pos - 1, 0, 0.0, {}, CallKind::constant};
+    if (const int error = get_reference(reference, in))
+        return error;
+    if (const int error = count_expansion(in))
+        return error;
+    announce(reference, in);
+    if (observer != nullptr)
+        observer->call_begins(reference.kind, reference.name.data(), reference.name.size(), reference.start, reference.end,
+                              reference.value);
+    char              text[FTOA_SIZE];
+    const std::size_t length = FtoA(text, reference.value);
+    return replace_in_line(in, reference.start, reference.end, text, length);
 }
 
 // the digits of a number that is not negative; nothing for a negative one
@@ -160,6 +176,34 @@ void put_digits(char *&end, std::int64_t number)
         end = std::to_chars(end, end + MOST_DIGITS, number).ptr;
 }
 
+// three digits or more; those of 0 for a negative number
+void put_thousandths(char *&end, std::int64_t number)
+{
+    if (number > 999) {
+        put_digits(end, number);
+        return;
+    }
+    const auto shown = number > 0 ? static_cast<std::uint32_t>(number) : 0U;
+    *end++           = static_cast<char>('0' + shown / 100);
+    *end++           = static_cast<char>('0' + shown / 10 % 10);
+    *end++           = static_cast<char>('0' + shown % 10);
+}
+
+// to the nearest, ties up; of a negative value only the sign counts, and what has no integer gives a negative one
+std::int64_t nearest(double value)
+{
+    const std::int64_t down = to_int64(value);
+    const auto         base = static_cast<double>(down);
+    return down + (value > base && value - base >= base + 1.0 - value ? 1 : 0);
+}
+
+// moves on to the next character that parse_variables has to look at
+void skip_plain(Input &in)
+{
+    while (!stops.has(peek(in)))
+        ++in.pos;
+}
+
 } // namespace
 
 int parse_var(Input &in)
@@ -167,11 +211,14 @@ int parse_var(Input &in)
     if (peek(in) != 'c')
         return OK;
     try {
-        std::string name;
-        double      value = 0.0;
-        if (const int error = get_var(name, value, in))
+        Constant      constant{{}, 0.0};
+        std::uint32_t begin = 0;
+        if (const int error = get_var(constant, begin, in))
             return error;
-        return var_list.try_emplace(name, value).second ? OK : DUPLICATE_CONSTANT;
+        if (observer != nullptr)
+            observer->constant_defined(constant.name.c_str(), constant.value, begin, in.pos,
+                                       find_named(var_list, constant.name) == nullptr);
+        return add_named(var_list, std::move(constant)) ? OK : DUPLICATE_CONSTANT;
     } catch (const std::bad_alloc &) {
         return NO_MEMORY_CONSTANT;
     }
@@ -181,6 +228,7 @@ int parse_variables(Input &in, const DefinitionMarks &marks)
 {
     PassComments flags{IN_COMMENT, IN_COMMENT};
     in.pos = 0;
+    skip_plain(in);
     while (peek(in) != '\0') { // each step moves on: what is inserted holds no reference
         if (peek(in) == '~' && !flags.comment && !(marks.any && marks.columns[in.pos])) {
             ++in.pos;
@@ -190,6 +238,7 @@ int parse_variables(Input &in, const DefinitionMarks &marks)
             follow_comment(flags, peek(in), in.line[in.pos + 1]);
             ++in.pos;
         }
+        skip_plain(in);
     }
     IN_COMMENT = flags.block;
     in.pos     = 0;
@@ -210,10 +259,12 @@ int find_vname(double &value, Input &in)
     std::size_t            pos  = in.pos;
     const std::string_view name = take_name(in.line, pos);
     in.pos                      = static_cast<std::uint32_t>(pos);
-    const auto found            = var_list.find(name);
-    if (found == var_list.end())
+    const Constant *found       = find_named(var_list, name);
+    if (found == nullptr)
         return no_such_constant(name, in);
-    value = found->second;
+    if (observer != nullptr)
+        observer->constant_used(name.data(), name.size(), pos - name.size(), pos);
+    value = found->value;
     return OK;
 }
 
@@ -227,14 +278,7 @@ std::size_t FtoA(char *text, double value)
     const std::int64_t whole = to_int64(value);
     put_digits(end, whole);
     *end++ = '.';
-
-    const double       rest     = 1000.0 * (value - static_cast<double>(static_cast<float>(whole)));
-    const double       down     = std::floor(rest);
-    const double       up       = std::ceil(rest);
-    const std::int64_t fraction = to_int64(rest - down < up - rest ? down : up);
-    for (int zeros = 3 - CountDigits(fraction); zeros > 0; --zeros)
-        *end++ = '0';
-    put_digits(end, fraction);
+    put_thousandths(end, nearest(1000.0 * (value - static_cast<double>(static_cast<float>(whole)))));
     *end = '\0';
     return static_cast<std::size_t>(end - text);
 }
@@ -249,7 +293,7 @@ int CountDigits(std::int64_t number)
     return digits;
 }
 
-void free_variable_list() { decltype(var_list){}.swap(var_list); } // gives the table back too
+void free_variable_list() { var_list = {}; }
 
 void print_var(const char *name, double value)
 {

@@ -29,7 +29,7 @@ inline constexpr std::size_t MAX_CONSTANT_NAME = 2048; // a name of so many char
 inline constexpr std::size_t FTOA_SIZE = 64;
 std::size_t                  FtoA(char *text, double value);
 
-/// Decimal digits of a number: 1 for 0, 0 for a negative number.
+/// Decimal digits of a number: 1 for 0, 0 for a negative number. Only tests call it.
 [[nodiscard]] int CountDigits(std::int64_t number);
 
 /// Frees all constants.

@@ -60,6 +60,8 @@ int draw_random(double &value, Input &in)
         return error;
     ++in.pos;
     value = static_cast<double>(static_cast<float>(draw_int() % RANDOM_STEPS)) / static_cast<double>(RANDOM_STEPS);
+    if (observer != nullptr)
+        observer->equation_drew();
     if (!SUPRESS)
         Mprintf("\n\tLine %d: '?' evaluated at = %f", in.line_no, value);
     return OK;

@@ -7,6 +7,7 @@
 #include "base/observer.h"
 #include "diag/messages.h"
 #include "diag/report.h"
+#include "input/character_set.h"
 #include "input/line_reader.h"
 #include "platform/output_files.h"
 
@@ -43,7 +44,7 @@ struct Place {
     char          line[LINE_SIZE];
 };
 
-std::uint64_t lines_copied = 0; // in the run; set back by its first call
+std::uint64_t lines_copied; // in the run; 0 again by its first call
 
 struct FileName {
     char        text[MAX_INCLUDE_NAME + 1];
@@ -54,17 +55,16 @@ constexpr int  INCLUDE_FAILED = 1;
 constexpr char keyword[]      = "#include";
 constexpr char keyword_rest[] = "clude"; // after "#in"
 
-// whether a character may change how those after it are taken
-constexpr bool matters(char c, const Scanner &state)
-{
-    return c == '#' || c == ';' || c == '>' || c == '/' || c == '*' || (c == '\n' && state.line_comment);
-}
+// what may change how the characters after it are taken; a line end does so after a line comment alone, but is counted
+constexpr CharacterSet stops = set_of("#;>/*\n");
 
 bool fill(Reader &in)
 {
     in.offset += in.end;
     in.next = 0;
     in.end  = std::fread(in.block, 1, static_cast<std::size_t>(std::min<std::uint64_t>(BLOCK_SIZE, in.last - in.offset)), in.file);
+    if (observer != nullptr)
+        observer->file_text(in.block, in.end);
     return in.end > 0;
 }
 
@@ -96,16 +96,28 @@ void put(int c, std::FILE *out)
         ++lines_copied;
 }
 
+// moves on to the next of the stops; false at the block's end
+bool skip_plain(Reader &in)
+{
+    const char       *block = in.block;
+    const std::size_t end   = in.end;
+    std::size_t       next  = in.next;
+    while (next < end && !stops.has(block[next]))
+        ++next;
+    in.next = next;
+    return next < end;
+}
+
 // copies up to the next character that matters
 void copy_plain(Reader &in, std::FILE *out, Scanner &state)
 {
     do {
         const std::size_t start = in.next;
-        while (in.next < in.end && !matters(in.block[in.next], state))
-            if (in.block[in.next++] == '\n') {
-                end_line(in);
-                ++lines_copied;
-            }
+        while (skip_plain(in) && !state.line_comment && in.block[in.next] == '\n') {
+            ++in.next;
+            end_line(in);
+            ++lines_copied;
+        }
         if (in.next > start) {
             std::fwrite(in.block + start, 1, in.next - start, out);
             state.previous = static_cast<unsigned char>(in.block[in.next - 1]);

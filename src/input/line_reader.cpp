@@ -18,8 +18,8 @@
 
 namespace orlo {
 
-std::FILE *fecho             = nullptr;
-bool       trace_is_terminal = false;
+std::FILE *fecho;
+bool       trace_is_terminal;
 
 namespace {
 
@@ -32,35 +32,9 @@ bool fill_block(Input &in)
     return in.end > 0;
 }
 
-// reads a line with its end, or as much of it as there is room for; false when nothing is left, or can be read
-bool read_line(Input &in)
-{
-    const std::uint64_t start_offset = in.offset + in.next;
-    std::size_t         length       = 0;
-    for (bool whole = false; !whole && length < LINE_SIZE - 1;) { // each round takes bytes
-        if (in.next == in.end && !fill_block(in)) {
-            if (!in.ended || length == 0)
-                return false;
-            break;
-        }
-        const char       *start = in.block + in.next;
-        const std::size_t most  = std::min(in.end - in.next, LINE_SIZE - 1 - length);
-        const auto       *found = static_cast<const char *>(std::memchr(start, '\n', most));
-        whole                   = found != nullptr;
-        const std::size_t piece = whole ? static_cast<std::size_t>(found + 1 - start) : most;
-        std::memcpy(in.line + length, start, piece);
-        length += piece;
-        in.next += piece;
-    }
-    in.line[length] = '\0';
-    ++in.line_no;
-    if (observer != nullptr)
-        observer->line_read(in.line_no, start_offset, length);
-    return true;
-}
-
-// Which passes a character can matter to, by calls and definitions, references, or comments; and what becomes a blank.
-enum Kind : unsigned char { FOR_MACROS = 1, FOR_CONSTANTS = 2, LINE_END = 4 };
+// What a character means to a line: which passes it can matter to, by calls and definitions, references, or comments; whether it
+// becomes a blank; whether it ends the line, or hides the rest of it.
+enum Kind : unsigned char { FOR_MACROS = 1, FOR_CONSTANTS = 2, BLANKED = 4, ENDS = 8, HIDES = 16 };
 
 constexpr auto kinds = [] {
     std::array<unsigned char, 256> table{};
@@ -71,29 +45,73 @@ constexpr auto kinds = [] {
     set("#$", FOR_MACROS);
     set("~", FOR_CONSTANTS);
     set(";/*", FOR_MACROS | FOR_CONSTANTS);
-    set("\r\n\xFF", LINE_END);
+    set("\r\xFF", BLANKED); // a stray end-of-file mark, the second
+    set("\n", BLANKED | ENDS);
+    set({"\0", 1}, HIDES);
     return table;
 }();
 
-// Makes blanks of line ends and of the byte 0xFF (a stray end-of-file mark). @return the kinds that the line holds
-unsigned blank_line_ends(char *line)
+// a line as it is read
+struct Reading {
+    std::size_t length;
+    unsigned    found; // kinds of its characters
+};
+
+// characters as they are, up to the end of the line
+void take_hidden(Input &in, Reading &line, std::size_t most)
 {
-    unsigned found = 0;
-    for (char *c = line; *c != '\0'; ++c) {
-        const unsigned kind = kinds[static_cast<unsigned char>(*c)];
-        if (kind == LINE_END)
-            *c = ' ';
-        found |= kind;
-    }
-    return found;
+    const char       *start = in.block + in.next;
+    const auto       *found = static_cast<const char *>(std::memchr(start, '\n', most));
+    const std::size_t taken = found != nullptr ? static_cast<std::size_t>(found + 1 - start) : most;
+    std::memcpy(in.line + line.length, start, taken);
+    line.length += taken;
+    in.next += taken;
+    if (found != nullptr)
+        line.found |= ENDS;
 }
 
-unsigned find_kinds(const char *line)
+// characters of the block, up to the end of the line, a NUL, or as many as there is room for
+void take_plain(Input &in, Reading &line, std::size_t most)
 {
-    unsigned found = 0;
-    for (const char *c = line; *c != '\0'; ++c)
-        found |= kinds[static_cast<unsigned char>(*c)];
-    return found;
+    const char *from  = in.block + in.next;
+    char       *to    = in.line + line.length;
+    unsigned    found = line.found;
+    std::size_t taken = 0;
+    while (taken < most && found < ENDS) {
+        const char     c    = from[taken];
+        const unsigned kind = kinds[static_cast<unsigned char>(c)];
+        to[taken++]         = (kind & BLANKED) != 0 ? ' ' : c;
+        found |= kind;
+    }
+    line.found = found;
+    line.length += taken;
+    in.next += taken;
+}
+
+// Reads a line with its end, or as much of it as there is room for, and makes blanks of line ends.
+// found tells the kinds of its characters; false when nothing is left, or can be read
+bool read_line(Input &in, unsigned &found)
+{
+    const std::uint64_t offset = in.offset + in.next;
+    Reading             line{0, 0};
+    while ((line.found & ENDS) == 0 && line.length < LINE_SIZE - 1) { // each round takes bytes
+        if (in.next == in.end && !fill_block(in)) {
+            if (!in.ended || line.length == 0)
+                return false;
+            break;
+        }
+        const std::size_t most = std::min(in.end - in.next, LINE_SIZE - 1 - line.length);
+        if ((line.found & HIDES) == 0)
+            take_plain(in, line, most);
+        else
+            take_hidden(in, line, most);
+    }
+    in.line[line.length] = '\0';
+    found                = line.found;
+    ++in.line_no;
+    if (observer != nullptr)
+        observer->line_read(in.line_no, offset, line.length);
+    return true;
 }
 
 // the macro pass, then the constant pass, each where it finds something
@@ -103,7 +121,7 @@ int expand_line(Input &in, unsigned found)
     if ((found & FOR_MACROS) != 0 || IN_MACRO_DEF != 0) {
         if (const int error = parse_macros(in, marks))
             return error;
-        found = find_kinds(in.line); // calls have been replaced
+        found |= FOR_CONSTANTS; // which the text of a call may hold
     }
     in.pos = 0;
     return (found & FOR_CONSTANTS) != 0 ? parse_variables(in, marks) : OK;
@@ -150,10 +168,10 @@ int skip_one_comment(Input &in)
 
 int get_buff(Input &in)
 {
-    if (!read_line(in))
+    unsigned found = 0;
+    if (!read_line(in, found))
         return END_OF_INPUT;
-    const unsigned found = blank_line_ends(in.line);
-    in.pos               = 0;
+    in.pos = 0;
     if (in_if0())
         return OK;
 
@@ -169,6 +187,14 @@ int get_buff(Input &in)
     if (MKEXP)
         trace_line(in.line);
     return OK;
+}
+
+std::uint32_t end_of_item(const Input &in, std::uint32_t begin)
+{
+    std::uint32_t end = in.pos;
+    while (end > begin && is_blank(in.line[end - 1]))
+        --end;
+    return end;
 }
 
 char get_c(Input &in) { return in.line[in.pos++]; }
@@ -217,12 +243,6 @@ int pass_comment(Input &in, Comment kind)
     if (result <= 0)
         return OK;
     return result == OUT_OF_MEMORY ? OUT_OF_MEMORY : EOF_IN_COMMENT;
-}
-
-void skip_blanks(Input &in)
-{
-    while (is_blank(peek(in)))
-        ++in.pos;
 }
 
 int skip_lines(Input &in)

@@ -10,6 +10,7 @@
 #include "diag/report.h"
 #include "input/comment_flags.h"
 #include "input/macros.h"
+#include "input/names.h"
 
 #include <cstring>
 #include <new>
@@ -27,6 +28,8 @@ namespace {
 
 constexpr int           BODY_TOO_LONG = -2; // of an expansion whose text can't fit into any line
 constexpr std::uint32_t ODD_COLUMN    = 85; // a ">" here does not keep definitions out of the rest of its line
+
+constexpr CharacterSet stops = set_of({"#$;/*>\n\0", 8}); // all that can matter outside definitions, the line's end among them
 
 struct Argument {
     std::string_view name; // of the parameter
@@ -60,22 +63,21 @@ Meaning find_meaning(std::string_view name, const std::vector<Argument> &argumen
 int expands_without_end(std::string_view name, const Input &in)
 {
     const std::string text{name};
-    Mprintf("\n\nERROR: Line %d: Macro \"%s\" expands without end!\n", in.line_no, text.c_str());
+    complain_here(in, "Macro \"%s\" expands without end!", text.c_str());
     return TEXT_REPORTED;
 }
 
 int line_too_long(const Input &in)
 {
-    Mprintf("\n\nERROR: Line %d: The expanded line has exceeded the", in.line_no);
-    Mprintf(" maximum number\nof characters allowed (%d).\n", LINE_SIZE - 1);
+    complain_here(in, "The expanded line has exceeded the maximum number\nof characters allowed (%d).", LINE_SIZE - 1);
     return TEXT_REPORTED;
 }
 
 // argument -> characters ( "'" | "#" ), the last one -> characters ")"
-int take_argument(std::string &argument, bool last, const std::string &text, std::size_t &pos)
+int take_argument(std::string &argument, bool last, const char *text, std::size_t &pos)
 {
     for (;; ++pos) { // ends with the text
-        if (pos == text.size())
+        if (text[pos] == '\0')
             return BAD_MACRO_SYNTAX;
         const char c = text[pos];
         if (last && c == '\'')
@@ -89,35 +91,38 @@ int take_argument(std::string &argument, bool last, const std::string &text, std
 }
 
 // arguments -> "(" argument { argument } ")"
-int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const std::string &text, std::size_t &pos)
+int take_arguments(std::vector<Argument> &arguments, const Macro &macro, const char *text, std::size_t &pos)
 {
-    while (pos < text.size() && is_blank(text[pos]))
+    while (is_blank(text[pos]))
         ++pos;
-    if (pos == text.size() || text[pos] != '(')
+    if (text[pos] != '(')
         return CALL_NEEDS_PAREN;
     ++pos;
     for (std::size_t i = 0; i < macro.params.size(); ++i) {
-        Argument argument{macro.params[i], {}};
+        const std::size_t begin = pos;
+        Argument          argument{macro.params[i], {}};
         if (const int error = take_argument(argument.text, i + 1 == macro.params.size(), text, pos))
             return error;
         for (const Argument &earlier : arguments)
             if (earlier.name == argument.name)
                 return DUPLICATE_MACRO;
+        if (observer != nullptr)
+            observer->argument_taken(argument.name.data(), argument.name.size(), begin, begin + argument.text.size());
         arguments.push_back(std::move(argument));
     }
     return OK;
 }
 
-void skip_name(const std::string &text, std::size_t &pos)
+void skip_name(const char *text, std::size_t &pos)
 {
-    while (pos < text.size() && is_name_char(text[pos]))
+    while (is_name_char(text[pos]))
         ++pos;
 }
 
 // a parenthesised group, balanced or up to the end
-void skip_args(const std::string &text, std::size_t &pos)
+void skip_args(const char *text, std::size_t &pos)
 {
-    if (pos == text.size() || text[pos] != '(')
+    if (text[pos] != '(')
         return;
     int depth = 0;
     do {
@@ -126,7 +131,7 @@ void skip_args(const std::string &text, std::size_t &pos)
         else if (text[pos] == ')')
             --depth;
         ++pos;
-    } while (depth > 0 && pos < text.size());
+    } while (depth > 0 && text[pos] != '\0');
 }
 
 void announce(std::string_view name, const Input &in)
@@ -139,13 +144,13 @@ void announce(std::string_view name, const Input &in)
 
 // A call in a text: where it starts (the "$") and ends, and what replaces it.
 struct Call {
-    std::size_t start;
-    std::size_t end;
-    std::string body;
+    std::size_t      start;
+    std::size_t      end;
+    std::string_view body;     // of the macro, of the argument, or as it was expanded
+    std::string      expanded; // a body with parameters
 };
 
-int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
-           const Input &in);
+int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth, const Input &in);
 
 // expands the references in a body
 int expand_body(std::string &body, const std::vector<Argument> &arguments, unsigned depth, const Input &in)
@@ -153,15 +158,17 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
     for (std::size_t pos = body.find('$'); pos != std::string::npos; pos = body.find('$', pos)) { // at most MAX_EXPANSIONS
         ++pos;
         Call call{};
-        if (const int error = expand(call, body, pos, arguments, depth, in))
+        if (const int error = expand(call, body.c_str(), pos, arguments, depth, in))
             return error;
         body.replace(call.start, call.end - call.start, call.body);
+        if (observer != nullptr)
+            observer->call_replaced(call.start, call.end, call.body.size());
         if (body.size() > MAX_BODY_TEXT)
             return BODY_TOO_LONG;
         pos = call.start;
         if (call.body.starts_with('$')) { // left for the scan of the line
             ++pos;
-            skip_name(body, pos);
+            skip_name(body.c_str(), pos);
         }
     }
     return OK;
@@ -169,11 +176,10 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
 
 // call -> "$" name [ arguments ]
 // with the position after the "$"; left after what was read
-int expand(Call &call, const std::string &text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth,
-           const Input &in)
+int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth, const Input &in)
 {
     call.start                  = pos - 1;
-    const std::string_view name = take_name(text.c_str(), pos);
+    const std::string_view name = take_name(text, pos);
     const Meaning          what = find_meaning(name, locals);
     if (what.macro == nullptr && what.argument == nullptr)
         return no_such_macro(name, in);
@@ -184,13 +190,18 @@ int expand(Call &call, const std::string &text, std::size_t &pos, const std::vec
 
     call.end = pos;
     skip_args(text, call.end);
+    if (observer != nullptr)
+        observer->call_begins(what.macro != nullptr ? CallKind::macro : CallKind::argument, name.data(), name.size(), call.start,
+                              call.end, 0.0);
     call.body = what.macro != nullptr ? what.macro->body : what.argument->text;
     if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan after the call
         std::vector<Argument> arguments;
         if (const int error = take_arguments(arguments, *what.macro, text, pos))
             return error;
-        if (const int error = expand_body(call.body, arguments, depth + 1, in))
+        call.expanded = what.macro->body;
+        if (const int error = expand_body(call.expanded, arguments, depth + 1, in))
             return error;
+        call.body = call.expanded;
     }
     announce(name, in);
     return OK;
@@ -200,16 +211,15 @@ int expand_in_line(Input &in)
 {
     if (expansions.line_no != in.line_no)
         expansions = {in.line_no, 0};
-    const std::string text{in.line};
-    std::size_t       pos = in.pos;
-    Call              call{};
-    const int         result = expand(call, text, pos, {}, 1, in);
-    in.pos                   = static_cast<std::uint32_t>(result == BODY_TOO_LONG ? call.start : pos);
+    std::size_t pos = in.pos;
+    Call        call{};
+    const int   result = expand(call, in.line, pos, {}, 1, in);
+    in.pos             = static_cast<std::uint32_t>(result == BODY_TOO_LONG ? call.start : pos);
     if (result == BODY_TOO_LONG)
         return line_too_long(in);
     if (result != OK)
         return result;
-    return replace_in_line(in, call.start, call.end, call.body.c_str(), call.body.size());
+    return replace_in_line(in, call.start, call.end, call.body.data(), call.body.size());
 }
 
 // directives whose line is not scanned for calls: "#undef", "#const", "#if", "#endif"
@@ -231,6 +241,13 @@ void scan_definition(Input &in, PassComments &flags, DefinitionMarks &marks)
     if (c == '#' && !flags.comment && ++IN_MACRO_DEF == 3)
         IN_MACRO_DEF = 0;
     follow_comment(flags, c, in.line[in.pos + 1]);
+}
+
+// moves on to the next character that scan_plain has to look at
+void skip_plain(Input &in)
+{
+    while (!stops.has(peek(in)))
+        ++in.pos;
 }
 
 struct LineScan {
@@ -278,6 +295,8 @@ int parse_macros(Input &in, DefinitionMarks &marks)
             return error;
         if (!expanded)
             ++in.pos;
+        if (IN_MACRO_DEF == 0)
+            skip_plain(in);
     }
     IN_COMMENT = scan.flags.block;
     in.pos     = 0;
@@ -301,6 +320,8 @@ int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *t
         return line_too_long(in);
     std::memmove(in.line + start + length, in.line + end, rest + 1);
     std::memcpy(in.line + start, text, length);
+    if (observer != nullptr)
+        observer->call_replaced(start, end, length);
     return OK;
 }
 
@@ -309,7 +330,7 @@ void bound_expansions(std::uint64_t input_bytes) { most_expansions = SURE_EXPANS
 int count_expansion(const Input &in)
 {
     if (run_expansions == most_expansions) {
-        Mprintf("\n\nERROR: Line %d: Too many expansions! (Max = %d)\n", in.line_no, most_expansions);
+        complain_here(in, "Too many expansions! (Max = %d)", most_expansions);
         return TEXT_REPORTED;
     }
     ++run_expansions;

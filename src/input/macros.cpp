@@ -8,27 +8,20 @@
 #include "input/comment_flags.h"
 #include "input/conditionals.h"
 #include "input/directives.h"
+#include "input/names.h"
 
 #include <cstring>
-#include <functional>
 #include <new>
-#include <unordered_map>
 #include <utility>
 
 namespace orlo {
 namespace {
 
-struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>{}(name); }
-};
-
-std::unordered_map<std::string, Macro, NameHash, std::equal_to<>> macro_list;
+NameTable<Macro> macro_list{};
 
 int too_long(const char *what, std::size_t limit, const Input &in)
 {
-    Mprintf("\n\nERROR: Line %d: The macro %s has exceeded the", in.line_no, what);
-    Mprintf(" maximum number\nof characters allowed (%d).\n", limit);
+    complain_here(in, "The macro %s has exceeded the maximum number\nof characters allowed (%d).", what, limit);
     return TEXT_REPORTED;
 }
 
@@ -49,11 +42,14 @@ int get_name(std::string &name, Input &in)
         return error;
     if (!is_letter(peek(in)))
         return BAD_MACRO_NAME;
+    const std::uint32_t begin = in.pos;
     for (; is_name_char(peek(in)); ++in.pos) {
         name.push_back(peek(in));
         if (name.size() == MAX_MACRO_NAME)
             return too_long("name", MAX_MACRO_NAME, in);
     }
+    if (observer != nullptr)
+        observer->macro_name(begin, in.pos);
     return OK;
 }
 
@@ -88,6 +84,8 @@ int get_args(Macro &macro, Input &in)
         std::string name;
         if (const int error = get_param(name, in))
             return error;
+        if (observer != nullptr)
+            observer->macro_parameter(name.c_str(), name.size());
         macro.params.push_back(std::move(name));
         if (const int error = skip_wc(in))
             return error;
@@ -117,6 +115,8 @@ int get_body(std::string &body, Input &in)
             return OK;
         }
         body.push_back(c == '\0' ? '\n' : c);
+        if (observer != nullptr)
+            observer->body_part(in.pos, c == '\0' ? in.pos : in.pos + 1);
         if (c != '\0') {
             follow_comment(flags, c, in.line[in.pos + 1]);
             ++in.pos;
@@ -143,18 +143,16 @@ int get_macro(Macro &macro, Input &in)
     return get_body(macro.body, in);
 }
 
-int store_macro(Macro &macro)
-{
-    const std::string name = macro.name;
-    return macro_list.try_emplace(name, std::move(macro)).second ? OK : DUPLICATE_MACRO;
-}
-
 int do_define(Input &in)
 {
     Macro macro;
+    if (observer != nullptr)
+        observer->definition_begins(in.pos - 1);
     if (const int error = get_macro(macro, in))
         return error;
-    return store_macro(macro);
+    if (observer != nullptr)
+        observer->macro_defined(macro.name.c_str(), macro.body.c_str(), in.pos, find_macro(macro.name) == nullptr);
+    return add_named(macro_list, std::move(macro)) ? OK : DUPLICATE_MACRO;
 }
 
 // undefine -> "undef" blank name
@@ -169,13 +167,14 @@ int do_undefine(Input &in)
     const std::uint32_t start = in.pos;
     while (peek(in) != '\0' && !is_blank(peek(in)))
         ++in.pos;
-    if (macro_list.empty())
+    if (macro_list.records == 0)
         return NO_MACROS;
     const std::string_view name{in.line + start, in.pos - start};
-    const auto             found = macro_list.find(name);
-    if (found == macro_list.end())
+    if (find_named(macro_list, name) == nullptr)
         return no_such_macro(name, in);
-    macro_list.erase(found);
+    if (observer != nullptr)
+        observer->macro_undefined(name.data(), name.size(), in.pos);
+    remove_named(macro_list, name);
     return OK;
 }
 
@@ -208,20 +207,16 @@ int parse_macro(Input &in)
     }
 }
 
-const Macro *find_macro(std::string_view name)
-{
-    const auto found = macro_list.find(name);
-    return found != macro_list.end() ? &found->second : nullptr;
-}
+const Macro *find_macro(std::string_view name) { return find_named(macro_list, name); }
 
 int no_such_macro(std::string_view name, const Input &in)
 {
     const std::string text{name};
-    Mprintf("\n\nERROR: Line %d: There is no macro \"%s\" in your input file!\n", in.line_no, text.c_str());
+    complain(in, column_of(name, in), "There is no macro \"%s\" in your input file!", text.c_str());
     return TEXT_REPORTED;
 }
 
-void free_macro_list() { decltype(macro_list){}.swap(macro_list); } // gives the table back too
+void free_macro_list() { macro_list = {}; }
 
 void print_macro(const Macro &macro)
 {
@@ -229,17 +224,6 @@ void print_macro(const Macro &macro)
     for (std::size_t i = 0; i < macro.params.size(); ++i)
         Mprintf("\n\t\tARG %d: %s", i, macro.params[i].c_str());
     Mprintf("\n\tBODY: %s ", macro.body.c_str());
-}
-
-bool is_name_char(char c) { return is_letter(c) || is_digit(c) || c == '_'; }
-
-std::string_view take_name(const char *text, std::size_t &pos)
-{
-    const std::size_t start = pos;
-    if (is_letter(text[pos]))
-        while (is_name_char(text[pos]))
-            ++pos;
-    return {text + start, pos - start};
 }
 
 void move_within_line(Input &in, std::size_t characters)

@@ -35,12 +35,6 @@ void free_macro_list();
 /// Debugging aid that only tests call: prints a macro.
 void print_macro(const Macro &macro);
 
-/// True for a character of a name: a letter, a digit or "_". Names begin with a letter.
-[[nodiscard]] bool is_name_char(char c);
-
-/// Takes the name at the position; empty when no letter stands there.
-[[nodiscard]] std::string_view take_name(const char *text, std::size_t &pos);
-
 /// Moves on by so many characters, at most to the end of the line.
 void move_within_line(Input &in, std::size_t characters);
 

@@ -7,6 +7,8 @@
 #include "base/numerics.h"
 #include "base/switches.h"
 
+#include <limits>
+
 namespace orlo {
 namespace {
 
@@ -42,6 +44,16 @@ std::uint64_t take_wrapping_digits(Input &in)
     return value;
 }
 
+// The digits of a text, points left out, gathered in so many bits: the same as in an integer while that is short.
+template <typename Real> Real sum_of_digits(const char *text, const char *end)
+{
+    Real sum = 0;
+    for (; text != end; ++text)
+        if (*text != '.')
+            sum = sum * 10 + static_cast<Real>(*text - '0');
+    return sum;
+}
+
 // real -> sign digits [ "." digits ] | sign "." digits
 template <typename Real> bool get_real(Real &value, Input &in)
 {
@@ -49,17 +61,20 @@ template <typename Real> bool get_real(Real &value, Input &in)
     if (!take_sign(in, true, negative) && peek(in) != '.')
         return false;
 
-    Real          sum     = 0;
+    std::uint64_t digits  = 0;
     std::uint32_t divisor = 1; // 32 bits with wrap-around
-    for (; is_digit(peek(in)); ++in.pos)
-        sum = sum * 10 + static_cast<Real>(peek(in) - '0');
-    if (peek(in) == '.') {
-        ++in.pos;
-        for (; is_digit(peek(in)); ++in.pos) {
-            sum = sum * 10 + static_cast<Real>(peek(in) - '0');
+    const char   *start   = in.line + in.pos;
+    const char   *c       = start;
+    for (; is_digit(*c); ++c)
+        digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
+    if (*c == '.')
+        for (++c; is_digit(*c); ++c) {
+            digits = digits * 10 + static_cast<std::uint64_t>(*c - '0');
             divisor *= 10;
         }
-    }
+    in.pos   = static_cast<std::uint32_t>(c - in.line);
+    Real sum = c - start <= std::numeric_limits<Real>::digits10 ? static_cast<Real>(static_cast<std::int64_t>(digits))
+                                                                : sum_of_digits<Real>(start, c);
     if (sum != 0 || divisor != 0)
         sum /= static_cast<Real>(static_cast<std::int32_t>(divisor));
     value = negative ? -sum : sum;
@@ -147,7 +162,5 @@ bool get_oct_pc(float &value, Input &in)
         value = octave < 0 ? -pitch : pitch;
     return true;
 }
-
-bool is_last_variable(const Input &in) { return lower(peek(in)) == 'z'; }
 
 } // namespace orlo

@@ -35,6 +35,6 @@ inline constexpr float         MAX_DECIBELS = 96.0F;
 [[nodiscard]] bool get_oct_pc(float &value, Input &in);
 
 /// 1 when the character at the position stands for the last value ("z" or "Z").
-[[nodiscard]] bool is_last_variable(const Input &in);
+[[nodiscard]] inline bool is_last_variable(const Input &in) { return lower(peek(in)) == 'z'; }
 
 } // namespace orlo

@@ -8,13 +8,14 @@
 #include "events/block.h"
 #include "events/filling.h"
 #include "events/storing.h"
+#include "input/character_set.h"
 #include "input/scanners.h"
 #include "words/values.h"
 
 namespace orlo {
 namespace {
 
-bool is_separator(char c) { return is_blank(c) || c == '/' || c == '\'' || c == ',' || c == ':'; }
+constexpr CharacterSet separators = set_of(" \t\n\v\f\r/',:");
 
 // the section ends here: nothing more fits into the block
 int block_full(Section &section, const Input &in, Warning warning)
@@ -81,7 +82,7 @@ int do_x(Section &section, Input &in)
     if (!is_digit(peek(in)) || !get_uli(count, in))
         return X_NEEDS_DIGIT;
     if (observer != nullptr)
-        observer->repeat(begin, in.pos);
+        observer->repeat(begin, end_of_item(in, begin));
     const bool to_the_end = count == 0;
     for (std::uint64_t left = count - 1; left > 0; --left) { // ends with the count or the block
         if (out_of_time())
@@ -131,7 +132,7 @@ int do_separators(Section &section, Input &in)
 int parse_pdata(Section &section, Input &in)
 {
     const char c = peek(in);
-    if (is_separator(c) || c == 'x')
+    if (separators.has(c) || c == 'x')
         return do_separators(section, in);
     return in_limits(c) ? do_data(section, in) : OUT_OF_BOUNDS;
 }

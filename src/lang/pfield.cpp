@@ -108,12 +108,10 @@ int pass_on(Input &in)
 // one step: what stands between items, or an item
 int do_step(Section &section, Input &in)
 {
+    skip_blanks(in);
     if (peek(in) == '\0')
         return next_line(in);
-    if (!is_blank(peek(in)))
-        return do_item(section, in);
-    skip_blanks(in);
-    return OK;
+    return at_section_end(in) ? OK : do_item(section, in);
 }
 
 // body -> { item }

@@ -120,7 +120,7 @@ void put_pfield(Lines &lines, float value, std::size_t slot)
     column = {value, start, static_cast<std::size_t>(lines.end - start)};
 }
 
-void put_event(Lines &lines, const Event *event, std::size_t head_length, std::int32_t n)
+inline void put_event(Lines &lines, const Event *event, std::size_t head_length, std::int32_t n)
 {
     lines.end = copy_text(lines.end, lines.head, head_length);
     put_pfield(lines, event->start, 0);
@@ -180,10 +180,10 @@ bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
     put_column(head_end, I_NO, 0);
     const auto head_length = static_cast<std::size_t>(head_end - lines.head);
 
-    if (observer == nullptr)
-        put_events(lines, list, list, head_length, n);
-    else
+    if (observer != nullptr && observer->column != nullptr)
         put_told_events(lines, list, head_length, n);
+    else if (out != nullptr)
+        put_events(lines, list, list, head_length, n);
     *lines.end++ = '\n';
     flush(lines);
     if (observer != nullptr)

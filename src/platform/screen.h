@@ -9,7 +9,7 @@ namespace orlo {
 void put_on_screen(const char *text, std::size_t length);
 
 /// Whether the screen, and what is said on the standard output, is shown or lost; shown at start.
-void show_screen(bool shown);
+void               show_screen(bool shown);
 [[nodiscard]] bool screen_is_shown();
 
 /// From here on text is gathered and goes out in larger pieces; where somebody could see the difference it is shown at once all the

@@ -3,6 +3,7 @@
 // and text, which stands outside, is not stretched.
 #include "view/pictures.h"
 
+#include "base/json.h"
 #include "view/axes.h"
 #include "view/marks.h"
 #include "view/markup.h"
@@ -193,15 +194,17 @@ void put_lane(std::string &out, const Score &score, const Plan &plan, std::size_
 void put_list(std::string &out, const char *name, const std::vector<std::string> &texts)
 {
     out += ",\n\"" + std::string(name) + "\":[";
-    for (std::size_t i = 0; i < texts.size(); i++)
-        out += joined({i > 0 ? "," : "", json_text(texts[i])});
+    for (std::size_t i = 0; i < texts.size(); i++) {
+        out += i > 0 ? "," : "";
+        put_json_text(out, texts[i]);
+    }
     out += ']';
 }
 
 void put_number(std::string &out, const char *name, double value)
 {
     out += ",\"" + std::string(name) + "\":";
-    put_json(out, value);
+    put_json_number(out, value);
 }
 
 void put_event(std::string &out, const Score &score, const Plan &plan, const Event &event)
@@ -210,11 +213,11 @@ void put_event(std::string &out, const Score &score, const Plan &plan, const Eve
     const double y = std::round(note_y(plan, score, event) * 10) / 10;
     for (const double value : {event.start, event.duration, y, key_of(score, event)}) {
         out += ',';
-        put_json(out, value);
+        put_json_number(out, value);
     }
     for (int field = 1; field <= event.fields; field++) {
         out += ',';
-        put_json(out, field_value(score, event, field));
+        put_json_number(out, field_value(score, event, field));
     }
     out += ']';
 }

@@ -67,27 +67,6 @@ std::string escaped(std::string_view text)
     return out;
 }
 
-std::string json_text(std::string_view text)
-{
-    constexpr std::string_view hex = "0123456789abcdef";
-    std::string                out = "\"";
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = character_length(text, i);
-        const auto        byte   = static_cast<unsigned char>(text[i]);
-        if (length == 0) {
-            out += UNKNOWN_CHARACTER;
-        } else if (byte < 0x20 || text[i] == '<' || text[i] == '"' || text[i] == '\\') {
-            out += "\\u00";
-            out += hex[byte >> 4U];
-            out += hex[byte & 15U];
-        } else {
-            out += text.substr(i, length);
-        }
-        i += length == 0 ? 1 : length;
-    }
-    return out + '"';
-}
-
 std::string number_text(double value, int digits)
 {
     std::array<char, 64> text{};
@@ -95,16 +74,6 @@ std::string number_text(double value, int digits)
         return "0";
     const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits).ptr;
     return {text.data(), end};
-}
-
-void put_json(std::string &out, double value)
-{
-    if (std::isnan(value)) {
-        out += "null";
-        return;
-    }
-    std::array<char, 64> text{};
-    out.append(text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr);
 }
 
 std::int64_t tenths(double coordinate) { return std::llround(coordinate * 10); }

@@ -1,4 +1,4 @@
-// markup.h: text and numbers as they stand in HTML, SVG and JSON. The same value gives the same bytes everywhere: no locale, no
+// markup.h: text and numbers as they stand in HTML and SVG. The same value gives the same bytes everywhere: no locale, no
 // stream. Pure functions.
 #pragma once
 
@@ -15,16 +15,10 @@ std::string joined(std::initializer_list<std::string_view> texts);
 /// Text for an element or a quoted attribute. What XML can't hold (control characters, broken UTF-8) becomes U+FFFD.
 std::string escaped(std::string_view text);
 
-/// Text as a JSON string with its quotes; never holds "<", so that it can stand in a page.
-std::string json_text(std::string_view text);
-
 /// A number as people read it.
 /// @param digits significant digits, 1 to 17
 /// @return "0.25", "1e+30"; never "-0"
 std::string number_text(double value, int digits = 6);
-
-/// A number as JSON, so that reading gives the same double; null for NaN. None is infinite.
-void put_json(std::string &out, double value);
 
 /// Tenths of a coordinate of a drawing, rounded.
 std::int64_t tenths(double coordinate);

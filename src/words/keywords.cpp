@@ -109,6 +109,4 @@ bool is_input_code(std::int32_t code)
                        [code](const Keyword &keyword) { return keyword.code == code && (keyword.places & INPUT) != 0; });
 }
 
-bool is_pfield(const Input &in) { return peek(in) == 'p' && is_digit(in.line[in.pos + 1]); }
-
 } // namespace orlo

@@ -67,6 +67,6 @@ inline constexpr std::int32_t MAX_SUFFIX = 7; // of the digits after "re" and "b
 [[nodiscard]] bool is_input_code(std::int32_t code);
 
 /// Whether "p" and a digit stand at the position.
-[[nodiscard]] bool is_pfield(const Input &in);
+[[nodiscard]] inline bool is_pfield(const Input &in) { return peek(in) == 'p' && is_digit(in.line[in.pos + 1]); }
 
 } // namespace orlo

@@ -6,6 +6,7 @@
 #include "base/numerics.h"
 #include "base/switches.h"
 #include "events/block.h"
+#include "input/character_set.h"
 #include "input/scanners.h"
 
 namespace orlo {
@@ -15,7 +16,7 @@ constexpr float REST = -1.0F;
 
 constexpr std::int32_t FIRST_OCTAVE = 4;
 
-std::int32_t last_octave = FIRST_OCTAVE; // octave of a note that is written without one; written by get_pitch
+std::int32_t last_octave; // octave of a note that is written without one; written by get_pitch
 
 // semitones above c of the letters a to g
 constexpr float pitch_classes[] = {9.0F, 11.0F, 0.0F, 2.0F, 4.0F, 5.0F, 7.0F};
@@ -48,6 +49,10 @@ bool take_modifiers(float &pitch_class, Input &in)
         }
     }
 }
+
+constexpr CharacterSet whole_starts  = set_of("0123456789+-");
+constexpr CharacterSet octave_starts = set_of("0123456789+-zZ");
+constexpr CharacterSet real_starts   = set_of("0123456789+-zZ.");
 
 bool get_whole(float &value, Input &in)
 {
@@ -132,20 +137,17 @@ bool get_rdc(float &value, Input &in)
 
 bool in_limits(char c)
 {
-    const bool digit = is_digit(c);
-    const bool sign  = c == '-' || c == '+';
-    const bool last  = lower(c) == 'z';
     switch (IN_TYPE) {
     case TYPE_DB:
     case TYPE_RE:
     case TYPE_RH:
-        return digit || sign || last || c == '.';
+        return real_starts.has(c);
     case TYPE_IN:
-        return digit || sign;
+        return whole_starts.has(c);
     case TYPE_NO:
-        return digit || is_letter(c);
+        return is_digit(c) || is_letter(c);
     case TYPE_OP:
-        return digit || sign || last;
+        return octave_starts.has(c);
     default:
         return false;
     }

@@ -2,6 +2,8 @@
 
 #include "support.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -71,6 +73,20 @@ TEST(FtoA, TheWholePartIsTakenOffIn32Bits)
     EXPECT_EQ("16777216.000", text_of(16777216.0));
     EXPECT_EQ("16777217.1000", text_of(16777217.0)); // 16777216 in 32 bits
     EXPECT_EQ("1000000000000000.13008896000", text_of(1e15));
+}
+
+// the rule as it stands, beside the way that it is followed
+TEST(FtoA, EveryThousandthIsRoundedToTheNearer)
+{
+    for (int i = 0; i <= 400000; ++i) {
+        const double       value = i / 64000.0;
+        const double       rest  = 1000.0 * (value - static_cast<int>(value));
+        const double       down  = std::floor(rest);
+        const double       up    = std::ceil(rest);
+        const std::int64_t part  = static_cast<std::int64_t>(rest - down < up - rest ? down : up);
+        const std::string  zeros(static_cast<std::size_t>(std::max(0, 3 - CountDigits(part))), '0');
+        ASSERT_EQ(std::to_string(static_cast<int>(value)) + "." + zeros + std::to_string(part), text_of(value));
+    }
 }
 
 TEST(FtoA, ANegativeFractionHasNoDigits) { EXPECT_EQ("33554431.000", text_of(33554431.0)); }

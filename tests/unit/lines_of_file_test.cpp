@@ -73,6 +73,27 @@ TEST(LinesOfFile, LongOnesArriveInPieces)
     EXPECT_FALSE(lines.ended[3]); // nobody has looked behind it
 }
 
+TEST(LinesOfFile, WhatANulHidesStaysAsItIs)
+{
+    for (std::size_t before = BLOCK_SIZE - 6; before <= BLOCK_SIZE + 1; ++before) {
+        static_cast<void>(test::file_of([&](std::FILE *file) {
+            std::size_t lines = 1;
+            for (std::size_t i = 1; i <= before; ++i) {
+                const bool end = i % 100 == 0 || i == before;
+                std::fputc(end ? '\n' : 'x', file);
+                lines += end ? 1 : 0;
+            }
+            std::fwrite("\r\0~\r\n", 1, 5, file); // a "~" alone would be an error
+            std::rewind(file);
+            Input in{};
+            in.stream = file;
+            for (; lines > 0; --lines)
+                EXPECT_EQ(OK, get_buff(in)) << before;
+            EXPECT_EQ(std::string(" \0~\r\n\0", 6), std::string(in.line, 6)) << before;
+        }));
+    }
+}
+
 TEST(LinesOfFile, ANulEndsALineForItsReaders)
 {
     EXPECT_EQ((std::vector<std::string>{"a", "b "}), lines_of(std::string("a\0c\nb\n", 6)).texts);

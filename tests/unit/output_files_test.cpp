@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
 
 namespace orlo {
 namespace {
@@ -109,6 +110,35 @@ TEST_F(OutputFiles, ASparedFileStaysAsItIs)
     EXPECT_EQ(nullptr, find_output(input));
     EXPECT_FALSE(is_output(input));
     static_cast<void>(std::fclose(input));
+}
+
+TEST_F(OutputFiles, LargePiecesGoOutAsAWhole)
+{
+    std::FILE *output = open_output(at("out").c_str());
+    ASSERT_NE(nullptr, output);
+    write_in_large_pieces(output);
+    for (std::size_t i = 0; i < LARGE_WRITE; ++i)
+        std::fputc('x', output);
+    EXPECT_EQ("", text_of("out"));
+    std::fputc('y', output);
+    EXPECT_EQ(std::string(LARGE_WRITE, 'x'), text_of("out"));
+    EXPECT_TRUE(close_output(output));
+    EXPECT_EQ(std::string(LARGE_WRITE, 'x') + "y", text_of("out"));
+}
+
+TEST_F(OutputFiles, WhatSharesItsFileWithTheScreenGoesOutAsBefore)
+{
+    std::FILE *output = open_output(at("out").c_str());
+    ASSERT_NE(nullptr, output);
+    const int screen = dup(STDERR_FILENO);
+    ASSERT_GE(dup2(fileno(output), STDERR_FILENO), 0);
+    write_in_large_pieces(output);
+    ASSERT_GE(dup2(screen, STDERR_FILENO), 0);
+    close(screen);
+    for (std::size_t i = 0; i < LARGE_WRITE; ++i)
+        std::fputc('x', output);
+    EXPECT_NE("", text_of("out"));
+    EXPECT_TRUE(close_output(output));
 }
 
 TEST_F(OutputFiles, ThereAreThreeAtMost)

@@ -128,6 +128,30 @@ TEST(GetDf, GathersAllDigitsIn64Bits)
     refuses(get_df, " y", 1);
 }
 
+// short numbers are gathered in another way than long ones
+TEST(GetF, AnyLengthGathersDigitByDigit)
+{
+    for (std::size_t length = 1; length <= 24; ++length)
+        for (std::size_t point = 0; point <= length; ++point) {
+            std::string   text;
+            float         sum        = 0.0F;
+            double        double_sum = 0.0;
+            std::uint32_t divisor    = 1;
+            for (std::size_t i = 0; i < length; ++i) {
+                if (i == point)
+                    text += '.';
+                const auto digit = static_cast<char>('9' - (i * 7) % 5);
+                text += digit;
+                sum        = sum * 10.0F + static_cast<float>(digit - '0');
+                double_sum = double_sum * 10.0 + static_cast<double>(digit - '0');
+                divisor *= i < point ? 1 : 10;
+            }
+            const auto divided_by = static_cast<std::int32_t>(divisor);
+            reads(get_f, text, sum / static_cast<float>(divided_by), static_cast<std::uint32_t>(text.size()));
+            reads(get_df, text, double_sum / static_cast<double>(divided_by), static_cast<std::uint32_t>(text.size()));
+        }
+}
+
 TEST(GetDf, NineFractionDigitsAreRight) { reads(get_df, "1.000000001", 1.000000001, 11); }
 
 TEST(GetDf, TheDivisorWrapsAroundIn32Bits)

@@ -1,5 +1,7 @@
 #include "view/markup.h"
 
+#include "base/json.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -14,7 +16,14 @@ const std::string UNKNOWN = "\xEF\xBF\xBD";
 std::string json_number(double value)
 {
     std::string out;
-    put_json(out, value);
+    put_json_number(out, value);
+    return out;
+}
+
+std::string json_text(std::string_view text)
+{
+    std::string out;
+    put_json_text(out, text);
     return out;
 }
 

@@ -23,6 +23,8 @@ struct Output {
 
 Output outputs[MOST_OUTPUTS] = {};
 
+char large_piece[LARGE_WRITE]; // of the output that is written so
+
 Output *find(const std::FILE *stream)
 {
     for (Output &output : outputs)
@@ -114,6 +116,13 @@ std::FILE *open_output(const char *name)
     else
         *place = {stream, State::untouched};
     return stream;
+}
+
+void write_in_large_pieces(std::FILE *stream)
+{
+    struct stat status {};
+    if (regular(stream, status) && !is_output(stderr))
+        static_cast<void>(std::setvbuf(stream, large_piece, _IOFBF, sizeof large_piece));
 }
 
 bool begin_output(std::FILE *stream)

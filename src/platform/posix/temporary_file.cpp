@@ -4,6 +4,7 @@
 #include "platform/temporary_file.h"
 
 #include "platform/ending_signals.h"
+#include "platform/output_files.h"
 #include "platform/screen.h"
 
 #include <climits>
@@ -16,8 +17,9 @@ namespace {
 
 constexpr char NAME_PATTERN[] = "/fileXXXXXX";
 
-char                       tmp_fname[PATH_MAX]; // settled before file_exists is set
-volatile std::sig_atomic_t file_exists = 0;     // 1 from the file's creation to its removal
+char                       tmp_fname[PATH_MAX];      // settled before file_exists is set
+char                       large_piece[LARGE_WRITE]; // of the file, on its way to it
+volatile std::sig_atomic_t file_exists = 0;          // 1 from the file's creation to its removal
 
 // called by a signal, which may come at any time
 void remove_in_signal()
@@ -50,6 +52,8 @@ std::FILE *make_stream(int file)
     if (stream == nullptr) {
         close(file);
         static_cast<void>(unlink(tmp_fname));
+    } else {
+        static_cast<void>(std::setvbuf(stream, large_piece, _IOFBF, sizeof large_piece));
     }
     return stream;
 }

@@ -1,0 +1,157 @@
+// The piece is run first and written then: nothing is known to be complete before its end, and a file that is read must not be
+// written over.
+
+#include "explain/explain.h"
+
+#include "base/observer.h"
+#include "driver/run.h"
+#include "explain/collector.h"
+#include "explain/csd.h"
+#include "explain/document.h"
+#include "explain/gcc_messages.h"
+#include "explain/options.h"
+#include "explain/say.h"
+#include "platform/folder.h"
+#include "platform/output_files.h"
+#include "platform/whole_file.h"
+
+#include <csignal>
+#include <cstdio>
+#include <new>
+
+namespace orlo::explain {
+namespace {
+
+constexpr int SUCCESS = 0;
+constexpr int FAILURE = 1;
+constexpr int USAGE   = 2;
+
+constexpr std::size_t MOST_CSD = std::size_t{1} << 26U; // bytes of a Csound document that are looked at
+
+bool complain(const std::string &text)
+{
+    say("orlo-explain: " + text);
+    return false;
+}
+
+// the first bytes of a file; nothing of one that can't be read, which the run will tell
+std::string beginning_of(const std::string &name, std::size_t most)
+{
+    std::string bytes;
+    std::FILE  *file = std::fopen(name.c_str(), "r");
+    if (file == nullptr)
+        return bytes;
+    char block[65536];
+    for (std::size_t got = std::fread(block, 1, sizeof block, file); got > 0 && bytes.size() < most;
+         got             = std::fread(block, 1, sizeof block, file))
+        bytes.append(block, got);
+    std::fclose(file);
+    return bytes;
+}
+
+// which part of the file is the piece
+bool find_piece(const Options &options, Heading &heading, CsdScore &score)
+{
+    if (!options.piece.ends_with(".csd"))
+        return true;
+    const std::string text = beginning_of(options.piece, MOST_CSD);
+    if (!is_csd(text))
+        return true;
+    heading.csd             = true;
+    const std::string fault = find_csd_score(text, score);
+    return fault.empty() || complain(options.piece + ": " + fault);
+}
+
+bool is_input(const Piece &piece, const std::string &name)
+{
+    for (const File &file : piece.source.files())
+        if (file.found && same_file(file.name.c_str(), name.c_str()))
+            return true;
+    return false;
+}
+
+bool write(Piece &piece, const Options &options, const Heading &heading, std::FILE *file)
+{
+    if (options.format == Format::json)
+        return write_document(piece, heading, file);
+    const std::string text = gcc_messages(piece);
+    return std::fwrite(text.data(), 1, text.size(), file) == text.size();
+}
+
+bool write_out(Piece &piece, const Options &options, const Heading &heading)
+{
+    if (is_input(piece, options.out))
+        return complain(options.out + " would be overwritten: name another file with -o");
+    WholeFile   file;
+    std::string fault    = open_whole(file, options.out);
+    bool        complete = false;
+    try {
+        complete = fault.empty() && write(piece, options, heading, file.stream);
+    } catch (...) {
+        static_cast<void>(close_whole(file, false));
+        throw;
+    }
+    const std::string lost = close_whole(file, complete);
+    if (fault.empty())
+        fault = lost;
+    if (complete && fault.empty())
+        return true;
+    return complain("can't write " + (options.out == "-" ? "the standard output" : options.out) +
+                    (fault.empty() ? "" : ": " + fault));
+}
+
+void run_piece(const Options &options, Heading &heading, Extent extent, Detail detail)
+{
+    observer       = &collecting_observer(detail);
+    heading.status = explain_run(options.piece.c_str(), options.midi, extent);
+    observer       = nullptr;
+    end_collecting();
+}
+
+bool explain(const Options &options)
+{
+    Heading heading;
+    heading.name   = options.piece;
+    heading.midi   = options.midi;
+    heading.events = options.events;
+    heading.folder = working_folder();
+    CsdScore score;
+    if (!find_piece(options, heading, score))
+        return false;
+    Piece        piece;
+    const Detail detail = options.events && options.format == Format::json ? Detail::events : Detail::summary;
+    start_collecting(piece, detail);
+    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail);
+    if (heading.csd)
+        piece.source.skip_in_piece(score.begin, score.line);
+    return write_out(piece, options, heading);
+}
+
+int print(const char *text) { return std::fputs(text, stdout) >= 0 && std::fflush(stdout) == 0 ? SUCCESS : FAILURE; }
+
+} // namespace
+
+int run(int argc, const char *const *argv)
+{
+    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
+    std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
+    Options options;
+    switch (read_options(argc, argv, options)) {
+    case Task::explain:
+        break;
+    case Task::help:
+        return print(help_text());
+    case Task::version:
+        return print("orlo-explain " ORLO_VERSION "\n");
+    case Task::refuse:
+        return USAGE;
+    }
+    try {
+        return explain(options) ? SUCCESS : FAILURE;
+    } catch (const std::bad_alloc &) {
+        std::fputs("orlo-explain: not enough memory\n", stderr); // without asking for more
+        return FAILURE;
+    }
+}
+
+} // namespace orlo::explain

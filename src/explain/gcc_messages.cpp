@@ -1,0 +1,93 @@
+#include "explain/gcc_messages.h"
+
+#include <algorithm>
+
+namespace orlo::explain {
+namespace {
+
+struct Out {
+    Piece      &piece;
+    std::string text;
+};
+
+// a message is one line, whatever it quotes
+std::string in_one_line(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+void put_line(Out &out, const Place &place, const char *kind, const std::string &text)
+{
+    if (place.file != NONE) {
+        const Position at = out.piece.source.position(place.file, place.begin);
+        out.text += in_one_line(out.piece.source.files()[static_cast<std::size_t>(place.file)].name) + ":" +
+                    std::to_string(at.line + 1) + ":" + std::to_string(at.byte + 1) + ": ";
+    } else if (!out.piece.source.files().empty()) {
+        out.text += in_one_line(out.piece.source.files().front().name) + ": ";
+    }
+    out.text += kind;
+    out.text += ": " + in_one_line(text) + "\n";
+}
+
+std::string call_text(const Call &call)
+{
+    switch (call.kind) {
+    case CallKind::macro:
+        return "in the call of macro \"" + call.name + "\"";
+    case CallKind::argument:
+        return "in the argument \"" + call.name + "\"";
+    case CallKind::constant:
+        return "in the constant \"" + call.name + "\"";
+    case CallKind::equation:
+        return "in an equation";
+    case CallKind::time:
+        break;
+    }
+    return "in a time";
+}
+
+// the calls, then the includes, that lead to a place
+void put_chain(Out &out, Place place)
+{
+    while (place.file != NONE) { // ends at the piece
+        if (place.call != NONE) {
+            const Call &call = out.piece.source.calls()[static_cast<std::size_t>(place.call)];
+            place            = call.place;
+            put_line(out, place, "note", call_text(call));
+        } else {
+            place = out.piece.source.files()[static_cast<std::size_t>(place.file)].included;
+            if (place.file != NONE)
+                put_line(out, place, "note", "included here");
+        }
+    }
+}
+
+const char *name_of(Severity severity)
+{
+    switch (severity) {
+    case Severity::error:
+        return "error";
+    case Severity::warning:
+        return "warning";
+    case Severity::note:
+        break;
+    }
+    return "note";
+}
+
+} // namespace
+
+std::string gcc_messages(Piece &piece)
+{
+    Out out{piece, {}};
+    for (const Diagnostic &diagnostic : piece.diagnostics) {
+        put_line(out, diagnostic.place, name_of(diagnostic.severity), diagnostic.text);
+        put_chain(out, diagnostic.place);
+        for (const Related &related : diagnostic.related)
+            put_line(out, related.place, "note", related.text);
+    }
+    return std::move(out.text);
+}
+
+} // namespace orlo::explain

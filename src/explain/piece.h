@@ -1,0 +1,239 @@
+// piece.h: what a run was, as it is gathered and then written. Plain data; units as in docs/explain.schema.json.
+#pragma once
+
+#include "base/observer.h"
+#include "explain/source_map.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orlo::explain {
+
+inline constexpr std::size_t MOST_DISTINCT = 10000; // values that are told apart in a section
+
+struct Related {
+    std::string text;
+    Place       place;
+};
+
+struct Diagnostic {
+    Severity             severity;
+    int                  number = 0; // 0: it has none
+    std::string          text;
+    Place                place;
+    bool                 placed    = false; // its place was told, not guessed
+    bool                 recovered = false;
+    std::vector<Related> related;
+};
+
+struct Macro {
+    std::string              name;
+    std::vector<std::string> parameters;
+    std::string              body;
+    TextMap                  map; // of the body
+    Place                    place;
+    Place                    name_place;
+    Place                    undefined;
+};
+
+struct Constant {
+    std::string        name;
+    double             value;
+    Place              place;
+    TextMap            map; // of its value
+    std::vector<Place> uses;
+};
+
+struct Conditional {
+    Place place;
+    bool  taken;
+    Place end;
+};
+
+struct Sequence {
+    std::int64_t seed;
+    Place        place;
+};
+
+struct TempoChange {
+    Place  place;
+    float  start, end; // beats
+    float  from, to;   // beats per minute
+    int    curve;
+    double exponent;
+};
+
+struct RandomRange {
+    double low;
+    double high;
+    int    distribution;
+};
+
+struct Term {
+    char   op     = 0; // 0: the first
+    int    pfield = 0; // 0: a number
+    double number = 0.0;
+};
+
+struct Set {
+    Place                            place;
+    std::optional<double>            weight;
+    std::optional<int>               curve;
+    double                           exponent = 1.0;
+    std::vector<RandomRange>         ranges;
+    std::vector<std::vector<double>> lists;
+    std::optional<int>               choice;
+    std::optional<double>            window;
+    std::optional<double>            start;
+    std::vector<Term>                terms;
+    bool                             rounded = false;
+};
+
+struct Command {
+    std::int32_t          code;
+    Place                 place;
+    std::vector<double>   numbers;
+    std::optional<double> span;
+    Place                 span_place;
+    std::vector<Set>      sets;
+    std::uint64_t         first = 0; // of the values that a generator made
+    std::uint64_t         count = 0;
+};
+
+enum class Kind { literal, repeat, generator, fill, loop };
+
+/// Values of one kind, one after the other.
+struct Run {
+    Kind                       kind;
+    std::uint64_t              count      = 0;
+    std::size_t                sequence   = 0;
+    float                      deviation  = 0.0F;
+    float                      factor     = 1.0F;
+    std::uint64_t              first_draw = 0;
+    std::size_t                places     = 0; // of literals, in the section's places
+    Place                      place;          // of a repeat
+    std::uint64_t              of    = 0;
+    std::uint64_t              cycle = 1;
+    std::vector<std::uint64_t> loop;
+    std::size_t                command = 0;
+    std::vector<std::uint8_t>  sets;
+    std::vector<float>         positions; // of a walk, and its windows
+    std::vector<float>         window_low;
+    std::vector<float>         window_high;
+};
+
+struct Refused {
+    std::uint64_t value;
+    std::uint64_t first;
+    std::uint64_t count;
+};
+
+/// What a section's values are like. Those that are no number are left out.
+struct Statistics {
+    std::uint64_t count    = 0;
+    double        least    = 0.0;
+    double        greatest = 0.0;
+    double        sum      = 0.0;
+};
+
+struct Loop {
+    Place         place;
+    std::uint64_t first;
+    std::uint64_t count = 0;
+    bool          open  = true;
+};
+
+struct Input {
+    std::int32_t  code;
+    bool          exact; // with "x": values are not rounded
+    Place         place;
+    std::uint64_t from;
+};
+
+struct Section {
+    std::int32_t         pfield;
+    Place                place;
+    std::int32_t         output;
+    std::int32_t         digits = NONE; // that are written behind the output type
+    std::vector<Input>   inputs;
+    std::vector<Command> commands;
+    std::vector<Loop>    loops;
+    std::uint64_t        written = 0;
+    std::uint64_t        count   = 0;
+    bool                 filled  = false; // by its last value or a loop
+    bool                 by_loop = false;
+    Statistics           statistics;
+    std::size_t          distinct = 0; // MOST_DISTINCT + 1: there are more
+
+    // of each value, when values are wanted
+    std::vector<float>         read;
+    std::vector<float>         deviated;
+    std::vector<float>         result;
+    std::vector<float>         tempo; // of p2
+    std::vector<std::uint32_t> draw_counts;
+    std::vector<Refused>       refused;
+    std::vector<Run>           runs;
+    std::vector<Place>         places; // of literals
+};
+
+/// Texts one after the other.
+struct Column {
+    std::string                text;
+    std::vector<std::uint16_t> lengths;
+};
+
+struct Events {
+    std::uint64_t                           count = 0;
+    std::uint64_t                           rests = 0;
+    std::vector<float>                      beat;
+    std::vector<float>                      beats;
+    std::vector<std::vector<float>>         values;  // by p-field, from p2 on
+    std::vector<std::vector<std::uint32_t>> origins; // by p-field: the value of its section
+    std::vector<Column>                     printed; // by p-field; none for a MIDI file
+};
+
+struct Block {
+    std::uint32_t         number = 0; // 0: not in the score
+    Place                 place;
+    std::int32_t          instrument = 0;
+    bool                  has_header = false;
+    std::int32_t          pfields    = 0;
+    bool                  skipped    = false;
+    bool                  recovered  = false;
+    bool                  closed     = false; // its "}" was read
+    float                 start      = 0.0F;
+    float                 beats      = 0.0F;
+    std::uint64_t         events     = 0;
+    bool                  started    = false;
+    float                 tempo      = 0.0F;
+    float                 seconds    = 0.0F;
+    bool                  written    = false;
+    double                duration   = 0.0;
+    double                last_beat  = 0.0;
+    double                end        = 0.0;
+    std::vector<Command>  commands;
+    std::vector<Section>  sections;
+    std::optional<Events> notes;
+};
+
+struct ScorePart {
+    std::string  text;
+    std::int32_t block = NONE; // its events instead of a text
+};
+
+struct Piece {
+    SourceMap                source;
+    std::vector<Diagnostic>  diagnostics;
+    std::vector<Macro>       macros;
+    std::vector<Constant>    constants;
+    std::vector<Conditional> conditionals;
+    std::vector<Sequence>    sequences{{1, {}}};
+    std::vector<TempoChange> tempo;
+    std::vector<Command>     commands; // between blocks
+    std::vector<Block>       blocks;
+    std::vector<ScorePart>   score;
+};
+
+} // namespace orlo::explain

@@ -1,0 +1,19 @@
+// words.h: the words of the language by their codes, from the tables that read them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace orlo::explain {
+
+/// Word of a code, in capitals for a generator; empty for a code without one.
+[[nodiscard]] std::string name_of_code(std::int32_t code);
+
+/// Letter of a curve by its code; empty for none.
+[[nodiscard]] std::string letter_of_curve(int curve);
+
+/// Name of a distribution by its code.
+[[nodiscard]] std::string_view name_of_distribution(int distribution);
+
+} // namespace orlo::explain

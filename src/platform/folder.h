@@ -1,0 +1,11 @@
+// folder.h: the folder that a program works in.
+#pragma once
+
+#include <string>
+
+namespace orlo {
+
+/// Path of the working folder; empty when the system doesn't tell.
+[[nodiscard]] std::string working_folder();
+
+} // namespace orlo

@@ -1,0 +1,123 @@
+// The name for the time being is made by mkstemp in the folder of the file, so that rename, which replaces a file at once
+// (POSIX.1-2017), stays within a file system. A link is followed first: what it leads to is replaced, not the link.
+
+#include "platform/whole_file.h"
+
+#include "platform/ending_signals.h"
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orlo {
+namespace {
+
+char                       unfinished[PATH_MAX]; // settled before file_exists is set
+volatile std::sig_atomic_t file_exists = 0;
+
+std::string last_error() { return std::strerror(errno); } // NOLINT(concurrency-mt-unsafe)
+
+// called by a signal, which may come at any time
+void remove_in_signal()
+{
+    if (file_exists != 0)
+        static_cast<void>(unlink(unfinished));
+}
+
+bool is_written_in_place(const std::string &name)
+{
+    struct stat about {};
+    return stat(name.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
+}
+
+std::string resolved(const std::string &name)
+{
+    char path[PATH_MAX];
+    return realpath(name.c_str(), path) != nullptr ? path : name;
+}
+
+// the mode that a new file of the name has: that of the earlier one, or what the user's mask leaves
+mode_t mode_of(const std::string &name)
+{
+    struct stat about {};
+    if (stat(name.c_str(), &about) == 0)
+        return about.st_mode & 07777U;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666U & ~mask;
+}
+
+std::string open_in_place(WholeFile &file, const std::string &name)
+{
+    file.stream = std::fopen(name.c_str(), "w");
+    return file.stream != nullptr ? "" : last_error();
+}
+
+// the new file as a stream
+std::string open_beside(WholeFile &file)
+{
+    file.temporary = file.name + ".XXXXXX";
+    if (file.temporary.size() >= sizeof unfinished)
+        return std::strerror(ENAMETOOLONG); // NOLINT(concurrency-mt-unsafe)
+    std::memcpy(unfinished, file.temporary.c_str(), file.temporary.size() + 1);
+    const int number = mkstemp(unfinished);
+    if (number < 0)
+        return last_error();
+    file.temporary = unfinished;
+    file_exists    = 1;
+    on_ending_signal(remove_in_signal);
+    static_cast<void>(fchmod(number, mode_of(file.name)));
+    file.stream = fdopen(number, "w");
+    return file.stream != nullptr ? "" : last_error();
+}
+
+void forget()
+{
+    file_exists = 0;
+    let_signals_end();
+}
+
+} // namespace
+
+std::string open_whole(WholeFile &file, const std::string &name)
+{
+    file.temporary.clear();
+    file.name = name;
+    if (name == "-") {
+        file.stream = stdout;
+        return "";
+    }
+    if (is_written_in_place(name))
+        return open_in_place(file, name);
+    file.name = resolved(name);
+    hold_ending_signals();
+    std::string fault = open_beside(file);
+    release_ending_signals();
+    return fault;
+}
+
+std::string close_whole(WholeFile &file, bool complete)
+{
+    std::string fault;
+    if (file.stream != nullptr && (std::fflush(file.stream) != 0 || std::ferror(file.stream) != 0))
+        fault = last_error();
+    if (file.stream != nullptr && file.stream != stdout && std::fclose(file.stream) != 0 && fault.empty())
+        fault = last_error();
+    file.stream = nullptr;
+    if (file.temporary.empty())
+        return fault;
+    hold_ending_signals();
+    if (complete && fault.empty() && std::rename(file.temporary.c_str(), file.name.c_str()) != 0)
+        fault = last_error();
+    if (!complete || !fault.empty())
+        static_cast<void>(unlink(file.temporary.c_str()));
+    forget();
+    release_ending_signals();
+    return fault;
+}
+
+} // namespace orlo

@@ -1,0 +1,26 @@
+// whole_file.h: a file that appears whole or not at all: it is written under another name beside the one that it gets. Writes
+// nothing itself.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+namespace orlo {
+
+struct WholeFile {
+    std::FILE  *stream = nullptr;
+    std::string name;      // that it gets
+    std::string temporary; // that it has; empty where it is written in place: a device, a pipe, or the standard output
+};
+
+/// Opens a file for writing, "-" is the standard output. An earlier file of the name stays until the new one is complete. From here
+/// on what is written is removed when a signal ends the process.
+/// @return what went wrong, as the system says it; empty when nothing did
+[[nodiscard]] std::string open_whole(WholeFile &file, const std::string &name);
+
+/// Closes the file, and gives it its name.
+/// @param complete all was written; if not, it goes, and an earlier file stays
+/// @return what went wrong; empty when nothing did
+[[nodiscard]] std::string close_whole(WholeFile &file, bool complete);
+
+} // namespace orlo
