@@ -176,6 +176,17 @@ def check_diagnostics(outcome, screen, source):
     return faults
 
 
+def check_spans(outcome, source):
+    """What "T" came to: orlo says it for each."""
+    if outcome.status != 0:
+        return []
+    said = re.findall(rb"\n\tLine \d+: T evaluated at = +(-?[\d.]+)", outcome.screen)
+    commands = [each for block in outcome.document.blocks for section in block.sections for each in section.fields["commands"]
+                if "span" in each and (source.words(outcome.document.ranges[each["span_range"]]) or "T").startswith("T")]
+    told = [f"{number32(each['span']):.2f}".encode() for each in commands]
+    return [] if told == said else [f"spans: T came to {said}, told are {told}"]
+
+
 def check_failures(document):
     """Where a block has failed, an error stands; what follows is only looked at."""
     errors = [document.root(each["range"]) for each in document.diagnostics if each["severity"] == "error" and "range" in each]
@@ -191,6 +202,10 @@ def check_failures(document):
                     and (end is None or (each.file, each.line, each.byte) < (end.file, end.line, end.byte)) for each in errors)
         if block.has("failed") and errors and not found and len(document.fields["files"]) == 1:
             faults.append(f"block {block.index} has failed without an error")
+        if not block.has("failed") and any(
+                (begin.file, begin.line, begin.byte) <= (each.file, each.line, each.byte) < (begin.file, begin.end_line, begin.end_byte)
+                for each in errors):
+            faults.append(f"block {block.index} has not failed, but there is an error in it")
         if not block.has("failed") and block.events is None and not (block.has("recovered") or block.has("skipped")) \
                 and document.status == 1 and not document.fields["piece"]["midi"]:
             faults.append(f"block {block.index} has neither failed nor events")
@@ -213,13 +228,15 @@ def check_message_place(outcome, diagnostic, line, shown, source):
         return []
     if root.line != expected:
         return [f"{what} is in line {root.line}, orlo says {expected}"]
-    written, caret = shown[0], shown[1].find(b"^")
+    written, caret, faults = shown[0], shown[1].find(b"^"), []
     plain = re.sub(rb"[\r\xff]", b" ", source.line(root.file, root.line))
+    if place.line != place.end_line:
+        faults = [f"{what} stands on several lines"]
     if place.call != -1 or caret < 0 or written.rstrip(b" ") != plain.rstrip(b" ") or root.line != place.line:
-        return []
+        return faults
     if not place.byte <= caret <= max(place.end_byte, place.byte):
-        return [f"{what} is at column {place.byte} to {place.end_byte}, orlo's caret at {caret}"]
-    return []
+        return [*faults, f"{what} is at column {place.byte} to {place.end_byte}, orlo's caret at {caret}"]
+    return faults
 
 
 # ---- places
@@ -272,7 +289,14 @@ def check_literals(section, document, source, midi):
         for value in range(run.first, run.end):
             place = document.ranges[run.fields["ranges"] + value - run.first]
             found, read, kind = source.words(place), section.read[value], kinds[value]
+            if place.line != place.end_line and "#include" not in found:
+                faults.append(f"{section.where}: value {value} stands on several lines")
             where = f"{section.where}: value {value}, {found!r} as {kind}"
+            call = document.calls[place.call] if place.call != -1 else {}
+            if "value" in call:
+                of = document.fields["constants"][call["of"]] if call["kind"] == "constant" else call
+                if document.ranges[of["range"]][:-1] != place[:-1]:
+                    faults.append(f"{section.where}: value {value} stands at {place}, but came from {document.ranges[of['range']]}")
             found = found and replaced_text(document, place, found)
             if found is None or COMPOSED.search(found):  # put together from several texts
                 octave = None
@@ -400,11 +424,11 @@ def check_statistics(section):
         return []
     found = min(values), max(values), sum(values) / len(values) if all(map(math.isfinite, values)) else None
     told = number32(given["least"]), number32(given["greatest"]), number(given["mean"])
-    distinct = len(set(values))
+    distinct = len(set(values)) + any(same(value, 0.0) for value in values) * any(same(value, -0.0) for value in values)
     faults = [] if told[:2] == found[:2] else [f"{section.where}: statistics {given}, really {found}"]
     if found[2] is not None and not math.isclose(found[2], told[2], rel_tol=1e-5, abs_tol=1e-5 * max(map(abs, found[:2]))):
         faults.append(f"{section.where}: mean {told[2]}, really {found[2]}")
-    if given.get("distinct") != (distinct if distinct <= 10000 else None) and not any(value == 0 for value in values):
+    if given.get("distinct") != (distinct if distinct <= 10000 else None) and given.get("distinct") != len(set(values)):
         faults.append(f"{section.where}: {given.get('distinct')} distinct values, really {distinct}")
     return faults
 
@@ -445,14 +469,19 @@ class TempoMap:
         return low if time <= 0 else along(letter, exponent, time / total, low, high)
 
 
+def order_of(document, place):
+    """A key by which places come in the order in which they are read: through include files and calls to the piece."""
+    while place.call != -1:
+        place = document.ranges[document.calls[document.chain(place.call)[-1]]["range"]]
+    outer = document.fields["files"][place.file].get("included")
+    before = () if outer is None else order_of(document, document.ranges[outer])
+    return *before, (place.line, place.byte)
+
+
 def changes_before(document, block):
-    """The changes of tempo that stand before a block; the one place where order in the text is asked for."""
-    changes, begin = document.fields["tempo"], document.fields["blocks"][block.index]["range"]
-    if len(document.fields["files"]) > 1 or document.ranges[begin].call != -1:
-        return None
-    at = document.root(begin)
-    roots = [document.root(each["range"]) for each in changes]
-    return [each for each, root in zip(changes, roots) if (root.line, root.byte) < (at.line, at.byte)]
+    """The changes of tempo that are read before a block."""
+    at = order_of(document, document.ranges[document.fields["blocks"][block.index]["range"]])
+    return [each for each in document.fields["tempo"] if order_of(document, document.ranges[each["range"]]) < at]
 
 
 def check_time(block, document):
@@ -462,12 +491,10 @@ def check_time(block, document):
     beats = [first]
     for read in section.read:
         beats.append(single(beats[-1] + read))
-    changes = changes_before(document, block)
-    if changes is not None:
-        tempos = TempoMap(changes)
-        wrong = [value for value in range(section.count) if tempos.at(beats[value]) != section.tempo[value]]
-        if wrong:
-            faults.append(f"{section.where}: tempo of value {wrong[0]} is {section.tempo[wrong[0]]}, not {tempos.at(beats[wrong[0]])}")
+    tempos = TempoMap(changes_before(document, block))
+    wrong = [value for value in range(section.count) if tempos.at(beats[value]) != section.tempo[value]]
+    if wrong:
+        faults.append(f"{section.where}: tempo of value {wrong[0]} is {section.tempo[wrong[0]]}, not {tempos.at(beats[wrong[0]])}")
     seconds = number32(block.fields["seconds"])
     late = late_events(events)
     for event in range(1, events.count):
@@ -576,23 +603,26 @@ def check_origins(block):
             if kept != sorted(kept) or section.count - len(set(kept)) > events.rests:
                 faults.append(f"{section.where}: origins {kept[:20]} of {section.count} values, {events.rests} rests")
             continue
+        copies = {}
+        for event, origin in enumerate(origins):
+            if event not in late and section.count <= block.by_pfield[2].count \
+                    and copies.setdefault(origin, events.origin[2][event]) != events.origin[2][event]:
+                faults.append(f"{section.where}: event {event} has the value {origin} of another event")
         falls = sum(after < before for before, after in zip(kept, kept[1:]))
         if falls > 1:  # once where values behind the last event went to the first ones
             faults.append(f"{section.where}: origins {kept[:20]}")
         if not falls and max(kept, default=0) - min(kept, default=0) + 1 - len(set(kept)) > events.rests:
             faults.append(f"{section.where}: origins {kept[:20]} leave out more than {events.rests} rests")
     last = block.sections[-1]
-    if last.pfield > 3 and not late and events.count + events.rests != last.count:
+    wrapped = any(after < before for before, after in zip(events.origin[last.pfield], events.origin[last.pfield][1:]))
+    if last.pfield > 3 and not late and not wrapped and events.count + events.rests != last.count:
         faults.append(f"{last.where}: {last.count} values, {events.count} events and {events.rests} rests")
     return faults
 
 
 def check_beats(block, document):
     """Durations in beats, by the tempo of each event's beat."""
-    changes, events = changes_before(document, block), block.events
-    if changes is None:
-        return []
-    tempos = TempoMap(changes)
+    events, tempos = block.events, TempoMap(changes_before(document, block))
     for event in range(events.count):
         expected = events.value[3][event] * tempos.at(events.beat[event]) / 60
         if math.isfinite(expected) and not math.isclose(expected, events.beats[event], rel_tol=1e-6, abs_tol=1e-40):
@@ -615,15 +645,14 @@ def check_totals(block, midi):
 
 def check_start(block, document):
     """A block's start in seconds, by the tempo of its beat."""
-    fields, changes = block.fields, changes_before(document, block) if "range" in block.fields else None
+    fields = block.fields
     if "seconds" not in fields:
         return [f"block {block.index} has values but no start in seconds"] if 2 in block.by_pfield else []
     start, tempo, seconds = (number32(fields[key]) for key in ("start", "tempo", "seconds"))
     if not same(single(single(start * 60) / tempo), seconds):
         return [f"block {block.index}: start {seconds}, not {single(single(start * 60) / tempo)}"]
-    if changes is not None and TempoMap(changes).at(start) != tempo:
-        return [f"block {block.index}: tempo {tempo} at its start, not {TempoMap(changes).at(start)}"]
-    return []
+    expected = TempoMap(changes_before(document, block)).at(start)
+    return [] if expected == tempo else [f"block {block.index}: tempo {tempo} at its start, not {expected}"]
 
 
 def check_block(block, document, source, midi):
@@ -660,6 +689,8 @@ def check_score(outcome):
     for before, each in zip(document.fields["score"], document.fields["score"][1:]):
         if isinstance(each, dict) and "block" in each:
             fields = document.blocks[each["block"]].fields
+            if fields.get("number") is None and document.blocks[each["block"]].events.count == 0:
+                continue
             if not text(before).endswith(f"\n;I-block #{fields.get('number')} (i{fields['instrument']}):".encode()):
                 faults.append(f"score: block {each['block']} is not #{fields.get('number')} in {text(before)!r}")
     made = document.score()
@@ -678,7 +709,7 @@ def make_check(schema, screen):
         if faults:
             return faults
         faults += check_diagnostics(outcome, screen, source) + check_failures(document)
-        faults += check_texts(outcome, source)
+        faults += check_texts(outcome, source) + check_spans(outcome, source)
         for block in document.blocks:
             faults += check_block(block, document, source, outcome.piece.midi)
         return faults

@@ -10,6 +10,8 @@ from literals import same
 SETTINGS = ("te", "rs", "rd", "dv", "sr", "pf")
 COMPOSED = re.compile(r"[$~]|#include")  # what a text that is put together by calls or includes holds
 CHOICES = {"*": "all_before_repeating", "x": "never_twice"}
+DISTRIBUTIONS = {"b": "beta", "f": "uniform", "": "uniform", "g": "gaussian", "h": "high", "l": "low", "t": "triangular",
+                 "x": "bilateral"}
 SEPARATORS = {"rh": r"[\[\]'/:()]"}  # elsewhere commas separate, too
 
 
@@ -109,9 +111,9 @@ class Texts:
         return None if found is None or COMPOSED.search(found) else found
 
     def expect(self, what, index, pattern):
-        """What stands in a range must look so; what is not known passes, and what is put together."""
+        """What stands in a line must look so; what is not known passes, and what is put together."""
         found = self.words(index)
-        if found is not None and not re.fullmatch(pattern, found, re.S) and not COMPOSED.search(found):
+        if found is not None and not re.fullmatch(pattern, found) and ("\n" in found or not COMPOSED.search(found)):
             self.fault(f"{what}: {found[:80]!r} stands there")
 
     def demand(self, what, index, pattern):
@@ -126,8 +128,12 @@ class Texts:
         name = text(call["name"]).decode("latin-1") if "name" in call else ""
         whole = re.escape(name)
         pattern = {"macro": rf"\${whole}(?!\w).*|\$.*[$~].*", "argument": rf"\${whole}|\$.*[$~].*", "equation": r"~\[[^\]]*\]|~.*\$.*",
-                   "constant": rf"~{whole}|~.*\$.*", "time": r"~@[1-4]|~.*\$.*"}[call["kind"]]
+                   "constant": rf"~{whole}|~.*\$.*", "time": r"~@|~.*\$.*"}[call["kind"]]
         self.demand(f"{call['kind']} {name}", call["range"], pattern)
+        found = self.words(call["range"])
+        if call["kind"] == "macro" and self.fields["macros"][call["of"]]["parameters"] and "(" in found and "$" not in found[1:] \
+                and not closed(found):
+            self.fault(f"call {index} of {name}: {found!r} stands there")
         if call["kind"] in ("macro", "constant"):
             of = self.fields[call["kind"] + "s"][call["of"]]
             if of["name"] != call["name"] or call["kind"] == "constant" and of["value"] != call["value"]:
@@ -148,13 +154,17 @@ class Texts:
             self.fault(f"range {index}: {place} is not in what its {call['kind']} stands for, {outer}")
 
     def definitions(self):
-        for macro in self.fields["macros"]:
+        for of, macro in enumerate(self.fields["macros"]):
+            for index in (macro["range"], macro["name_range"]):
+                chain = [self.document.calls[each] for each in self.document.chain(self.ranges[index].call)]
+                if any(each["kind"] == "macro" and each["of"] == of for each in chain):
+                    self.fault(f"macro {of} stands in itself")
             name, found = text(macro["name"]).decode("latin-1"), self.words(macro["range"])
-            self.expect(f"macro {name}", macro["range"], r"#.*#")
+            self.demand(f"macro {name}", macro["range"], r"#.*#")
             self.demand(f"name of macro {name}", macro["name_range"], re.escape(name))
             parameters = r"\s*[,'#]\s*".join(re.escape(text(each).decode("latin-1")) for each in macro["parameters"])
             body = text(macro["body"]).decode("latin-1")
-            if found is not None and bare(found) == found and "\\" not in found:
+            if found is not None and bare(found) == found and "\\" not in found and "#if" not in found:
                 form = rf"#\s*def\w*\s+{re.escape(name)}\s*" + (rf"\(\s*{parameters}\s*\)\s*" if parameters else "") + r"#(.*)#"
                 match = re.fullmatch(form, found, re.S)
                 if not match or not self.same_body(match[1], body):
@@ -171,7 +181,7 @@ class Texts:
     def constant(self, constant):
         place, found, name = self.ranges[constant["range"]], self.words(constant["range"]), text(constant["name"]).decode("latin-1")
         value = literals.real(replaced_text(self.document, place, found).strip(), float) if found else None
-        if value is not None and not same(value, number(constant["value"])):
+        if found and not COMPOSED.search(found) and (value is None or not same(value, number(constant["value"]))):
             self.fault(f"constant {name}: {found!r} is {value}, not {constant['value']}")
         for use in constant.get("uses", []):
             self.expect(f"use of constant {name}", use, re.escape(name))
@@ -208,7 +218,8 @@ class Texts:
         for sequence in self.fields["sequences"][1:]:
             found = self.plain(sequence["range"])
             seed = re.match(r"[rR][sS]\s*\(\s*\+?(\d+)", found or "")
-            self.expect("sequence", sequence["range"], r"[rR][sS].*")
+            if found is not None and (found[:2].lower() != "rs" or self.document.status == 0 and not closed(found)):
+                self.fault(f"sequence: {found!r} stands there")
             if seed and int(seed[1]) != sequence["seed"]:
                 self.fault(f"the sequence of {found!r} has seed {sequence['seed']}")
 
@@ -225,7 +236,10 @@ class Texts:
             before = place
 
     def command(self, command, what, whole, kinds):
-        name, found = command["name"], self.plain(command["range"])
+        name, found = command["name"], self.words(command["range"])
+        if found is not None and found[:2].lower() != name.lower() and found[:1] != "$":
+            self.fault(f"{what}: {found[:80]!r} stands there")
+        found = self.plain(command["range"])
         if whole and name.isupper() == (name in SETTINGS):
             self.fault(f"{what} is no command")
         if found is None:
@@ -240,10 +254,12 @@ class Texts:
             self.span(command, what)
         kind = kinds[command["first"]] if command.get("first", 0) < len(kinds) and command.get("count") else None
         outer = self.ranges[command["range"]]
+        before = outer.line, outer.byte
         for each in command.get("sets", []):
             place = self.ranges[each["range"]]
-            if place.call == outer.call and not inside(place, outer):
-                self.fault(f"{what}: a set stands outside of it")
+            if place.call == outer.call and (not inside(place, outer) or (place.line, place.byte) < before):
+                self.fault(f"{what}: a set stands outside of it, or in another one")
+            before = (place.end_line, place.end_byte) if place.call == outer.call else before
             if kind and whole:
                 self.set(each, name, kind, what)
 
@@ -287,7 +303,7 @@ class Texts:
         found = self.plain(given["range"])
         if found is None:
             return
-        if found.strip() != found or found.endswith(")"):
+        if not re.fullmatch(r"[-+.\w]|[-+.\w].*[-+.\w%s]" % (r"\]" if name in ("RA", "MO") else ""), found, re.S):
             self.fault(f"{what}: a set is {found!r}")
         if name == "EX":
             self.equation(given, found, what)
@@ -300,6 +316,22 @@ class Texts:
         marks = [each for each in tokens[1:2] if each in CHOICES]
         if name in ("SE", "S2") and given.get("choice", "any") != (CHOICES[marks[0]] if marks else "any"):
             self.fault(f"{what}: the choice of {found!r} is {given.get('choice')}")
+        if name in ("MO", "MS"):
+            mark = re.fullmatch(r"([a-z])[\d.]*(\*?)|(\*)", tokens[1] + (tokens[2] if tokens[2] == "*" else ""), re.I)
+            curve = ((mark[1] or "f").lower(), bool(mark[2] or mark[3])) if mark else ("f", False)
+            if kind not in ("no", "nox") and (given["curve"], bool(given.get("by_beat"))) != curve:
+                self.fault(f"{what}: the curve of {found!r} is told to be {given['curve']}")
+        letters = re.findall(r"\[[\s,/]*([bfghltx]?)", found, re.I)
+        if name in ("RA", "MO") and len(letters) == len(given["ranges"]):
+            told = [each["distribution"] for each in given["ranges"]]
+            if told != [DISTRIBUTIONS[each.lower()] for each in letters]:
+                self.fault(f"{what}: the distributions of {found!r} are told to be {told}")
+        if name == "RW" and given["ranges"][0]["distribution"] != "uniform":
+            self.fault(f"{what}: a walk has no distribution")
+        if name in ("SE", "S2", "HO") and kind in ("no", "nox"):
+            written = sorted((literals.note(each, self.midi)[0] or 0) % 12 for each in tokens[2 if marks else 1:])
+            if written != sorted(number32(each) % 12 for each in [each for values in given["lists"] for each in values]):
+                self.fault(f"{what}: {found!r} has {written}, told is {given['lists']}")
         values = self.values_in(tokens[1:], kind, name)
         if values is not None and values != self.values_of(given):
             self.fault(f"{what}: {found!r} has {sorted(values)}, told are {sorted(self.values_of(given))}")
@@ -345,11 +377,16 @@ class Texts:
     # ---- blocks and sections
 
     def header(self, block, where, whole):
-        fields, found = block.fields, self.plain(block.fields["range"])
+        fields, found = block.fields, self.words(block.fields["range"])
         if found is None or "instrument" not in fields:
             return
-        if not found.startswith("i") or whole and not re.fullmatch(r"[^}]*}", found):
+        if not re.fullmatch(r"(i|\$).*" + r"(\}|\$[^\n}]*)" * whole, found, re.S) \
+                or whole and "#if" not in found and (bare(found) or "}").count("}") > 1:
             self.fault(f"{where}: {found[:80]!r} stands there")
+        head = bare(found.partition("{")[0])
+        if head is None or COMPOSED.search(head):
+            return
+        found = head + "{"
         instrument = re.match(r"i\s*(-?\d+)", found)
         if instrument and (int(instrument[1]) != fields["instrument"] or (int(instrument[1]) < 0) != block.has("skipped")):
             self.fault(f"{where}: {instrument[0]!r} is told to be {fields['instrument']}")
@@ -363,14 +400,15 @@ class Texts:
 
     def section(self, section, whole):
         fields, kinds = section.fields, section.inputs() if section.has_values else ()
-        self.demand(section.where, fields["range"], rf"p[ \t]*\+?0*{section.pfield}(?!\d).*|.*[$~].*")
+        self.demand(section.where, fields["range"], rf"(p[ \t]*\+?0*{section.pfield}(?!\d)|\$).*")
         found = self.plain(fields["range"])
         if found is not None:
             rest = re.sub(r"\(.*?\)", "", found[1:], flags=re.S)
-            if "}" in found or re.search(r"(?<!\w)p\d", rest) or found.strip() != found:
+            if whole and ("}" in found or re.search(r"(?<!\w)p\d", rest)) or found.strip() != found:
                 self.fault(f"{section.where}: {found[:200]!r} stands there")
             output = re.match(r"p[ \t]*\+?\d+\s*\(\s*([a-z]{2})(\d*)", found, re.I)
-            if whole and fields["output"] != (output[1].lower() if output else "re"):
+            known = whole or not re.match(r"p[ \t]*\+?\d+\s*\(", found)
+            if known and fields["output"] != (output[1].lower() if output else "re"):
                 self.fault(f"{section.where}: the output type is told to be {fields['output']}")
             if whole and fields.get("digits") != (int(output[2]) if output and output[2] else None):
                 self.fault(f"{section.where}: {fields.get('digits')} digits are told of {found[:20]!r}")
@@ -382,27 +420,30 @@ class Texts:
                 self.fault(f"{section.where}: a loop is {found!r}")
         self.commands(fields["commands"], section.where, whole, kinds)
         self.order(section)
+        if any(loop["first"] + loop["count"] > section.written for loop in fields["loops"]):
+            self.fault(f"{section.where}: a loop of values that the text has not made")
 
     def order(self, section):
         """Literal values stand in the order of their numbers, and so do what they are in or behind."""
         fields = section.fields
-        for run in section.runs:
-            for value in range(run.first, run.end) if run.kind == "literal" else ():
-                place = self.ranges[run.fields["ranges"] + value - run.first]
-                if place.call != -1:
-                    continue
-                for loop in fields["loops"]:
-                    outer = self.ranges[loop["range"]]
-                    behind = (place.line, place.byte) > (outer.line, outer.byte)
-                    within = behind if loop.get("open") else inside(place, outer)  # the range of an open one ends with its "<"
-                    if outer.call == -1 and outer.file == place.file \
-                            and within != (loop["first"] <= value < loop["first"] + loop["count"]):
-                        self.fault(f"{section.where}: value {value} and the loop of {loop['first']}, {loop['count']} values")
-                for each in fields["inputs"]:
-                    mark = self.ranges[each["range"]]
-                    if mark.call == -1 and mark.file == place.file \
-                            and ((mark.line, mark.byte) < (place.line, place.byte)) != (value >= each["from"]):
-                        self.fault(f"{section.where}: value {value} and {each['name']} from {each['from']} on")
+        found = [(value, self.ranges[run.fields["ranges"] + value - run.first]) for run in section.runs if run.kind == "literal"
+                 for value in range(run.first, run.end)]
+        found += [(each["first"], self.ranges[each["range"]]) for each in fields["commands"] if each.get("count")]
+        for value, place in found:
+            if place.call != -1:
+                continue
+            for loop in fields["loops"]:
+                outer = self.ranges[loop["range"]]
+                behind = (place.line, place.byte) > (outer.line, outer.byte)
+                within = behind if loop.get("open") else inside(place, outer)  # the range of an open one ends with its "<"
+                if outer.call == -1 and outer.file == place.file \
+                        and within != (loop["first"] <= value < loop["first"] + loop["count"]):
+                    self.fault(f"{section.where}: value {value} and the loop of {loop['first']}, {loop['count']} values")
+            for each in fields["inputs"]:
+                mark = self.ranges[each["range"]]
+                if mark.call == -1 and mark.file == place.file \
+                        and ((mark.line, mark.byte) < (place.line, place.byte)) != (value >= each["from"]):
+                    self.fault(f"{section.where}: value {value} and {each['name']} from {each['from']} on")
 
     def all(self):
         for index, call in enumerate(self.fields["calls"]):
