@@ -21,11 +21,18 @@ from explain_document import Document, Fault
 
 OPTIONS = None
 
-# leaves of documents that no check can know to be wrong, by their paths, with the reason
+# what no check can know to be wrong, by its path, or by the path of what stands in a range, with the reason
 UNSEEN = {
-    "program": "a name",
-    "piece.*": "what the program was given",
-    "format": "the schema's",
+    "*: program": "a name",
+    "rich: diagnostics.*.range*": "orlo shows no line of it, or another piece of the line",
+    "failing: diagnostics.*.range*": "of messages that orlo does not come to",
+    "rich: *.runs.*.of": "the values that are repeated are equal",
+    "rich: blocks.0.events.pfields.*.origin.*": "chords that are repeated are equal",
+    "rich: *.ranges.1.distribution": "of a single value",
+    "failing: *.draws.*": "behind an error, without a deviation",
+    "failing: commands.0.range*": "a command that is not finished",
+    "failing: blocks.1.sections.0.range end_line": "a section behind an error",
+    "failing: blocks.2.failed": "of a block that orlo does not come to",
 }
 
 RICH = r"""te(0 8 60 120 e)
