@@ -25,10 +25,7 @@ struct Deaf {
     }
 };
 
-template <std::size_t... each> constexpr orlo::Observer all_deaf(std::index_sequence<each...>)
-{
-    return {((void)each, Deaf{})...};
-}
+template <std::size_t... each> constexpr orlo::Observer all_deaf(std::index_sequence<each...>) { return {((void)each, Deaf{})...}; }
 
 constexpr std::size_t    FUNCTIONS = sizeof(orlo::Observer) / sizeof(Function<>);
 constexpr orlo::Observer deaf      = all_deaf(std::make_index_sequence<FUNCTIONS>{});

@@ -317,7 +317,7 @@ class Texts:
         if name in ("SE", "S2") and given.get("choice", "any") != (CHOICES[marks[0]] if marks else "any"):
             self.fault(f"{what}: the choice of {found!r} is {given.get('choice')}")
         if name in ("MO", "MS"):
-            mark = re.match(r"[-+]?[\d.]+[\s,/]*([a-z]?)[\d.]*\s*(\*?)", found, re.I)
+            mark = re.match(r"[-+]?[\d.]+[\s,/]*([ceflsv]?)[\d.]*\s*(\*?)", found, re.I)
             curve = (mark[1] or "f").lower(), bool(mark[2])
             if kind not in ("no", "nox") and (given["curve"], bool(given.get("by_beat"))) != curve:
                 self.fault(f"{what}: the curve of {found!r} is told to be {given['curve']}")
