@@ -33,6 +33,7 @@ UNSEEN = {
     "failing: commands.0.range*": "a command that is not finished",
     "failing: blocks.1.sections.0.range end_line": "a section behind an error",
     "failing: blocks.2.failed": "of a block that orlo does not come to",
+    "failing: blocks.2.sections.0.*": "of it too: its values are not kept",
 }
 
 RICH = r"""te(0 8 60 120 e)
