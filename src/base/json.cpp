@@ -25,6 +25,10 @@ bool is_plain(char c)
 
 template <class Number> void put(std::string &out, Number value)
 {
+    if (value == 0 && std::signbit(static_cast<double>(value))) { // readers take "-0" for a whole number, which has no sign
+        out += "-0.0";
+        return;
+    }
     char text[64];
     out.append(text, std::to_chars(text, text + sizeof text, value).ptr);
 }

@@ -44,7 +44,8 @@ enum class Goes {
 /// A call in a text, by what it stands for.
 enum class CallKind { macro, argument, constant, equation, time };
 
-/// The functions that are told. All stand in a record that is used, none is null.
+/// The functions that are told. All stand in a record that is used; "event" and "column" may be null where single events are not
+/// asked for.
 struct Observer {
     // files and how they become the combined input
     void (*include_met)(std::uint64_t begin, std::uint64_t end);  // a directive, by bytes of the file that is being copied
@@ -84,7 +85,7 @@ struct Observer {
     void (*block_ends)(std::size_t end);              // after its "}"
 
     // sections
-    void (*section_begins)(std::int32_t pfield, std::size_t column); // its "p"
+    void (*section_begins)(std::int32_t pfield, std::size_t begin, std::size_t end); // its "p" and number
     void (*output_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*input_type)(std::int32_t code, std::size_t begin, std::size_t end);
     void (*section_ends)();

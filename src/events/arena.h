@@ -6,7 +6,7 @@
 
 namespace orlo {
 
-extern std::size_t ARENA_CHUNK; // bytes taken from the system at a time; fewer in tests, so that each piece can be refused
+extern std::size_t ARENA_CHUNK; // bytes of the first chunk, 2^20 at start; 0 in tests, so that each piece can be refused
 
 /// A piece of memory, aligned for a pointer, with nothing in it; null when memory is exhausted.
 [[nodiscard]] void *take_piece(std::size_t bytes);

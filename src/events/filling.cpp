@@ -62,7 +62,7 @@ int fill_to_end(Section &section, const Input &in)
 
 int never_ends(const Input &in)
 {
-    tell_error(in.line_no, "P2 never reaches the end of the i-block!");
+    complain_here(in, "P2 never reaches the end of the i-block!");
     return TEXT_REPORTED;
 }
 

@@ -53,11 +53,7 @@ std::size_t find_tag(std::string_view text, std::size_t from, std::string_view t
 
 } // namespace
 
-bool is_csd(std::string_view text)
-{
-    const std::size_t first = text.find('<');
-    return first != std::string_view::npos && text.substr(first).starts_with(DOCUMENT);
-}
+bool is_csd(std::string_view text) { return find_tag(text, 0, DOCUMENT) < text.size(); }
 
 std::string find_csd_score(std::string_view text, CsdScore &score)
 {

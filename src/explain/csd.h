@@ -14,7 +14,7 @@ struct CsdScore {
     std::uint64_t line  = 0; // of the first byte, from 0
 };
 
-/// Whether a text is a Csound document: its first tag is "<CsoundSynthesizer>".
+/// Whether a text is a Csound document: a line of it begins with "<CsoundSynthesizer>".
 [[nodiscard]] bool is_csd(std::string_view text);
 
 /// Finds the part between "<CsScore bin="...">" whose program is orlo, with or without a folder and options, and "</CsScore>".

@@ -13,7 +13,6 @@
 #include "explain/say.h"
 #include "platform/folder.h"
 #include "platform/output_files.h"
-#include "platform/temporary_file.h"
 #include "platform/whole_file.h"
 
 #include <csignal>
@@ -101,13 +100,12 @@ bool write_out(Piece &piece, const Options &options, const Heading &heading)
                     (fault.empty() ? "" : ": " + fault));
 }
 
-void run_piece(Piece &piece, const Options &options, Heading &heading, Extent extent)
+void run_piece(const Options &options, Heading &heading, Extent extent, Detail detail)
 {
-    observer       = &collecting_observer();
+    observer       = &collecting_observer(detail);
     heading.status = explain_run(options.piece.c_str(), options.midi, extent);
     observer       = nullptr;
     end_collecting();
-    static_cast<void>(piece);
 }
 
 bool explain(const Options &options)
@@ -120,9 +118,10 @@ bool explain(const Options &options)
     CsdScore score;
     if (!find_piece(options, heading, score))
         return false;
-    Piece piece;
-    start_collecting(piece, options.events && options.format == Format::json ? Detail::events : Detail::summary);
-    run_piece(piece, options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE});
+    Piece        piece;
+    const Detail detail = options.events && options.format == Format::json ? Detail::events : Detail::summary;
+    start_collecting(piece, detail);
+    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail);
     if (heading.csd)
         piece.source.skip_in_piece(score.begin, score.line);
     return write_out(piece, options, heading);
@@ -150,9 +149,7 @@ int run(int argc, const char *const *argv)
     try {
         return explain(options) ? SUCCESS : FAILURE;
     } catch (const std::bad_alloc &) {
-        observer = nullptr;
-        remove_temporary_file();
-        complain("not enough memory");
+        std::fputs("orlo-explain: not enough memory\n", stderr); // without asking for more
         return FAILURE;
     }
 }

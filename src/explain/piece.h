@@ -23,6 +23,7 @@ struct Diagnostic {
     int                  number = 0; // 0: it has none
     std::string          text;
     Place                place;
+    bool                 placed    = false; // its place was told, not guessed
     bool                 recovered = false;
     std::vector<Related> related;
 };
@@ -146,6 +147,7 @@ struct Loop {
 
 struct Input {
     std::int32_t  code;
+    bool          exact; // with "x": values are not rounded
     Place         place;
     std::uint64_t from;
 };
@@ -154,6 +156,7 @@ struct Section {
     std::int32_t         pfield;
     Place                place;
     std::int32_t         output;
+    std::int32_t         digits = NONE; // that are written behind the output type
     std::vector<Input>   inputs;
     std::vector<Command> commands;
     std::vector<Loop>    loops;

@@ -37,7 +37,7 @@ NameTable<Constant> var_list{};
 int no_such_constant(std::string_view name, const Input &in)
 {
     const std::string text{name};
-    tell_error(in.line_no, "There is no constant \"%s\" in your input file!", text.c_str());
+    complain(in, column_of(name, in), "There is no constant \"%s\" in your input file!", text.c_str());
     return TEXT_REPORTED;
 }
 
@@ -51,8 +51,7 @@ int get_name(std::string &name, Input &in)
     for (; is_name_char(peek(in)); ++in.pos) {
         name.push_back(peek(in));
         if (name.size() == MAX_CONSTANT_NAME) {
-            tell_error(in.line_no, "The constant name has exceeded the maximum number\nof characters allowed (%d).",
-                       MAX_CONSTANT_NAME);
+            complain_here(in, "The constant name has exceeded the maximum number\nof characters allowed (%d).", MAX_CONSTANT_NAME);
             return TEXT_REPORTED;
         }
     }

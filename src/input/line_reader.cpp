@@ -189,6 +189,14 @@ int get_buff(Input &in)
     return OK;
 }
 
+std::uint32_t end_of_item(const Input &in, std::uint32_t begin)
+{
+    std::uint32_t end = in.pos;
+    while (end > begin && is_blank(in.line[end - 1]))
+        --end;
+    return end;
+}
+
 char get_c(Input &in) { return in.line[in.pos++]; }
 
 bool is_comment(const char *line, std::uint32_t pos, Comment &kind)

@@ -4,6 +4,7 @@
 
 #include "base/observer.h"
 #include "diag/messages.h"
+#include "diag/report.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -78,11 +79,18 @@ inline void skip_blanks(Input &in)
 /// Moves over blanks, line ends, one comment and one separator ("," or "/"). @return 0 or an error
 [[nodiscard]] int skip_stuff(Input &in);
 
+/// Where what was read from a position on ends: before the blanks in front of the present one.
+[[nodiscard]] std::uint32_t end_of_item(const Input &in, std::uint32_t begin);
+
 /// Tells the observer of a number in a command's text, from a position to the present one.
 inline void tell_number(const Input &in, Part part, double value, std::uint32_t begin)
 {
-    if (observer != nullptr)
-        observer->number_read(part, value, begin, in.pos);
+    if (observer == nullptr)
+        return;
+    const std::uint32_t end = end_of_item(in, begin);
+    while (begin < end && is_blank(in.line[begin]))
+        ++begin;
+    observer->number_read(part, value, begin, end);
 }
 
 /// Tells the observer that the text of a command, or of a generator, has been read.
@@ -90,6 +98,20 @@ inline void tell_command_read(const Input &in)
 {
     if (observer != nullptr)
         observer->command_read(in.pos);
+}
+
+/// Tells of an error in words of its own, of which error_no shows the line afterwards; some callers let it pass.
+template <class... Args> void complain(const Input &in, std::uint32_t column, const char *format, Args... args)
+{
+    tell_error(in.line_no, format, args...);
+    if (observer != nullptr)
+        observer->message_place(in.line, column);
+}
+
+/// As complain, at the position.
+template <class... Args> void complain_here(const Input &in, const char *format, Args... args)
+{
+    complain(in, in.pos, format, args...);
 }
 
 /// Reports a warning with the line and the position where it was found, unless warnings are suppressed.

@@ -63,13 +63,13 @@ Meaning find_meaning(std::string_view name, const std::vector<Argument> &argumen
 int expands_without_end(std::string_view name, const Input &in)
 {
     const std::string text{name};
-    tell_error(in.line_no, "Macro \"%s\" expands without end!", text.c_str());
+    complain_here(in, "Macro \"%s\" expands without end!", text.c_str());
     return TEXT_REPORTED;
 }
 
 int line_too_long(const Input &in)
 {
-    tell_error(in.line_no, "The expanded line has exceeded the maximum number\nof characters allowed (%d).", LINE_SIZE - 1);
+    complain_here(in, "The expanded line has exceeded the maximum number\nof characters allowed (%d).", LINE_SIZE - 1);
     return TEXT_REPORTED;
 }
 
@@ -330,7 +330,7 @@ void bound_expansions(std::uint64_t input_bytes) { most_expansions = SURE_EXPANS
 int count_expansion(const Input &in)
 {
     if (run_expansions == most_expansions) {
-        tell_error(in.line_no, "Too many expansions! (Max = %d)", most_expansions);
+        complain_here(in, "Too many expansions! (Max = %d)", most_expansions);
         return TEXT_REPORTED;
     }
     ++run_expansions;

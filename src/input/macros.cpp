@@ -21,7 +21,7 @@ NameTable<Macro> macro_list{};
 
 int too_long(const char *what, std::size_t limit, const Input &in)
 {
-    tell_error(in.line_no, "The macro %s has exceeded the maximum number\nof characters allowed (%d).", what, limit);
+    complain_here(in, "The macro %s has exceeded the maximum number\nof characters allowed (%d).", what, limit);
     return TEXT_REPORTED;
 }
 
@@ -212,7 +212,7 @@ const Macro *find_macro(std::string_view name) { return find_named(macro_list, n
 int no_such_macro(std::string_view name, const Input &in)
 {
     const std::string text{name};
-    tell_error(in.line_no, "There is no macro \"%s\" in your input file!", text.c_str());
+    complain(in, column_of(name, in), "There is no macro \"%s\" in your input file!", text.c_str());
     return TEXT_REPORTED;
 }
 

@@ -29,6 +29,15 @@ inline constexpr CharacterSet NAME_CHARS = set_of("abcdefghijklmnopqrstuvwxyzABC
     return {start, static_cast<std::size_t>(end - start)};
 }
 
+/// Column of a name that stands in the line; the position for one that stands in the body of a macro.
+[[nodiscard]] inline std::uint32_t column_of(std::string_view name, const Input &in)
+{
+    for (std::size_t column = 0; column < LINE_SIZE; ++column)
+        if (in.line + column == name.data())
+            return static_cast<std::uint32_t>(column);
+    return in.pos;
+}
+
 /// Records by their member "name". There is a power of two of buckets, so that no look at them divides.
 template <typename Named> struct NameTable {
     std::vector<std::vector<Named>> buckets; // none at start

@@ -82,7 +82,7 @@ int do_x(Section &section, Input &in)
     if (!is_digit(peek(in)) || !get_uli(count, in))
         return X_NEEDS_DIGIT;
     if (observer != nullptr)
-        observer->repeat(begin, in.pos);
+        observer->repeat(begin, end_of_item(in, begin));
     const bool to_the_end = count == 0;
     for (std::uint64_t left = count - 1; left > 0; --left) { // ends with the count or the block
         if (out_of_time())

@@ -121,7 +121,7 @@ int get_length(Input &in)
     if (const int error = get_amount(in))
         return error;
     if (BEATS > MOST_BEATS) {
-        tell_error(in.line_no, "Maximum number of beats = %f", MOST_BEATS);
+        complain_here(in, "Maximum number of beats = %f", MOST_BEATS);
         return TEXT_REPORTED;
     }
     if (BEATS > LONG_DURATION)
@@ -180,7 +180,7 @@ int do_section(Input &in, Event *&list)
         return error;
     reset_pfield(list);
     if (observer != nullptr)
-        observer->section_begins(P_NO, begin);
+        observer->section_begins(P_NO, begin, in.pos);
     if (const int error = do_pN(in, list))
         return error;
     DID_P[P_NO] = true;
@@ -210,10 +210,10 @@ int do_block_commands(Input &in)
         std::int32_t        code  = 0;
         if (!get_command(code, in))
             return INVALID_COMMAND;
-        if (observer != nullptr)
-            observer->command_begins(code, begin);
         if (code != CMD_RS && code != CMD_RD)
             return BAD_VALUE;
+        if (observer != nullptr)
+            observer->command_begins(code, begin);
         if (const int error = code == CMD_RS ? set_rand_seed(in) : set_rand_dev(in))
             return error;
     }

@@ -13,6 +13,9 @@
 //
 // All runs share one process: the program sets itself back at the start of each. The replay proves this: it runs all inputs forward
 // and backward and wants the same results.
+// With ORLO_EXPLAIN defined the target is orlo-explain: "s" leaves single values out, "t" asks for messages, "x" makes the piece a
+// Csound document, and its results are what it prints.
+//
 // A run stays inside a folder of its own: what a piece includes is looked for there alone.
 
 #include "fuzz_orlo.h"
@@ -21,6 +24,7 @@
 #include "driver/run.h"
 #include "events/event_list.h"
 #include "events/pfields.h"
+#include "explain/explain.h"
 #include "input/line_reader.h"
 
 #include <algorithm>
@@ -37,9 +41,14 @@
 
 namespace {
 
-constexpr std::uint64_t MOST_ALLOCATIONS = 20000;  // of a run that asks for no other number
-constexpr std::uint64_t TOP_ALLOCATIONS  = 250000; // of any run
-constexpr std::size_t   EVENT_SIZE       = 64;     // bytes, about those of an event
+#ifdef ORLO_EXPLAIN
+constexpr std::uint64_t MOST_ALLOCATIONS = 400000;  // of a run that asks for no other number
+constexpr std::uint64_t TOP_ALLOCATIONS  = 1000000; // of any run
+#else
+constexpr std::uint64_t MOST_ALLOCATIONS = 20000;
+constexpr std::uint64_t TOP_ALLOCATIONS  = 250000;
+#endif
+constexpr std::size_t EVENT_SIZE = 64; // bytes, about those of an event
 
 bool          counting    = false; // a run is on its way
 std::uint64_t allocations = 0;     // that may still succeed in it
@@ -163,6 +172,48 @@ struct CommandLine {
 
 void add(CommandLine &line, const char *argument) { line.arguments[line.count++] = argument; }
 
+#ifdef ORLO_EXPLAIN
+
+constexpr char DOCUMENT[] = "piece.csd";
+
+CommandLine read_command_line(std::string_view flags)
+{
+    CommandLine line{};
+    const auto  has = [flags](char letter) { return flags.find(letter) != std::string_view::npos; };
+    add(line, "orlo-explain");
+    if (has('m'))
+        add(line, "-m");
+    if (has('s'))
+        add(line, "--no-events");
+    if (has('t'))
+        add(line, "--format=gcc");
+    add(line, has('x') ? DOCUMENT : PIECE);
+    return line;
+}
+
+int run_program(const CommandLine &line)
+{
+    std::FILE *screen = stdout;
+    std::FILE *result = open_in_root(SCORE, "w");
+    if (result == nullptr)
+        give_up(SCORE);
+    stdout           = result;
+    counting         = true;
+    const int status = explain::run(line.count, line.arguments);
+    counting         = false;
+    stdout           = screen;
+    std::fclose(result);
+    return status;
+}
+
+void write_piece(std::string_view text)
+{
+    write_file(PIECE, text);
+    write_file(DOCUMENT, text);
+}
+
+#else
+
 CommandLine read_command_line(std::string_view flags)
 {
     CommandLine line{};
@@ -187,6 +238,18 @@ CommandLine read_command_line(std::string_view flags)
     return line;
 }
 
+int run_program(const CommandLine &line)
+{
+    counting         = true;
+    const int status = run(line.count, line.arguments);
+    counting         = false;
+    return status;
+}
+
+void write_piece(std::string_view text) { write_file(PIECE, text); }
+
+#endif
+
 std::uint64_t read_allocations(std::string_view flags)
 {
     const std::size_t start = flags.find_first_of("0123456789");
@@ -206,9 +269,7 @@ int run_once(const CommandLine &line)
     struct sigaction before[std::size(taken_signals)];
     for (std::size_t i = 0; i < std::size(taken_signals); ++i)
         sigaction(taken_signals[i], nullptr, &before[i]);
-    counting         = true;
-    const int status = run(line.count, line.arguments);
-    counting         = false;
+    const int status = run_program(line);
     for (std::size_t i = 0; i < std::size(taken_signals); ++i)
         sigaction(taken_signals[i], &before[i], nullptr);
     return status;
@@ -276,7 +337,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const std::string_view piece = input.substr(std::min(flags.size() + 1, size));
     for (const char *name : {SCORE, TRACE, LOG}) // a run that fails would leave those of the run before
         std::remove(in_root(name).text);
-    write_file(PIECE, piece);
+    write_piece(piece);
     const CommandLine line = read_command_line(flags);
     allocations            = read_allocations(flags);
     check(run_once(line));

@@ -1,0 +1,75 @@
+#include "explain/gathering.h"
+
+namespace orlo::explain {
+
+Gathering now;
+
+bool wants_values() { return now.detail == Detail::events && !now.recovering; }
+
+Block   &block() { return now.piece->blocks[static_cast<std::size_t>(now.block)]; }
+Section &section() { return block().sections.back(); }
+
+Place here(std::size_t begin, std::size_t end)
+{
+    now.last_place = now.piece->source.place_of(begin, end);
+    return now.last_place;
+}
+
+// makes a place reach to a column of the present line
+void extend(Place &place, std::size_t end)
+{
+    if (end > 0)
+        place = now.piece->source.join(place, here(end - 1, end));
+}
+
+// a part of the open section
+Place in_section_here(std::size_t begin, std::size_t end)
+{
+    const Place place = here(begin, end);
+    if (now.in_section)
+        section().place = now.piece->source.join(section().place, place);
+    return place;
+}
+
+std::vector<Command> &commands()
+{
+    if (now.in_section)
+        return section().commands;
+    return now.in_block ? block().commands : now.piece->commands;
+}
+
+std::int32_t find(const Names &names, std::string_view name)
+{
+    const auto found = names.find(name);
+    return found != names.end() ? found->second : NONE;
+}
+
+void close_loop(Loop &loop, bool open)
+{
+    loop.count = section().count - loop.first;
+    loop.open  = open;
+}
+
+bool loop_is_open() { return !section().loops.empty() && section().loops.back().open; }
+
+void reach_last_literal()
+{
+    if (now.last_literal.second > 0 && now.in_section)
+        in_section_here(now.last_literal.first, now.last_literal.second);
+    now.last_literal = {0, 0};
+}
+
+void end_section()
+{
+    if (!now.in_section)
+        return;
+    reach_last_literal();
+    if (loop_is_open() && section().loops.back().count == 0)
+        close_loop(section().loops.back(), true);
+    section().distinct = now.distinct.count();
+    if (!section().filled)
+        section().written = section().count;
+    now.in_section = false;
+}
+
+} // namespace orlo::explain

@@ -1,0 +1,116 @@
+// A message comes before its place, where it has one that is known; where not, it is given what was being read.
+
+#include "explain/told.h"
+
+#include "diag/messages.h"
+#include "events/block.h"
+#include "explain/gathering.h"
+#include "input/line_reader.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace orlo::explain {
+namespace {
+
+Place usual_place(Severity severity)
+{
+    if (!now.piece->source.has_lines())
+        return now.piece->source.last_include();
+    if (now.in_section)
+        return section().place;
+    if (severity == Severity::note) // of the run as a whole
+        return {};
+    return now.block != NONE && (now.in_block || !block().written) ? block().place : now.last_place;
+}
+
+void add_definition(Diagnostic &diagnostic, const Names &names, bool of_constant)
+{
+    const std::int32_t found = find(names, now.macro.name);
+    if (found == NONE)
+        return;
+    const auto index = static_cast<std::size_t>(found);
+    diagnostic.related.push_back(
+        {"defined here", of_constant ? now.piece->constants[index].place : now.piece->macros[index].name_place});
+}
+
+bool belongs_to_word(char c) { return is_letter(c) || is_digit(c) || c == '_' || c == '.'; }
+
+Place end_of_line(const char *line)
+{
+    const std::size_t length = now.piece->source.line().length;
+    Place             place  = now.piece->source.place_of(length - std::min<std::size_t>(length, 1), length);
+    if (length == 0 || is_blank(line[length - 1]))
+        place.end = place.begin;
+    else
+        place.begin = place.end;
+    return place;
+}
+
+} // namespace
+
+namespace told {
+
+void message_begins(Severity severity, int number)
+{
+    Diagnostic &diagnostic = now.piece->diagnostics.emplace_back();
+    diagnostic.severity    = severity;
+    diagnostic.number      = number;
+    diagnostic.place       = usual_place(severity);
+    diagnostic.recovered   = now.recovering;
+}
+
+void message_text(const char *text, std::size_t length) { now.piece->diagnostics.back().text.append(text, length); }
+
+void message_ends()
+{
+    Diagnostic &diagnostic = now.piece->diagnostics.back();
+    if (diagnostic.severity != Severity::error)
+        return;
+    if (diagnostic.number == DUPLICATE_MACRO)
+        add_definition(diagnostic, now.macros, false);
+    if (diagnostic.number == DUPLICATE_CONSTANT)
+        add_definition(diagnostic, now.constants, true);
+    if (diagnostic.number != DUPLICATE_PFIELD || now.block == NONE)
+        return;
+    for (const Section &earlier : block().sections)
+        if (earlier.pfield == P_NO)
+            diagnostic.related.push_back({"read here", earlier.place});
+}
+
+void message_place(const char *line, std::size_t column)
+{
+    if (now.piece->diagnostics.empty() || !now.piece->source.has_lines())
+        return;
+    Diagnostic &diagnostic = now.piece->diagnostics.back();
+    if (diagnostic.placed)
+        return;
+    diagnostic.placed        = true;
+    Place            &place  = diagnostic.place;
+    const std::size_t length = std::min(now.piece->source.line().length, std::strlen(line));
+    if (column >= length || (column + 1 == length && is_blank(line[column]))) {
+        place = end_of_line(line);
+        return;
+    }
+    if (line[column] == '\n') { // of a macro's body
+        place     = now.piece->source.place_of(column, column + 1);
+        place.end = place.begin;
+        return;
+    }
+    std::size_t end = column + 1;
+    while (end < length && belongs_to_word(line[end - 1]) && belongs_to_word(line[end]))
+        ++end;
+    place = now.piece->source.place_of(column, end);
+}
+
+void recovery_begins()
+{
+    end_section();
+    now.in_block   = false;
+    now.in_command = false;
+    now.recovering = true;
+}
+
+} // namespace told
+
+} // namespace orlo::explain
