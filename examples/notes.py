@@ -52,8 +52,10 @@ class Piece:
             place = run["range"]
         elif kind == "generator":
             command = section["commands"][run["command"]]
-            place = command["sets"][column(run["sets"], run["count"])[at]]["range"]
-            kind, chance = command["name"], chance or command["name"] not in ("EX", "HO")
+            place, kind = command["range"], command["name"]
+            chance = chance or kind not in ("EX", "HO")
+            if len(command["sets"]) > 1:
+                kind += f" set {column(run['sets'], run['count'])[at] + 1}"
         else:  # the section's end is filled with values that it had before
             before = run["loop"][at % len(run["loop"])] if "loop" in run else run["of"] + at % run.get("cycle", 1)
             was, place, _ = self.origin(section, before)
