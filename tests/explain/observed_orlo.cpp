@@ -39,7 +39,7 @@ int run_gathered(const std::vector<const char *> &arguments)
 {
     orlo::explain::Piece piece;
     orlo::explain::start_collecting(piece, orlo::explain::Detail::events);
-    orlo::observer   = &orlo::explain::collecting_observer();
+    orlo::observer   = &orlo::explain::collecting_observer(orlo::explain::Detail::events);
     const int status = run(arguments);
     orlo::observer   = nullptr;
     orlo::explain::end_collecting();
