@@ -166,7 +166,8 @@ def lacks_tool(block):
 
 def session(commands, folder, orlo):
     """Commands and what they print, one after the other."""
-    environment = run_case.environment() | {"PATH": os.path.dirname(orlo) + os.pathsep + os.environ.get("PATH", "")}
+    environment = run_case.environment() | {
+        "PATH": os.pathsep.join([os.path.dirname(orlo), os.path.dirname(sys.executable), os.environ.get("PATH", "")])}
     shown = []
     for command in commands:
         done = subprocess.run(["sh", "-c", command], cwd=folder, env=environment, stdin=subprocess.DEVNULL,
