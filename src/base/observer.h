@@ -20,10 +20,10 @@ enum class Part {
     weight,    // begins a set
     curve,     // code of a curve
     exponent,  // of the curve "v"
-    range,     // code of a distribution, then its two bounds
-    bounds,    // of a walk, then the two
-    low,       // a bound
-    high,      // a bound
+    range,     // code of a distribution, then its bounds in either order
+    bounds,    // nothing: those of a walk follow
+    low,       // a bound, that stands for both until the other comes
+    high,      // the other bound
     value,     // of a list, or a held value
     list_end,  // a list is complete, by the number of its values
     window,    // of a walk
@@ -112,9 +112,9 @@ struct Observer {
     // what comes of a block
     void (*block_done)(std::int32_t pfields); // its events follow, from the first on
     void (*event)(float start, float duration, float beat, const float *values, std::size_t count);
-    void (*score_begins)(std::uint32_t block);                                 // of the block, with the number it has in the score
+    void (*score_begins)();                                                    // events of the block
     void (*column)(std::int32_t pfield, const char *text, std::size_t length); // of an event's line, in the order of events
-    void (*block_written)(double duration, double beats, double end);
+    void (*block_written)(std::uint32_t block, double duration, double beats, double end); // with its number in the run
 
     // what is written beside events, and what is said
     void (*score_text)(const char *text, std::size_t length);
