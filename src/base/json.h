@@ -1,6 +1,7 @@
 // json.h: JSON, as all programs write it. Knows nothing of what is written.
 #pragma once
 
+#include <cmath>
 #include <concepts>
 #include <cstdint>
 #include <cstdio>
@@ -42,9 +43,9 @@ class JsonWriter {
     template <std::floating_point Real> void number(Real value)
     {
         separate();
-        if (value != value)
+        if (std::isnan(value))
             out += "\"nan\"";
-        else if (value - value != 0)
+        else if (std::isinf(value))
             out += value > 0 ? "\"inf\"" : "\"-inf\"";
         else
             put_json_number(out, value);
