@@ -1,7 +1,8 @@
-// Runs orlo while somebody looks: observed_orlo [--nothing] [ARGUMENT...]
+// Runs orlo while somebody looks: observed_orlo [--nothing | --summary] [ARGUMENT...]
 //
-// What it writes and says must be what orlo writes and says. What is told is gathered as orlo-explain does it or, with --nothing,
-// not even listened to.
+// What it writes and says must be what orlo writes and says. What is told is gathered as orlo-explain does it, with --summary as
+// for
+// --no-events, or, with --nothing, not even listened to.
 
 #include "base/observer.h"
 #include "driver/run.h"
@@ -15,6 +16,8 @@
 
 namespace {
 
+using orlo::explain::Detail;
+
 template <class... Told> using Function = void (*)(Told...);
 
 // becomes a function that does nothing, whatever it is told
@@ -25,21 +28,18 @@ struct Deaf {
     }
 };
 
-template <std::size_t... each> constexpr orlo::Observer all_deaf(std::index_sequence<each...>)
-{
-    return {((void)each, Deaf{})...};
-}
+template <std::size_t... each> constexpr orlo::Observer all_deaf(std::index_sequence<each...>) { return {((void)each, Deaf{})...}; }
 
 constexpr std::size_t    FUNCTIONS = sizeof(orlo::Observer) / sizeof(Function<>);
 constexpr orlo::Observer deaf      = all_deaf(std::make_index_sequence<FUNCTIONS>{});
 
 int run(const std::vector<const char *> &arguments) { return orlo::run(static_cast<int>(arguments.size()), arguments.data()); }
 
-int run_gathered(const std::vector<const char *> &arguments)
+int run_gathered(const std::vector<const char *> &arguments, Detail detail)
 {
     orlo::explain::Piece piece;
-    orlo::explain::start_collecting(piece, orlo::explain::Detail::events);
-    orlo::observer   = &orlo::explain::collecting_observer(orlo::explain::Detail::events);
+    orlo::explain::start_collecting(piece, detail);
+    orlo::observer   = &orlo::explain::collecting_observer(detail);
     const int status = run(arguments);
     orlo::observer   = nullptr;
     orlo::explain::end_collecting();
@@ -51,11 +51,13 @@ int run_gathered(const std::vector<const char *> &arguments)
 int main(int argc, char **argv)
 {
     orlo::limit_memory();
-    const bool                nothing = argc > 1 && std::string_view{argv[1]} == "--nothing";
+    const std::string_view    first   = argc > 1 ? argv[1] : "";
+    const bool                nothing = first == "--nothing";
+    const bool                summary = first == "--summary";
     std::vector<const char *> arguments{argv[0]};
-    arguments.insert(arguments.end(), argv + (nothing ? 2 : 1), argv + argc);
+    arguments.insert(arguments.end(), argv + (nothing || summary ? 2 : 1), argv + argc);
     if (!nothing)
-        return run_gathered(arguments);
+        return run_gathered(arguments, summary ? Detail::summary : Detail::events);
     orlo::observer = &deaf;
     return run(arguments);
 }

@@ -26,9 +26,11 @@ import literals
 import tables
 from explain_document import Fault, number, number32, range_indexes, single, text
 from explain_pieces import ROOT, add_options, check_all
+from explain_texts import COMPOSED, Source, check_texts, replaced_text
 from literals import divided, same
 
 SCHEMA = os.path.join(ROOT, "docs/explain.schema.json")
+KINDS = ("literal", "repeat", "generator", "fill", "loop")
 LONG_COLUMN = 64  # from here on a column's values are looked at by their kinds
 
 # messages without ERROR: or WARNING:, with what stands before them, and those with it that have no number
@@ -110,12 +112,14 @@ class Screen:
     """What orlo's screen says: its messages, found by their texts."""
 
     def __init__(self, program):
-        self.numbers, led, with_line = {}, [*LED], [*WITH_LINE]
+        self.numbers, self.lined, led, with_line = {}, set(), [*LED], [*WITH_LINE]  # lined: texts with a line and a caret
         printed = tables.read(program)
         for kind in ("error", "warning"):
             for row in printed[kind + "s"]:
                 self.numbers.setdefault((kind, row["text"].encode("latin-1")), set()).add(row["number"])
                 (with_line if row["line"] else led).append(re.escape(row["text"]))
+                if row["line"]:
+                    self.lined.add(row["text"].encode("latin-1"))
         # begins with plain letters, so that a long screen is looked through quickly
         forms = [rf"(?P<lead>ERROR|WARNING): (?:Line (?P<line>\d+): (?P<lined>{'|'.join(with_line)})(?=\n)"
                  rf"|(?P<plain>{'|'.join(led)}))"]
@@ -152,6 +156,9 @@ def check_diagnostics(outcome, screen, source):
     said = screen.messages(outcome.screen)
     told = [each for each in document.diagnostics if not each.get("recovered")]
     recovered = [each.get("recovered", False) for each in document.diagnostics]
+    for each in document.diagnostics:
+        if each.get("number") not in screen.numbers.get((each["severity"], text(each["text"])), {None}):
+            faults.append(f"diagnostics: {each} is no message of orlo")
     if recovered != sorted(recovered):
         faults.append("diagnostics: what was recovered stands before what orlo says")
     if any(recovered) and document.status == 0:
@@ -171,6 +178,46 @@ def check_diagnostics(outcome, screen, source):
     return faults
 
 
+def check_spans(outcome, source):
+    """What "T" came to: orlo says it for each."""
+    if outcome.status != 0:
+        return []
+    said = re.findall(rb"\n\tLine \d+: T evaluated at = +(-?[\d.]+)", outcome.screen)
+    commands = [each for block in outcome.document.blocks for section in block.sections for each in section.fields["commands"]
+                if "span" in each and (source.words(outcome.document.ranges[each["span_range"]]) or "T").startswith("T")]
+    told = [f"{number32(each['span']):.2f}".encode() for each in commands]
+    return [] if told == said else [f"spans: T came to {said}, told are {told}"]
+
+
+def check_failures(document, screen):
+    """Where a block has failed, an error stands; what follows is only looked at."""
+    told = [each for each in document.diagnostics if each["severity"] == "error" and "range" in each]
+    errors = [document.root(each["range"]) for each in told]
+    lined = [document.root(each["range"]) for each in told if text(each["text"]) in screen.lined]
+    blocks, faults = document.blocks, []
+    looked_at = [block.has("recovered") for block in blocks]
+    if looked_at != sorted(looked_at) or any(looked_at) and document.status == 0:
+        faults.append(f"blocks that were only looked at: {looked_at}")
+    for block, after in zip(blocks, [*blocks[1:], None]):
+        if "range" not in block.fields:
+            continue
+        begin, end = (document.root(each.fields["range"]) if each else None for each in (block, after))
+        found = any((begin.file, begin.line, begin.byte) <= (each.file, each.line, each.byte)
+                    and (end is None or (each.file, each.line, each.byte) < (end.file, end.line, end.byte)) for each in errors)
+        if block.has("failed") and errors and not found and len(document.fields["files"]) == 1:
+            faults.append(f"block {block.index} has failed without an error")
+        if not block.has("failed") and any(
+                (begin.file, begin.line, begin.byte) <= (each.file, each.line, each.byte) < (begin.file, begin.end_line, begin.end_byte)
+                for each in lined):
+            faults.append(f"block {block.index} has not failed, but there is an error in it")
+        if not block.has("failed") and block.events is None and not (block.has("recovered") or block.has("skipped")) \
+                and document.status == 1 and not document.fields["piece"]["midi"]:
+            faults.append(f"block {block.index} has neither failed nor events")
+        elif block.has("failed") and block is not blocks[-1] and not after.has("recovered"):
+            faults.append(f"block {block.index + 1} comes after an error, but is not told to be only looked at")
+    return faults
+
+
 def check_message_place(outcome, diagnostic, line, shown, source):
     """Whether a message stands in the line that orlo names, and where its caret is; what includes move is not looked at."""
     document = outcome.document
@@ -185,56 +232,20 @@ def check_message_place(outcome, diagnostic, line, shown, source):
         return []
     if root.line != expected:
         return [f"{what} is in line {root.line}, orlo says {expected}"]
-    written, caret = shown[0], shown[1].find(b"^")
+    written, caret, faults = shown[0], shown[1].find(b"^"), []
     plain = re.sub(rb"[\r\xff]", b" ", source.line(root.file, root.line))
+    if place.line != place.end_line:
+        faults = [f"{what} stands on several lines"]
     if place.call != -1 or caret < 0 or written.rstrip(b" ") != plain.rstrip(b" ") or root.line != place.line:
-        return []
-    if not place.byte <= caret + source.first_column(root.line) <= max(place.end_byte, place.byte):
-        return [f"{what} is at column {place.byte} to {place.end_byte}, orlo's caret at {caret}"]
-    return []
+        return faults
+    if text(diagnostic["text"]).startswith(b"There is no macro") and place.end_byte <= caret:
+        return faults  # orlo's caret stands behind the outermost call
+    if not place.byte <= caret <= max(place.end_byte, place.byte):
+        return [*faults, f"{what} is at column {place.byte} to {place.end_byte}, orlo's caret at {caret}"]
+    return faults
 
 
 # ---- places
-
-class Source:
-    """The text of a piece's files, by the places of a document."""
-
-    def __init__(self, outcome):
-        self.piece, self.lines = outcome.piece, []
-        for each in outcome.document.fields["files"]:
-            name = os.path.normpath(text(each["name"]).decode("utf-8", "surrogateescape"))
-            files = {os.path.normpath(key): data for key, data in self.piece.files.items()}
-            data = files.get(name) if each["found"] else None
-            self.lines.append(data.split(b"\n") if data is not None else None)
-
-    def line(self, file, number_of):
-        return self.lines[file][number_of]
-
-    def first_line(self):
-        begin, _ = self.piece.extent()
-        return (self.piece.files.get(self.piece.main) or b"").count(b"\n", 0, begin)
-
-    def first_column(self, number_of):
-        return 0 if number_of != self.first_line() or not self.piece.is_csd() else 0
-
-    def has_long_lines(self):
-        """A line that is too long for orlo counts as several."""
-        return any(len(line) > 2046 for lines in self.lines if lines for line in lines)
-
-    def text(self, place):
-        """What stands in a range, None when its file is not known."""
-        lines = self.lines[place.file]
-        if lines is None:
-            return None
-        if place.line == place.end_line:
-            return lines[place.line][place.byte:place.end_byte]
-        return b"\n".join([lines[place.line][place.byte:], *lines[place.line + 1:place.end_line],
-                           lines[place.end_line][:place.end_byte]])
-
-    def words(self, place):
-        found = self.text(place)
-        return None if found is None else found.decode("latin-1")
-
 
 def utf16_units(line, column):
     """Columns in UTF-16 units; None where the line is no UTF-8."""
@@ -272,116 +283,6 @@ def check_places(outcome, source):
     return faults
 
 
-def expect(faults, what, found, pattern):
-    """What stands in a range must look so; what is not known passes, and what is put together by calls or includes."""
-    if found is not None and not re.fullmatch(pattern, found, re.S) and not re.search(r"[$~]|#include", found):
-        faults.append(f"{what}: {found[:80]!r} stands there")
-
-
-def replaced_text(document, place, found):
-    """What the line holds in a place: for a constant, an equation or a time its value, else the text."""
-    value = document.calls[place.call].get("value") if place.call != -1 else None
-    return found if value is None else literals.decimals(number(value))
-
-
-def check_texts(outcome, source):
-    """What is said to stand somewhere stands there."""
-    document, faults = outcome.document, []
-    fields, ranges = document.fields, document.ranges
-
-    def words(index):
-        return source.words(ranges[index])
-
-    for call in fields["calls"]:
-        name = re.escape(text(call["name"]).decode("latin-1")) if "name" in call else ""
-        pattern = {"macro": rf"\${name}\b.*", "argument": rf"\$?{name}\b.*", "constant": rf"~{name}",
-                   "equation": r"~\[.*\]", "time": r"~@[1-4]?"}[call["kind"]]
-        expect(faults, f"{call['kind']} {name}", words(call["range"]), pattern)
-        if call["kind"] == "macro" and fields["macros"][call["of"]]["name"] != call["name"]:
-            faults.append(f"a call of {name} is of macro {call['of']}")
-        if call["kind"] == "constant":
-            constant = fields["constants"][call["of"]]
-            if constant["name"] != call["name"] or constant["value"] != call["value"]:
-                faults.append(f"a reference to {name} is to constant {call['of']}")
-    for macro in fields["macros"]:
-        name = re.escape(text(macro["name"]).decode("latin-1"))
-        expect(faults, f"macro {name}", words(macro["range"]), r"#.*#")
-        expect(faults, f"name of macro {name}", words(macro["name_range"]), name)
-        if "undefined" in macro:
-            expect(faults, f"end of macro {name}", words(macro["undefined"]), name)
-    for constant in fields["constants"]:
-        found = words(constant["range"])
-        value = literals.real(replaced_text(document, ranges[constant["range"]], found).strip(), float) if found else None
-        if value is not None and not same(value, number(constant["value"])):
-            faults.append(f"constant {constant['name']}: {found!r} is {value}, not {constant['value']}")
-    for condition in fields["conditionals"]:
-        found = words(condition["range"])
-        expect(faults, "condition", found, r"#\s*if.*")
-        value = re.fullmatch(r"#\s*if\s*\(\s*([-+\d.]+)\s*\)?.*", found or "", re.S)
-        if value and literals.real(value[1]) is not None and (literals.real(value[1]) != 0) != condition["taken"]:
-            faults.append(f"condition {found!r} was {'' if condition['taken'] else 'not '}taken")
-        if "end" in condition:
-            expect(faults, "end of a condition", words(condition["end"]), r"#\s*endif.*")
-    for file in fields["files"][1:]:
-        expect(faults, "include", words(file["included"]), r"#include.*")
-    for sequence in fields["sequences"][1:]:
-        found = words(sequence["range"])
-        expect(faults, "sequence", found, r"[rR][sS].*")
-        seed = re.fullmatch(r"[rR][sS]\s*\(\s*(\d+)\s*\)", found or "")
-        if seed and int(seed[1]) != sequence["seed"]:
-            faults.append(f"the sequence of {found!r} has seed {sequence['seed']}")
-    return faults + check_block_texts(document, words)
-
-
-def check_command(command, where, words, whole):
-    faults, found = [], words(command["range"])
-    what, name = f"{where}: command {command['name']}", command["name"]
-    generator = name.isupper()
-    expect(faults, what, found, rf"(?i:{name}).*" + (r"\)" if whole else ""))
-    if whole and generator == (name in ("te", "rs", "rd", "dv", "sr", "pf")):
-        faults.append(f"{what} is no command")
-    plain = re.fullmatch(rf"(?i:{name})\s*\(([-+\d.\s]*)\)", found or "")
-    if plain and not generator:
-        values = [literals.real(each) for each in plain[1].split()]
-        if name in ("rs", "sr"):
-            values = [float(int(each)) for each in plain[1].split()]
-        if [number(each) for each in command.get("numbers", [])] != values and None not in values:
-            faults.append(f"{what}: {found!r} has numbers {command.get('numbers')}")
-    if "span_range" in command:
-        span = words(command["span_range"])
-        value = literals.real(span) if span is not None else None
-        if value is not None and value != number(command["span"]):
-            faults.append(f"{what}: the span {span!r} is {command['span']}")
-    return faults
-
-
-def check_block_texts(document, words):
-    faults = []
-    for command in document.fields["commands"]:
-        faults += check_command(command, "between blocks", words, document.status == 0)
-    for block in document.blocks:
-        fields, where = block.fields, f"block {block.index}"
-        whole = not (block.has("failed") or block.has("recovered"))
-        if "range" in fields and (fields.get("instrument") is not None):
-            found = words(fields["range"])
-            expect(faults, where, found, "i.*}" if whole else "i.*")
-            header = re.match(r"i\s*(-?\d+)\s*=\s*(\d+)\s", found or "")
-            if header and whole and (int(header[1]), int(header[2])) != (fields["instrument"], fields.get("pfields", int(header[2]))):
-                faults.append(f"{where}: {header[0]!r} is told to be i{fields['instrument']} = {fields.get('pfields')}")
-        for command in fields["commands"]:
-            faults += check_command(command, where, words, whole)
-        for section in block.sections:
-            expect(faults, section.where, words(section.fields["range"]), "p.*" if os.environ.get("HACKX") else rf"p[ \t]*\+?0*{section.pfield}(?!\d).*")
-            for each in section.fields["inputs"]:
-                if os.environ.get("HACKX") and (words(each["range"]) or "")[-1:] == "x": each["name"] += "x"
-                expect(faults, f"{section.where}: input type", words(each["range"]), rf"(?i:{each['name']})" + r"\d?" * (each["name"] == "re"))
-            for loop in section.fields["loops"]:
-                expect(faults, f"{section.where}: loop", words(loop["range"]), "<.*" if loop.get("open") else "<.*>")
-            for command in section.fields["commands"]:
-                faults += check_command(command, section.where, words, whole)
-    return faults
-
-
 # ---- values
 
 def check_literals(section, document, source, midi):
@@ -394,9 +295,16 @@ def check_literals(section, document, source, midi):
         for value in range(run.first, run.end):
             place = document.ranges[run.fields["ranges"] + value - run.first]
             found, read, kind = source.words(place), section.read[value], kinds[value]
+            if place.line != place.end_line and "#include" not in found:
+                faults.append(f"{section.where}: value {value} stands on several lines")
             where = f"{section.where}: value {value}, {found!r} as {kind}"
+            call = document.calls[place.call] if place.call != -1 else {}
+            if "value" in call:
+                of = document.fields["constants"][call["of"]] if call["kind"] == "constant" else call
+                if document.ranges[of["range"]][:-1] != place[:-1]:
+                    faults.append(f"{section.where}: value {value} stands at {place}, but came from {document.ranges[of['range']]}")
             found = found and replaced_text(document, place, found)
-            if found is None or re.search(r"[$~]|#include", found):  # put together from several texts
+            if found is None or COMPOSED.search(found):  # put together from several texts
                 octave = None
                 continue
             if found in ("z", "Z"):
@@ -412,6 +320,9 @@ def check_literals(section, document, source, midi):
                     octave = (read - (literals.note(re.sub(r"\d", "", found), midi)[0])) / 12
             else:
                 expected = literals.value_of(found, kind, midi)
+                if found != source.words(place):  # what stands before it may have taken its first digits
+                    parts = [literals.value_of(found[at:], kind, midi) for at in range(len(found))]
+                    expected = next((part for part in parts if part is not None and same(part, read)), expected)
                 if expected is None or not same(expected, read):
                     faults.append(f"{where} is {read}, not {expected}")
             before = value
@@ -420,26 +331,32 @@ def check_literals(section, document, source, midi):
 
 def check_runs(section, document, source):
     """Kinds of runs: what they refer to is there, and repeats and fills give what they repeat."""
-    faults = []
+    faults, made_by = [], [0] * len(section.fields["commands"])
     for place, run in enumerate(section.runs):
         fields, where = run.fields, f"{section.where}: run {place} ({run.kind})"
-        if run.count < 1:
-            faults.append(f"{where} is empty")
+        if run.count < 1 or run.kind not in KINDS:
+            faults.append(f"{where} is empty, or of no kind")
         if not 0 <= run.sequence < len(document.fields["sequences"]):
             faults.append(f"{where}: there is no sequence {run.sequence}")
         if run.kind == "literal" and not fields["ranges"] + run.count <= len(document.ranges):
             faults.append(f"{where}: there is no range for each")
-        if run.kind == "repeat" and not os.environ.get("HACKX"):
-            expect(faults, where, source.words(document.ranges[fields["range"]]), r"/|x[ \t]*\+?\d+[ \t]*")
+        if run.kind == "repeat":
+            found = source.words(document.ranges[fields["range"]])
+            if found is not None and not re.fullmatch(r"/|x[ \t]*\+?\d+", found) and not COMPOSED.search(found):
+                faults.append(f"{where}: {found!r} stands there")
         if run.kind == "generator":
             command = section.fields["commands"][fields["command"]]
             first, end = command["first"], command["first"] + command["count"]
             if not first <= run.first <= run.end <= end:
                 faults.append(f"{where}: {run.first} to {run.end} are none of {command['name']}'s {first} to {end}")
+            made_by[fields["command"]] += run.count
             if any(not 0 <= each < len(command["sets"]) for each in run.column("sets") or []):
                 faults.append(f"{where}: a set that {command['name']} has not")
         if run.kind in ("repeat", "fill", "loop"):
             faults += check_repeated(section, run, where)
+    for command, count in zip(section.fields["commands"], made_by):
+        if command.get("count", 0) != count:
+            faults.append(f"{section.where}: {command['name']} has made {command['count']} values, its runs hold {count}")
     kinds = [run.kind for run in section.runs]
     made = sum(run.count for run in section.runs if run.kind not in ("fill", "loop"))
     filled = {"fill": "last", "loop": "loop"}.get(kinds[-1]) if kinds else None
@@ -513,11 +430,11 @@ def check_statistics(section):
         return []
     found = min(values), max(values), sum(values) / len(values) if all(map(math.isfinite, values)) else None
     told = number32(given["least"]), number32(given["greatest"]), number(given["mean"])
-    distinct = len(set(values))
+    distinct = len(set(values)) + any(same(value, 0.0) for value in values) * any(same(value, -0.0) for value in values)
     faults = [] if told[:2] == found[:2] else [f"{section.where}: statistics {given}, really {found}"]
     if found[2] is not None and not math.isclose(found[2], told[2], rel_tol=1e-5, abs_tol=1e-5 * max(map(abs, found[:2]))):
         faults.append(f"{section.where}: mean {told[2]}, really {found[2]}")
-    if given.get("distinct") != (distinct if distinct <= 10000 else None) and not any(value == 0 for value in values):
+    if given.get("distinct") != (distinct if distinct <= 10000 else None) and given.get("distinct") != len(set(values)):
         faults.append(f"{section.where}: {given.get('distinct')} distinct values, really {distinct}")
     return faults
 
@@ -558,14 +475,19 @@ class TempoMap:
         return low if time <= 0 else along(letter, exponent, time / total, low, high)
 
 
+def order_of(document, place):
+    """A key by which places come in the order in which they are read: through include files and calls to the piece."""
+    while place.call != -1:
+        place = document.ranges[document.calls[document.chain(place.call)[-1]]["range"]]
+    outer = document.fields["files"][place.file].get("included")
+    before = () if outer is None else order_of(document, document.ranges[outer])
+    return *before, (place.line, place.byte)
+
+
 def changes_before(document, block):
-    """The changes of tempo that stand before a block; the one place where order in the text is asked for."""
-    changes, begin = document.fields["tempo"], document.fields["blocks"][block.index]["range"]
-    if len(document.fields["files"]) > 1 or document.ranges[begin].call != -1:
-        return None
-    at = document.root(begin)
-    roots = [document.root(each["range"]) for each in changes]
-    return [each for each, root in zip(changes, roots) if (root.line, root.byte) < (at.line, at.byte)]
+    """The changes of tempo that are read before a block."""
+    at = order_of(document, document.ranges[document.fields["blocks"][block.index]["range"]])
+    return [each for each in document.fields["tempo"] if order_of(document, document.ranges[each["range"]]) < at]
 
 
 def check_time(block, document):
@@ -575,18 +497,15 @@ def check_time(block, document):
     beats = [first]
     for read in section.read:
         beats.append(single(beats[-1] + read))
-    changes = changes_before(document, block)
-    if changes is not None:
-        tempos = TempoMap(changes)
-        wrong = [value for value in range(section.count) if tempos.at(beats[value]) != section.tempo[value]]
-        if wrong:
-            faults.append(f"{section.where}: tempo of value {wrong[0]} is {section.tempo[wrong[0]]}, not {tempos.at(beats[wrong[0]])}")
-        if tempos.at(first) != number32(block.fields["tempo"]):
-            faults.append(f"block {block.index}: tempo {block.fields['tempo']} at its start, not {tempos.at(first)}")
-    seconds = single(single(first * 60) / number32(block.fields["tempo"]))
-    if seconds != number32(block.fields["seconds"]):
-        faults.append(f"block {block.index}: start {block.fields['seconds']}, not {seconds}")
+    tempos = TempoMap(changes_before(document, block))
+    wrong = [value for value in range(section.count) if tempos.at(beats[value]) != section.tempo[value]]
+    if wrong:
+        faults.append(f"{section.where}: tempo of value {wrong[0]} is {section.tempo[wrong[0]]}, not {tempos.at(beats[wrong[0]])}")
+    seconds = number32(block.fields["seconds"])
     late = late_events(events)
+    for event in range(1, events.count):
+        if event not in late and events.origin[2][event] == events.origin[2][event - 1] and events.beat[event] != events.beat[event - 1]:
+            faults.append(f"{section.where}: event {event} is at beat {events.beat[event]}, the one before it elsewhere")
     told = {events.origin[2][event]: (events.value[2][event], events.beat[event])
             for event in range(events.count) if event not in late}
     return faults + follow_starts(section, seconds, beats, told)
@@ -680,6 +599,43 @@ def check_printed(section, events, p):
     return faults
 
 
+def check_origins(block):
+    """Events follow each other as the values of each section do; what is missing was of rests."""
+    events, faults, late = block.events, [], late_events(block.events)
+    for p, origins in events.origin.items():
+        section = block.by_pfield[p]
+        kept = [origin for event, origin in enumerate(origins) if event not in late]
+        if p == 2:
+            if kept != sorted(kept) or section.count - len(set(kept)) > events.rests:
+                faults.append(f"{section.where}: origins {kept[:20]} of {section.count} values, {events.rests} rests")
+            continue
+        copies = {}
+        for event, origin in enumerate(origins):
+            if event not in late and section.count <= block.by_pfield[2].count \
+                    and copies.setdefault(origin, events.origin[2][event]) != events.origin[2][event]:
+                faults.append(f"{section.where}: event {event} has the value {origin} of another event")
+        falls = sum(after < before for before, after in zip(kept, kept[1:]))
+        if falls > 1:  # once where values behind the last event went to the first ones
+            faults.append(f"{section.where}: origins {kept[:20]}")
+        if not falls and max(kept, default=0) - min(kept, default=0) + 1 - len(set(kept)) > events.rests:
+            faults.append(f"{section.where}: origins {kept[:20]} leave out more than {events.rests} rests")
+    last = block.sections[-1]
+    wrapped = any(after < before for before, after in zip(events.origin[last.pfield], events.origin[last.pfield][1:]))
+    if last.pfield > 3 and not late and not wrapped and events.count + events.rests != last.count:
+        faults.append(f"{last.where}: {last.count} values, {events.count} events and {events.rests} rests")
+    return faults
+
+
+def check_beats(block, document):
+    """Durations in beats, by the tempo of each event's beat."""
+    events, tempos = block.events, TempoMap(changes_before(document, block))
+    for event in range(events.count):
+        expected = events.value[3][event] * tempos.at(events.beat[event]) / 60
+        if math.isfinite(expected) and not math.isclose(expected, events.beats[event], rel_tol=1e-6, abs_tol=1e-40):
+            return [f"block {block.index}: event {event} lasts {events.beats[event]} beats, not {expected}"]
+    return []
+
+
 def check_totals(block, midi):
     """Duration, end and last beat of a block, from its events."""
     fields, events = block.fields, block.events
@@ -693,10 +649,24 @@ def check_totals(block, midi):
             if math.isfinite(value) and not math.isclose(number(fields.get(key, math.nan)), value, rel_tol=1e-6, abs_tol=1e-9)]
 
 
+def check_start(block, document):
+    """A block's start in seconds, by the tempo of its beat."""
+    fields = block.fields
+    if "seconds" not in fields:
+        return [f"block {block.index} has values but no start in seconds"] if 2 in block.by_pfield else []
+    start, tempo, seconds = (number32(fields[key]) for key in ("start", "tempo", "seconds"))
+    if not same(single(single(start * 60) / tempo), seconds):
+        return [f"block {block.index}: start {seconds}, not {single(single(start * 60) / tempo)}"]
+    expected = TempoMap(changes_before(document, block)).at(start)
+    return [] if expected == tempo else [f"block {block.index}: tempo {tempo} at its start, not {expected}"]
+
+
 def check_block(block, document, source, midi):
-    faults = []
+    faults = check_start(block, document)
     for section in block.sections:
         if not section.has_values:
+            if (section.count or section.written) and not block.has("recovered"):
+                faults.append(f"{section.where}: {section.count} values, which are not there")
             continue
         faults += check_runs(section, document, source)
         faults += check_literals(section, document, source, midi)
@@ -711,7 +681,8 @@ def check_block(block, document, source, midi):
         faults.append(f"block {block.index}: events have p-fields {sorted(block.events.origin)}")
         return faults
     faults += check_event_values(block, midi)
-    return faults or check_time(block, document) + check_durations(block) + check_totals(block, midi)
+    faults += check_origins(block)
+    return faults or check_time(block, document) + check_beats(block, document) + check_durations(block) + check_totals(block, midi)
 
 
 def check_score(outcome):
@@ -721,6 +692,13 @@ def check_score(outcome):
         faults.append(f"status {document.status}, orlo's is {outcome.status}")
     if outcome.piece.midi:
         return faults
+    for before, each in zip(document.fields["score"], document.fields["score"][1:]):
+        if isinstance(each, dict) and "block" in each:
+            fields = document.blocks[each["block"]].fields
+            if fields.get("number") is None and document.blocks[each["block"]].events.count == 0:
+                continue
+            if not text(before).endswith(f"\n;I-block #{fields.get('number')} (i{fields['instrument']}):".encode()):
+                faults.append(f"score: block {each['block']} is not #{fields.get('number')} in {text(before)!r}")
     made = document.score()
     if made != score:
         at = len(os.path.commonprefix([made, score]))
@@ -736,8 +714,8 @@ def make_check(schema, screen):
         faults += check_places(outcome, source)
         if faults:
             return faults
-        faults += check_diagnostics(outcome, screen, source)
-        faults += check_texts(outcome, source)
+        faults += check_diagnostics(outcome, screen, source) + check_failures(document, screen)
+        faults += check_texts(outcome, source) + check_spans(outcome, source)
         for block in document.blocks:
             faults += check_block(block, document, source, outcome.piece.midi)
         return faults
