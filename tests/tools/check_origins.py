@@ -364,7 +364,9 @@ class Comparison:
             self.counts["events"] += events["count"]
             self.counts["p-fields"] += events["count"] * len(events["pfields"])
         self.counts["diagnostics"] += len(new["diagnostics"])
-        self.counts["ranges that nothing asks for"] += self.moved.count - len(self.moved.asked)
+        unasked = [] if self.image.joins_lines and self.has_error() else set(range(self.moved.count)) - self.moved.asked
+        for index in sorted(unasked):
+            self.fault("ranges", f"nothing asks for {self.moved.show(self.moved.place(index))}")
         return self.faults
 
     def known(self, part):
@@ -463,15 +465,31 @@ class Comparison:
                 item = items[name]
                 self.expect_place(where, self.moved.place(constant["range"]), self.image.item(item))
                 self.equal(where, constant["value"], float("".join(each.c for each in item.value.items)))
+                self.check_uses(where, constant, item)
             else:
                 old = next(of_piece, None)
                 if old is None:
                     self.fault(where, "is none of the piece")
                     continue
                 self.compare_definition(where, constant, old, ("range",), ("name", "value"))
+                self.equal(f"{where}, uses", len(constant.get("uses", [])), len(old.get("uses", [])))
+                for use, old_use in zip(constant.get("uses", []), old.get("uses", [])):
+                    self.check_place(f"{where}, use", use, old_use)
         self.equal("constants of the piece", next(of_piece, None), None)
         if not self.has_error():
             self.equal("constants", seen, len(items))
+
+    def check_uses(self, where, constant, item):
+        """The names in references; behind an error none is read."""
+        expected = []
+        for path in self.image.walk.uses:
+            if path[-1].constant is item:
+                file, begin, end = self.image.layout.place[id(path[-1])]
+                expected.append((file, begin + 1, end, self.image.call_of(path[:-1], None)))
+        found = [self.moved.place(use) for use in constant.get("uses", [])]
+        if self.has_error():
+            expected = expected[:len(found)]
+        self.equal(f"{where}, uses", found, expected)
 
     def expected_conditions(self):
         """Place, whether taken, and place of the end, in the order in which they are met."""

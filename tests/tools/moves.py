@@ -92,6 +92,7 @@ class Walk:
     def __init__(self, program):
         self.met, self.first, self.order = [], {}, []
         self.text_of, self.path_of = {}, {}
+        self.uses = []  # the steps to references to constants, with the reference
         self.walk(program.main, (), None)
 
     def walk(self, text, path, arguments):
@@ -109,6 +110,7 @@ class Walk:
             elif isinstance(item, Parameter):
                 self.walk(arguments[item.number], path + (item,), None)
             elif isinstance(item, Reference):
+                self.uses.append(path + (item,))
                 self.walk(item.constant.value, path + (item,), None)
             elif isinstance(item, Include):
                 self.walk(item.file, path + (item,), None)
@@ -244,7 +246,7 @@ class Mover:
         while True:
             name = start + self.chance.choice(["", "_", "X"]) + str(self.chance.randint(0, 9999))
             name += self.chance.choice(["", "", "b", "_2"])
-            if name not in self.names and not any(name in other or other in name for other in self.names if len(other) > 2):
+            if name not in self.names:
                 self.names.add(name)
                 return name
 
@@ -407,7 +409,7 @@ class Mover:
             if not before or not behind:
                 continue
             begin = before[-1]
-            end = self.chance.choice(behind[:self.chance.choice([1, 2, 5, 15, 60])])
+            end = self.chance.choice(behind[:self.chance.choice([1, 3, 10, 40, 200])])
             items = text.items[begin:end]
             end -= 1 if isinstance(items[-1], Character) and items[-1].c == "\n" else 0
             items = text.items[begin:end]
