@@ -194,10 +194,12 @@ void stored(Goes goes, float value, float deviated, float result)
         ++now.members;
     }
     if (wants_values()) {
-        if (goes == Goes::next)
+        if (goes == Goes::next) {
             now.ring.store_next(static_cast<std::uint32_t>(index));
-        else
+            now.ring.begin_chord();
+        } else {
             now.ring.store_beside(static_cast<std::uint32_t>(index));
+        }
     }
     add_value(value, deviated, result);
 }
