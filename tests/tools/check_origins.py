@@ -159,8 +159,9 @@ class Transformation:
             self.pieces[1] = self.write(self.folders[1], self.program.main.name, Layout(self.program).files)
         return [self.places(explain, piece) for piece in self.pieces]
 
-    def comparison(self, old, new):
-        return Comparison(new, Image(old, *self.before, self.program), self.joins_lines)
+    def image(self, original):
+        """Where the places of the original are now."""
+        return Image(original, *self.before, self.program)
 
 
 def check_one(options, pieces, number, counts):
@@ -174,7 +175,8 @@ def check_one(options, pieces, number, counts):
         try:
             faults = transformation.compare_scores(options.orlo)
             if not faults:
-                comparison = transformation.comparison(*transformation.documents(options.explain))
+                original, moved = transformation.documents(options.explain)
+                comparison = Comparison(moved, transformation.image(original), transformation.joins_lines)
                 faults = comparison.check()
                 counts.update(comparison.counts)
         except Fault as fault:

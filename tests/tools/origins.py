@@ -233,6 +233,7 @@ class Comparison:
         self.equal("files", found, expected)
         for file in self.moved.data["files"]:
             name = text_of(file["name"])
+            self.equal(f"whether {name} was found", file["found"], True)
             around = self.image.program.before + self.image.program.behind if name == main else ""
             bytes_read = len(self.moved.files[name]) - len(around)
             self.equal(f"bytes of {name}", file.get("bytes"), bytes_read)
@@ -313,8 +314,8 @@ class Comparison:
     def check_uses(self, where, constant, item):
         """The names in references."""
         expected = []
-        for path in self.image.walk.uses:
-            if path[-1].constant is item:
+        for path in self.image.walk.visits:
+            if isinstance(path[-1], Reference) and path[-1].constant is item:
                 file, begin, end = self.image.layout.place[id(path[-1])]
                 expected.append((file, begin + 1, end, self.image.call_of(path[:-1], None)))
         found = [self.moved.place(use) for use in constant.get("uses", [])]
@@ -361,16 +362,20 @@ class Comparison:
             known = [each for each in expected if each[:2] == condition[:2] and condition[2] in (None, each[2])]
             self.equal("condition", condition[:2], known[0][:2] if known else None)
 
+    def expected_calls(self):
+        """Those of the original, and those that were made: from bodies of the original by any of its calls."""
+        known = {self.image.call_of((), self.original.call(number)) for number in range(len(self.original.data["calls"]))}
+        through = [None] + [call for call in map(self.original.call, range(len(self.original.data["calls"]))) if call[0] == "macro"]
+        return known | {self.image.call_of(path, call) for path in set(self.image.walk.visits) for call in through}
+
     def check_calls(self):
-        """Each call is one of the original or one that was made, and says what it stands for."""
-        known = {self.image.place(self.original.place(call["range"]))[:3] for call in self.original.data["calls"]}
-        made = {(item.kind, item.name, *self.image.layout.place[id(item)]) for item in self.image.walk.order
-                if isinstance(item, (Call, Parameter, Reference))}
+        """Each call is one of those that are expected, and says what it stands for."""
+        expected = self.expected_calls()
         for number, call in enumerate(self.moved.data["calls"]):
             where = f"call {number}"
-            place = self.moved.place(call["range"])
-            if place[:3] not in known and (call["kind"], text_of(call.get("name", "")), *place[:3]) not in made:
-                self.fault(where, f"is none of the piece: {self.moved.show(place)}")
+            found = self.moved.call(number)
+            if found not in expected:
+                self.fault(where, f"is none of the piece: {found[0]} {found[1]} at {self.moved.show(found[2])}")
             if call["kind"] in ("macro", "constant"):
                 self.equal(where, self.moved.data[call["kind"] + "s"][call["of"]]["name"], call["name"])
             if call["kind"] == "constant":

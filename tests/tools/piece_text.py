@@ -55,6 +55,7 @@ class PieceText:
         self.lines, self.free_lines, self.numbers = set(), set(), []
         self.sections = []  # where the items of a section begin
         self.names = set(re.findall(NAME, text))
+        self.conditions = set(re.findall(r"#if\(\s*\$(\w+)", text))  # macros whose body is read as a value, calls in it are not
         self.parametric = {}
         self.units = 0
         self.where, self.depth, self.bracket_depth, self.type, self.command = GLOBAL, 0, 0, None, ""
@@ -185,7 +186,10 @@ class PieceText:
         parameters = set(re.findall(NAME, define[2] or ""))
         self.parametric[define[1]] = bool(define[2])
         self.mark(define.end(), DIRECTIVE)
+        begin = self.at
         self.read_body(parameters)
+        if define[1] in self.conditions:
+            self.zone[begin:self.at] = [DIRECTIVE] * (self.at - begin)
         self.mark(self.at + 1, DIRECTIVE)
 
     def read_body(self, parameters):

@@ -86,7 +86,7 @@ class Walk:
     def __init__(self, program):
         self.met, self.first, self.order = [], {}, []
         self.text_of, self.path_of = {}, {}
-        self.uses = []  # the steps to references to constants, with the reference
+        self.visits = []  # the steps to what is replaced by other text, with itself
         self.walk(program.main, (), None)
 
     def walk(self, text, path, arguments):
@@ -96,6 +96,8 @@ class Walk:
                 self.path_of[id(item)] = path
                 self.order.append(item)
             self.text_of[id(item)] = text
+            if isinstance(item, (Call, Parameter, Reference)):
+                self.visits.append(path + (item,))
             if isinstance(item, Character):
                 if item.original:
                     self.met.append((item, path))
@@ -104,7 +106,6 @@ class Walk:
             elif isinstance(item, Parameter):
                 self.walk(arguments[item.number], path + (item,), None)
             elif isinstance(item, Reference):
-                self.uses.append(path + (item,))
                 self.walk(item.constant.value, path + (item,), None)
             elif isinstance(item, Include):
                 self.walk(item.file, path + (item,), None)
