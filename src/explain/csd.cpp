@@ -57,7 +57,7 @@ bool is_csd(std::string_view text) { return find_tag(text, 0, DOCUMENT) < text.s
 
 std::string find_csd_score(std::string_view text, CsdScore &score)
 {
-    const std::size_t tag = find_tag(text, 0, OPENING);
+    const std::size_t tag = find_tag(text, find_tag(text, 0, DOCUMENT), OPENING);
     if (tag == text.size())
         return "it has no <CsScore>";
     if (!names_orlo(line_at(text, tag)))
