@@ -2,15 +2,17 @@
 
 include(GNUInstallDirs)
 
-install(TARGETS orlo orlo-view RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS orlo orlo-explain orlo-view RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(FILES docs/man/orlo.1 docs/man/orlo-view.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/man/orlo.1 docs/man/orlo-explain.1 docs/man/orlo-view.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/orlo.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
-install(FILES completions/orlo completions/orlo-view DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES completions/orlo completions/orlo-explain completions/orlo-view
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES packaging/orlo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
 
-# manual and tutorial with their pictures, and the examples: *.csd can be rendered where they are, or from anywhere
-install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# manual and tutorial with their pictures, the form of orlo-explain's documents, and the examples: *.csd can be rendered where they
+# are, or from anywhere
+install(FILES LICENSE docs/explain.schema.json DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN man EXCLUDE)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples

@@ -32,6 +32,7 @@ needs_for_more=(
     "chromium=chromium"
     "chromium-driver=chromedriver"
     "python3-selenium=/usr/lib/python3/dist-packages/selenium/__init__.py"
+    "python3-jsonschema=/usr/lib/python3/dist-packages/jsonschema/__init__.py"
 )
 # the bench target counts instructions with it, where perf can not
 needs_for_bench=(

@@ -42,6 +42,7 @@ class Layers(unittest.TestCase):
         self.passes("output/midi_file.cpp", "output/midi_file.h", "events/block.h", "base/numerics.h")
         self.passes("view/main.cpp", "view/view.h", "base/numerics.h", "platform/ending_signals.h")
         self.passes("tables/main.cpp", "driver/options.h", "output/midi_numbers.h")
+        self.passes("explain/collector.cpp", "explain/collector.h", "driver/run.h", "words/keywords.h", "platform/whole_file.h")
 
     def test_what_stands_above_may_not(self):
         floors = "base", "platform", "diag", "input", "events", "words", "ddf", "lang", "driver"
@@ -56,11 +57,16 @@ class Layers(unittest.TestCase):
         for folder in "base", "platform", "diag", "input", "events", "words", "ddf", "lang":
             self.fails(f"{folder}/room.cpp", "output/room.h")
 
-    def test_companions_know_the_ground_alone_and_nobody_knows_them(self):
+    def test_what_looks_at_scores_knows_the_ground_alone(self):
         for folder in "diag", "events", "output", "driver", "tables":
             self.fails("view/room.cpp", f"{folder}/room.h")
-        for folder in "base", "platform", "diag", "driver", "output":
-            self.fails(f"{folder}/room.cpp", "view/room.h")
+
+    def test_nobody_knows_the_companions_and_they_do_not_know_each_other(self):
+        companions = "explain", "tables", "view"
+        for folder in "base", "platform", "diag", "driver", "output", *companions:
+            for companion in companions:
+                if folder != companion:
+                    self.fails(f"{folder}/room.cpp", f"{companion}/room.h")
 
     def test_a_system_is_known_to_its_own_folder_alone(self):
         self.passes("platform/posix/files.cpp", "platform/files.h", "platform/posix/names.h", "base/numerics.h")

@@ -9,8 +9,8 @@
 ;;; Commentary:
 
 ;; Colours, comments and messages of orlo, a score generator for Csound
-;; and MIDI.  \\[compile] runs the program on the file; its errors lead
-;; to their lines and columns.
+;; and MIDI.  \\[compile] runs the program on the file; errors lead to
+;; their lines and columns, also in include files.
 ;;
 ;; Written by editors/make_editors.py from the program's own tables:
 ;; change those.
@@ -26,6 +26,12 @@
 
 (defcustom orlo-command "orlo"
   "The program, with its options."
+  :type 'string)
+
+(defcustom orlo-explain-command "orlo-explain"
+  "The program that says where in the text the errors are.
+Where it is missing, errors are those of `orlo-command', which counts
+lines with include files in place."
   :type 'string)
 
 (defface orlo-ignored '((t :inherit font-lock-comment-face))
@@ -420,11 +426,30 @@ a pattern is what gets the face.")
 (add-to-list 'compilation-error-regexp-alist-alist orlo--compilation-errors)
 (add-to-list 'compilation-error-regexp-alist 'orlo)
 
+(defconst orlo--compilation-places
+  '(orlo-explain "^\\(.+?\\):\\([0-9]+\\):\\([0-9]+\\): \\(?:error\\|\\(warning\\)\\|\\(note\\)\\): "
+                 1 2 3 (4 . 5))
+  "How messages of orlo-explain are recognised.")
+
+(add-to-list 'compilation-error-regexp-alist-alist orlo--compilation-places)
+
+(defun orlo--compilation-starts (_)
+  "Take the messages of orlo-explain alone: the program repeats them."
+  (when (string-prefix-p (concat orlo-explain-command " ") (car compilation-arguments))
+    (setq-local compilation-error-regexp-alist '(orlo-explain))
+    (setq-local compilation-error-screen-columns nil)))
+
+(add-hook 'compilation-start-hook #'orlo--compilation-starts)
+
 (defun orlo--compile-command ()
   "Command for the score of the file in the buffer."
-  (let ((file (file-name-nondirectory (or buffer-file-name (buffer-name)))))
-    (format "%s %s %s" orlo-command (shell-quote-argument file)
-            (shell-quote-argument (concat (file-name-sans-extension file) ".sco")))))
+  (let* ((file (file-name-nondirectory (or buffer-file-name (buffer-name))))
+         (input (shell-quote-argument file))
+         (score (shell-quote-argument (concat (file-name-sans-extension file) ".sco")))
+         (run (format "%s %s %s" orlo-command input score)))
+    (if (executable-find orlo-explain-command)
+        (format "%s --format=gcc %s && %s" orlo-explain-command input run)
+      run)))
 
 ;;;###autoload
 (define-derived-mode orlo-mode prog-mode "Orlo"

@@ -116,11 +116,12 @@ char *put_real(char *text, float value, int width, int decimals)
 {
     const auto bits     = std::bit_cast<std::uint32_t>(value);
     const auto exponent = static_cast<int>(bits >> MANTISSA_BITS & 0xFF);
-    const int  shift    = (exponent == 0 ? 1 : exponent) - EXPONENT_BIAS;
+    const int  shift    = exponent - EXPONENT_BIAS;
     if (shift > LARGEST_SHIFT)
         return text + std::snprintf(text, LONGEST_NUMBER, "%*.*f", width, decimals, printable(static_cast<double>(value)));
 
-    const std::uint64_t mantissa = (bits & (HIDDEN_BIT - 1)) | (exponent == 0 ? 0 : HIDDEN_BIT);
+    // of numbers that have no hidden bit, 0 among them, nothing is left by the shift
+    const std::uint64_t mantissa = (bits & (HIDDEN_BIT - 1)) | HIDDEN_BIT;
     const std::uint64_t product  = mantissa * powers_of_ten[static_cast<std::size_t>(decimals)];
     const std::uint64_t scaled   = shift >= 0 ? product << shift : shift_right_rounded(product, -shift);
 

@@ -44,7 +44,8 @@ enum class Goes {
 /// A call in a text, by what it stands for.
 enum class CallKind { macro, argument, constant, equation, time };
 
-/// The functions that are told. All stand in a record that is used, none is null.
+/// The functions that are told. All stand in a record that is used; "event" and "column" may be null where single events are not
+/// asked for.
 struct Observer {
     // files and how they become the combined input
     void (*include_met)(std::uint64_t begin, std::uint64_t end);  // a directive, by bytes of the file that is being copied

@@ -224,7 +224,7 @@ int do_iblock(Input &in, std::FILE *out, std::uint32_t &block)
         return status;
     if (note_list == nullptr)
         return nothing_written(block);
-    if (observer != nullptr)
+    if (observer != nullptr && observer->event != nullptr)
         tell_events(note_list);
     bool written = false;
     if (const int error = MKMIDI ? write_midi(out, written) : write_score(out, block, written))

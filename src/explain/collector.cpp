@@ -83,6 +83,13 @@ constexpr Observer functions = {
     .recovery_begins   = Guarded<told::recovery_begins>::tell,
 };
 
+constexpr Observer without_events = [] {
+    Observer fewer = functions;
+    fewer.event    = nullptr;
+    fewer.column   = nullptr;
+    return fewer;
+}();
+
 } // namespace
 
 void start_collecting(Piece &piece, Detail detail)
@@ -92,7 +99,7 @@ void start_collecting(Piece &piece, Detail detail)
     now.detail = detail;
 }
 
-const Observer &collecting_observer() { return functions; }
+const Observer &collecting_observer(Detail detail) { return detail == Detail::events ? functions : without_events; }
 
 void end_collecting()
 {

@@ -15,8 +15,8 @@ enum class Detail {
 /// Gathers into a piece from here on; the observer is to be set while a run is made. One at a time.
 void start_collecting(Piece &piece, Detail detail);
 
-/// What the collector is told by.
-[[nodiscard]] const Observer &collecting_observer();
+/// What the collector is told by, with such detail.
+[[nodiscard]] const Observer &collecting_observer(Detail detail);
 
 /// The run is over: what is still open is closed. Where memory was exhausted, std::bad_alloc comes here, and not into the run.
 void end_collecting();

@@ -100,9 +100,9 @@ bool write_out(Piece &piece, const Options &options, const Heading &heading)
                     (fault.empty() ? "" : ": " + fault));
 }
 
-void run_piece(const Options &options, Heading &heading, Extent extent)
+void run_piece(const Options &options, Heading &heading, Extent extent, Detail detail)
 {
-    observer       = &collecting_observer();
+    observer       = &collecting_observer(detail);
     heading.status = explain_run(options.piece.c_str(), options.midi, extent);
     observer       = nullptr;
     end_collecting();
@@ -118,9 +118,10 @@ bool explain(const Options &options)
     CsdScore score;
     if (!find_piece(options, heading, score))
         return false;
-    Piece piece;
-    start_collecting(piece, options.events && options.format == Format::json ? Detail::events : Detail::summary);
-    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE});
+    Piece        piece;
+    const Detail detail = options.events && options.format == Format::json ? Detail::events : Detail::summary;
+    start_collecting(piece, detail);
+    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail);
     if (heading.csd)
         piece.source.skip_in_piece(score.begin, score.line);
     return write_out(piece, options, heading);

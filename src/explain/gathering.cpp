@@ -52,10 +52,18 @@ void close_loop(Loop &loop, bool open)
 
 bool loop_is_open() { return !section().loops.empty() && section().loops.back().open; }
 
+void reach_last_literal()
+{
+    if (now.last_literal.second > 0 && now.in_section)
+        in_section_here(now.last_literal.first, now.last_literal.second);
+    now.last_literal = {0, 0};
+}
+
 void end_section()
 {
     if (!now.in_section)
         return;
+    reach_last_literal();
     if (loop_is_open() && section().loops.back().count == 0)
         close_loop(section().loops.back(), true);
     section().distinct = now.distinct.count();

@@ -10,6 +10,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace orlo::explain {
@@ -45,21 +46,22 @@ struct Gathering {
     Place                    last_place; // of what was read last
 
     // of the section
-    Source                     source;
-    bool                       new_source = true; // the next value begins a run
-    std::size_t                set        = 0;
-    float                      position = 0.0F, window_low = 0.0F, window_high = 0.0F;
-    bool                       walks     = false;
-    std::uint64_t              last_read = 0; // the value that was read or generated last
-    std::uint64_t              chord     = 0; // the first value of the last chord
-    std::uint64_t              members   = 0; // its values, and how many of them have been repeated
-    std::uint64_t              repeated  = 0;
-    std::vector<std::uint64_t> looped;    // values in loops
-    std::uint64_t              turns = 0; // values that a loop has filled
-    std::uint64_t              drawn = 0; // draws of the sequence so far
-    std::vector<Refused>       refused;   // of the next value
-    Ring                       ring;
-    Distinct                   distinct;
+    std::pair<std::size_t, std::size_t> last_literal{0, 0}; // columns of the last one on the line, where each is not asked for
+    Source                              source;
+    bool                                new_source = true; // the next value begins a run
+    std::size_t                         set        = 0;
+    float                               position = 0.0F, window_low = 0.0F, window_high = 0.0F;
+    bool                                walks     = false;
+    std::uint64_t                       last_read = 0; // the value that was read or generated last
+    std::uint64_t                       chord     = 0; // the first value of the last chord
+    std::uint64_t                       members   = 0; // its values, and how many of them have been repeated
+    std::uint64_t                       repeated  = 0;
+    std::vector<std::uint64_t>          looped;    // values in loops
+    std::uint64_t                       turns = 0; // values that a loop has filled
+    std::uint64_t                       drawn = 0; // draws of the sequence so far
+    std::vector<Refused>                refused;   // of the next value
+    Ring                                ring;
+    Distinct                            distinct;
 
     // of the events
     std::size_t told = 0; // events
@@ -92,6 +94,9 @@ void extend(Place &place, std::size_t end);
 /// Whether the last loop has no end yet.
 [[nodiscard]] bool loop_is_open();
 void               close_loop(Loop &loop, bool open);
+
+/// Makes the section reach to the last literal on the line.
+void reach_last_literal();
 
 /// The section is over, if one is open.
 void end_section();

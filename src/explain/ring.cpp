@@ -5,7 +5,7 @@ namespace orlo::explain {
 void Ring::clear()
 {
     next.clear();
-    values.assign(3, {});
+    values.assign(4, {});
     order.clear();
     field = 2;
 }
@@ -51,6 +51,13 @@ void Ring::store_beside(std::uint32_t value)
     if (cursor == tail)
         tail = event;
     cursor = event;
+}
+
+void Ring::grow(std::uint32_t value)
+{
+    store_beside(value);
+    if (values[3].size() > cursor)
+        values[3][cursor] = values[3][chord];
 }
 
 void Ring::put_in_order()

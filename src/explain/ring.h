@@ -21,8 +21,12 @@ class Ring {
     void store_next(std::uint32_t value);
     void store_beside(std::uint32_t value);
 
-    /// As store_beside, of an event that a repeated chord puts behind the last.
-    void grow(std::uint32_t value) { store_beside(value); }
+    /// The event that was filled last may begin a chord.
+    void begin_chord() { chord = cursor; }
+
+    /// As store_beside, of an event that a repeated chord puts behind the last; its duration is made from that of the chord's
+    /// first.
+    void grow(std::uint32_t value);
 
     /// No more values: the events can be asked for, from the head on.
     void put_in_order();
@@ -39,6 +43,7 @@ class Ring {
     std::vector<std::uint32_t>              order;
     std::uint32_t                           tail   = 0;
     std::uint32_t                           cursor = 0;
+    std::uint32_t                           chord  = 0; // the first event of the last one
     std::size_t                             field  = 2;
 };
 

@@ -21,7 +21,11 @@ void file_left() { now.piece->source.leave(); }
 
 void copy_continues(std::uint64_t to, std::uint64_t from) { now.piece->source.copy_continues(to, from); }
 
-void line_read(std::uint64_t, std::uint64_t offset, std::size_t length) { now.piece->source.read_line(offset, length); }
+void line_read(std::uint64_t, std::uint64_t offset, std::size_t length)
+{
+    reach_last_literal();
+    now.piece->source.read_line(offset, length);
+}
 
 // calls
 

@@ -126,8 +126,11 @@ void literal(std::size_t begin, std::size_t end)
 {
     if (now.source.kind != Kind::literal)
         now.new_source = true;
-    now.source.kind  = Kind::literal;
-    now.source.place = in_section_here(begin, end);
+    now.source.kind = Kind::literal;
+    if (wants_values())
+        now.source.place = in_section_here(begin, end);
+    else
+        now.last_literal = {begin, end};
 }
 
 void repeat(std::size_t begin, std::size_t end)
@@ -191,10 +194,12 @@ void stored(Goes goes, float value, float deviated, float result)
         ++now.members;
     }
     if (wants_values()) {
-        if (goes == Goes::next)
+        if (goes == Goes::next) {
             now.ring.store_next(static_cast<std::uint32_t>(index));
-        else
+            now.ring.begin_chord();
+        } else {
             now.ring.store_beside(static_cast<std::uint32_t>(index));
+        }
     }
     add_value(value, deviated, result);
 }

@@ -180,10 +180,10 @@ bool print_csound(Event *&list, std::FILE *out, std::int32_t n)
     put_column(head_end, I_NO, 0);
     const auto head_length = static_cast<std::size_t>(head_end - lines.head);
 
-    if (observer == nullptr)
-        put_events(lines, list, list, head_length, n);
-    else
+    if (observer != nullptr && observer->column != nullptr)
         put_told_events(lines, list, head_length, n);
+    else if (out != nullptr)
+        put_events(lines, list, list, head_length, n);
     *lines.end++ = '\n';
     flush(lines);
     if (observer != nullptr)

@@ -1,10 +1,13 @@
-"""Do the editors colour the language, and find errors: check_editors.py --orlo PROGRAM [--tables PROGRAM] --work FOLDER CHECK EDITOR
+"""Do the editors colour the language, and find errors: check_editors.py --orlo PROGRAM --explain PROGRAM [--tables PROGRAM] --work FOLDER
+CHECK EDITOR
 
 CHECK is
   places    every mark of places.orlo is as it says, and the program accepts that file
   words     every word of the program's tables is coloured as what it is, in either case, in its places and in no other
   examples  no character of an example, or of the manual's, but blanks is without a colour
-  errors    an error of the program leads to its file, line and column
+  errors    an error of the program leads to its line and column, in a piece that includes nothing
+  places-of-errors
+            with orlo-explain errors lead to their file, line and column, also into include files and macros
   lint      the editor's own tools have nothing to say about its files
   agree     all editors colour examples and places.orlo alike; EDITOR is "all"
 EDITOR is textmate, vim or emacs. FOLDER is where the modules of package-lock.json are kept between runs.
@@ -341,36 +344,93 @@ def check_agree(_, options):
 FAULTY = "te(90)\ni1 = 4 0 4 { ; a block\n\tp2 1\n\tp3 rd(2) 1\n\tp4 RA(T .5 [1 2]) 3\n}\n"
 
 
-def check_errors(editor, options):
-    with tempfile.TemporaryDirectory(prefix="orlo-errors-") as folder:
-        piece = os.path.join(folder, "a piece.orlo")
-        with open(piece, "w", encoding="ascii") as file:
-            file.write(FAULTY)
-        os.mkdir(os.path.join(folder, "bin"))
-        os.symlink(options.orlo, os.path.join(folder, "bin", "orlo"))
-        env = {"ORLO_PIECE": piece, "PATH": os.path.join(folder, "bin") + os.pathsep + os.environ["PATH"], "TMPDIR": folder}
-        if editor == "textmate":
-            matcher = json.loads(read("editors", "vscode", "package.json"))["contributes"]["problemPatterns"][0]
-            task = re.search(r'"command": "(.*)"', read("editors", "README.md"))[1].replace('\\"', '"').replace("\\\\", "\\")
-            for name, value in (("file", piece), ("fileDirname", folder), ("fileBasenameNoExtension", "a piece")):
-                task = task.replace("${" + name + "}", value)
-            _, output = run(["sh", "-c", task], env)
-            found = [[os.path.basename(hit[matcher["file"]]), int(hit[matcher["line"]]), hit[matcher["severity"]][0]]
-                     for hit in re.finditer(matcher["regexp"], output, re.M)]
-            expected = [["a piece.orlo", 4, "W"], ["a piece.orlo", 5, "E"]]
-        elif editor == "vim":
-            found = [entry[:4] for entry in with_result(vim_command("vim_errors.vim"), folder, env, folder)]
-            expected = [["a piece.orlo", 4, 9, "W"], ["a piece.orlo", 5, 19, "E"]]
-            output = found
-        else:
-            found = [entry[:4] for entry in with_result(emacs_command("orlo-test-errors"), folder, env, folder)]
-            expected = [["a piece.orlo", 4, 9, 1], ["a piece.orlo", 5, 19, 2]]
-            output = found
-        if found != expected:
-            faults.append(f"found {found}, and not {expected}, in\n{output}")
-        if not os.path.isfile(os.path.join(folder, "a piece.sco")):
-            faults.append("the score is not beside the piece")
+# a warning in line 5, an error in the macro's body in the include file, one in the argument of a call
+INCLUDING = ("#include |some notes.inc|\n#define run(n) #c4 $n g#\ni1 = 4 0 4 { ; a block\n\tp2 1\n\tp3 rd(2) 1\n\tp4 no $theme\n}\n"
+             "i2 = 4 0 4 {\n\tp2 1\n\tp3 1\n\tp4 no /* a tune */ $run(q)\n}\n")
+INCLUDED = "; phrases\n#define theme #d4\n\te h4#\n"
+PLACES = [("a piece.orlo", 5, 9, "w"), ("some notes.inc", 3, 4, "e"), ("a piece.orlo", 6, 8, "n"),
+          ("a piece.orlo", 11, 26, "e"), ("a piece.orlo", 2, 20, "n"), ("a piece.orlo", 11, 21, "n")]
+
+
+def task_output(task, piece, env):
+    """What a task of VS Code prints, as the README has it."""
+    folder, name = os.path.split(piece)
+    for variable, value in (("file", piece), ("fileDirname", folder), ("fileBasename", name),
+                            ("fileBasenameNoExtension", os.path.splitext(name)[0])):
+        task = task.replace("${" + variable + "}", value)
+    return run(["sh", "-c", task], env)[1]
+
+
+def matches(matcher, output):
+    """[file, line, column, letter of the severity] of what a problem matcher finds, without a column where it has none."""
+    return [[os.path.basename(hit[matcher["file"]]), int(hit[matcher["line"]]),
+             *([int(hit[matcher["column"]])] if "column" in matcher else []), hit[matcher["severity"]][0]]
+            for hit in re.finditer(matcher["regexp"], output, re.M)]
+
+
+def documented_tasks():
+    """The tasks.json of the README."""
+    return [task for text in re.findall(r"\n\n((?:    .*\n)+)", read("editors", "README.md")) if '"tasks"' in text
+            for task in json.loads(text)["tasks"]]
+
+
+def found_errors(editor, folder, text, programs):
+    """What an editor makes of the errors of a piece when the programs are where commands are looked for: [file, line, column, kind]."""
+    piece = os.path.join(folder, "a piece.orlo")
+    with open(piece, "w", encoding="ascii") as file:
+        file.write(text)
+    os.mkdir(os.path.join(folder, "bin"))
+    for program in programs:
+        os.symlink(program, os.path.join(folder, "bin", os.path.basename(program)))
+    env = {"ORLO_PIECE": piece, "PATH": os.path.join(folder, "bin") + os.pathsep + os.environ["PATH"], "TMPDIR": folder}
+    if editor == "textmate":
+        (task,) = [task for task in documented_tasks() if ("orlo-explain" in task["command"]) == (len(programs) > 1)]
+        matcher = task["problemMatcher"]
+        if matcher == "$orlo":
+            matcher = {"pattern": json.loads(read("editors", "vscode", "package.json"))["contributes"]["problemPatterns"][0]}
+        found = matches(matcher["pattern"], task_output(task["command"], piece, env))
+    elif editor == "vim":
+        found = [entry[:4] for entry in with_result(vim_command("vim_errors.vim"), folder, env, folder)]
+    else:
+        found = [entry[:4] for entry in with_result(emacs_command("orlo-test-errors"), folder, env, folder)]
+    if not os.path.isfile(os.path.join(folder, "a piece.sco")):
+        faults.append("the score is not beside the piece")
+    return found
+
+
+def expect_errors(found, expected):
+    if found != expected:
+        faults.append(f"found {found}, and not {expected}")
     return f"{len(found)} messages"
+
+
+def check_errors(editor, options):
+    if shutil.which("orlo-explain"):
+        raise Missing("orlo-explain is installed here")
+    expected = {"textmate": [["a piece.orlo", 4, "W"], ["a piece.orlo", 5, "E"]],
+                "vim": [["a piece.orlo", 4, 9, "W"], ["a piece.orlo", 5, 19, "E"]],
+                "emacs": [["a piece.orlo", 4, 9, 1], ["a piece.orlo", 5, 19, 2]]}
+    with tempfile.TemporaryDirectory(prefix="orlo-errors-") as folder:
+        return expect_errors(found_errors(editor, folder, FAULTY, [options.orlo]), expected[editor])
+
+
+def check_places_of_errors(editor, options):
+    kinds_of = {"emacs": {"e": 2, "w": 1, "n": 0}}.get(editor, {kind: kind for kind in "ewn"})
+    expected = [[*place, kinds_of[kind]] for *place, kind in PLACES]
+    with tempfile.TemporaryDirectory(prefix="orlo-errors-") as folder:
+        with open(os.path.join(folder, "some notes.inc"), "w", encoding="ascii") as file:
+            file.write(INCLUDED)
+        done = expect_errors(found_errors(editor, folder, INCLUDING, [options.orlo, options.explain]), expected)
+        if editor == "vim":
+            document = os.path.join(folder, "a document.csd")
+            with open(document, "w", encoding="ascii") as file:
+                file.write(f'<CsoundSynthesizer>\n<CsScore bin="orlo">\n{FAULTY}</CsScore>\n</CsoundSynthesizer>\n')
+            env = {"ORLO_PIECE": document, "PATH": os.path.join(folder, "bin") + os.pathsep + os.environ["PATH"]}
+            found = [entry[:4] for entry in with_result(vim_command("vim_errors.vim"), folder, env, folder)]
+            done += " and " + expect_errors(found, [["a document.csd", 6, 9, "w"], ["a document.csd", 7, 19, "e"]])
+            if os.path.exists(os.path.join(folder, "a document.sco")):
+                faults.append("a score is beside the document")
+        return done
 
 
 def plain_snippet(body):
@@ -424,7 +484,7 @@ def lint_vim(folder, _):
                    "call writefile([json_encode([s:said, v:errmsg] + s:is)], $ORLO_KINDS)\nqall!\n")
     said, error, filetype, comment, _, make, after = with_result(vim_command(script), folder, {}, folder)
     faults.extend(f"Vim says {text}" for text in (said.strip(), error) if text)
-    if (filetype, comment) != ("orlo", "; %s") or not make.startswith("orlo ") or after == comment:
+    if (filetype, comment) != ("orlo", "; %s") or not re.match(r"\(?orlo", make) or after == comment:
         faults.append(f"filetype {filetype}, commentstring {comment}, makeprg {make}, and commentstring {after} afterwards")
     return "3 files"
 
@@ -448,19 +508,20 @@ def check_lint(editor, options):
         return {"textmate": lint_textmate, "vim": lint_vim, "emacs": lint_emacs}[editor](folder, options)
 
 
-CHECKS = {"places": check_places, "words": check_words, "examples": check_examples, "errors": check_errors, "lint": check_lint,
-          "agree": check_agree}
+CHECKS = {"places": check_places, "words": check_words, "examples": check_examples, "errors": check_errors,
+          "places-of-errors": check_places_of_errors, "lint": check_lint, "agree": check_agree}
 
 
 def main():
     parser = argparse.ArgumentParser(description="try what editors make of the language")
     parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("--explain", required=True, help="the program orlo-explain")
     tables.add_option(parser)
     parser.add_argument("--work", required=True, help="folder for node modules")
     parser.add_argument("check", choices=CHECKS)
     parser.add_argument("editor", choices=[*READERS, "all"])
     options = parser.parse_args()
-    options.orlo = os.path.abspath(options.orlo)
+    options.orlo, options.explain = os.path.abspath(options.orlo), os.path.abspath(options.explain)
     try:
         done = CHECKS[options.check](options.editor, options)
     except Missing as missing:

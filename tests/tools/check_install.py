@@ -7,6 +7,7 @@ program that is missing (mandoc, bash, xmllint, vim, emacs) is left out.
 
 import argparse
 import glob
+import json
 import os
 import shutil
 import subprocess
@@ -15,6 +16,8 @@ import tempfile
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../..")
 FILES = ["bin/orlo", "bin/orlo-view", "share/man/man1/orlo-view.1", "share/bash-completion/completions/orlo-view",
+         "bin/orlo-explain", "share/man/man1/orlo-explain.1", "share/bash-completion/completions/orlo-explain",
+         "share/doc/orlo/explain.schema.json",
          "share/man/man1/orlo.1", "share/man/man5/orlo.5", "share/bash-completion/completions/orlo",
          "share/mime/packages/orlo.xml", "share/doc/orlo/LICENSE",
          "share/vim/vimfiles/syntax/orlo.vim", "share/vim/vimfiles/ftdetect/orlo.vim", "share/vim/vimfiles/ftplugin/orlo.vim",
@@ -24,7 +27,7 @@ FILES = ["bin/orlo", "bin/orlo-view", "share/man/man1/orlo-view.1", "share/bash-
 COMPLETIONS = [  # what is typed, what is offered
     (["orlo", "-"], ["-l", "-m", "-s", "-t", "-x"]),
     (["orlo", "-s", ""], ["folder", "piece.orlo"]),
-    (["orlo", "-l", ""], ["folder", "old.mid", "old.sco", "piece.orlo"]),
+    (["orlo", "-l", ""], ["document.csd", "folder", "old.mid", "old.sco", "piece.orlo"]),
     (["orlo", "piece.orlo", ""], ["folder", "old.sco"]),
     (["orlo", "-l", "run.log", "piece.orlo", "o"], ["old.sco"]),
     (["orlo", "-m", "piece.orlo", ""], ["folder", "old.mid"]),
@@ -39,6 +42,17 @@ COMPLETIONS = [  # what is typed, what is offered
     (["orlo-view", "-f", "txt", ""], ["folder", "old.mid", "old.sco", "piece.orlo"]),
     (["orlo-view", "n"], []),
     (["orlo-view", "old.sco", ""], []),
+    (["orlo-explain", "-"], ["--format=gcc", "--format=json", "--help", "--no-events", "--version", "-h", "-m", "-o", "-V"]),
+    (["orlo-explain", "--f"], ["--format=gcc", "--format=json"]),
+    (["orlo-explain", "--format", "="], ["gcc", "json"]),
+(["orlo-explain", "--format", "=", ""], ["gcc", "json"]),
+    (["orlo-explain", "--format", "=", "g"], ["gcc"]),
+    (["orlo-explain", "--format", "=", "gcc", ""], ["document.csd", "folder", "piece.orlo"]),
+    (["orlo-explain", "-m", ""], ["document.csd", "folder", "piece.orlo"]),
+    (["orlo-explain", "-o", "o"], ["old.mid", "old.sco"]),
+    (["orlo-explain", "o"], ["old.mid", "old.sco"]),
+    (["orlo-explain", "piece.orlo", ""], []),
+    (["orlo-explain", "piece.orlo", "-o", "p"], ["piece.orlo"]),
 ]
 
 faults = []
@@ -79,6 +93,11 @@ def check_program(prefix, version, work):
     expect(shown.stdout == f"orlo-view {version}\n", f"orlo-view: {shown.stdout}")
     shown = run([view, "-f", "txt", os.path.join(examples, "first.orlo")], cwd=work)  # with the orlo beside it
     expect(shown.returncode == 0 and "11 events" in shown.stdout, f"orlo-view first.orlo: {shown.stdout}")
+    explain = os.path.join(prefix, "bin/orlo-explain")
+    shown = run([explain, "--version"])
+    expect(shown.stdout == f"orlo-explain {version}\n", f"orlo-explain: {shown.stdout}")
+    shown = run([explain, "--no-events", "quartet.orlo"], cwd=examples)
+    expect(shown.returncode == 0 and json.loads(shown.stdout)["status"] == 0, f"orlo-explain quartet.orlo: {shown.stdout}")
     made = run([program, "quartet.orlo", os.path.join(work, "quartet.sco")], cwd=examples)
     expect(made.returncode == 0, f"quartet.orlo: status {made.returncode}\n{made.stdout}")
 
@@ -86,7 +105,7 @@ def check_program(prefix, version, work):
 def check_pages(prefix):
     if not shutil.which("mandoc"):
         return
-    for name in ("orlo.1", "orlo-view.1", "orlo.5"):
+    for name in ("orlo.1", "orlo-explain.1", "orlo-view.1", "orlo.5"):
         page = run(["mandoc", "-T", "lint", os.path.join(prefix, f"share/man/man{name[-1]}/{name}")])
         expect(page.returncode == 0, f"{name}: {page.stdout}")
 
@@ -95,7 +114,7 @@ def check_completion(prefix, work):
     if not shutil.which("bash"):
         return
     os.mkdir(os.path.join(work, "folder"))
-    for name in ("piece.orlo", "old.sco", "old.mid"):
+    for name in ("piece.orlo", "document.csd", "old.sco", "old.mid"):
         with open(os.path.join(work, name), "w", encoding="ascii"):
             pass
     script = 'source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); "_${1//-/_}"; printf "%s\\n" "${COMPREPLY[@]}"'

@@ -10,6 +10,7 @@ MAY["output"] = MAY["events"] | {"output"}
 MAY["driver"] |= {"output"}
 MAY["tables"] = MAY["driver"] | {"tables"}  # shows what all others hold
 MAY["view"] = {"base", "platform", "view"}  # knows files, not the program that writes them
+MAY["explain"] = MAY["driver"] | {"explain"}  # watches a run
 
 
 def faults(root):

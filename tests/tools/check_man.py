@@ -1,7 +1,7 @@
-"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --view PROGRAM PAGE...
+"""Are the man pages clean and complete: check_man.py --orlo PROGRAM --explain PROGRAM --view PROGRAM PAGE...
 
-"mandoc -T lint" must have nothing to say about a page, not even about its style; orlo(1) and orlo-view(1) must have every option
-that the usage text names. Ends with 77 when mandoc is missing.
+"mandoc -T lint" must have nothing to say about a page, not even about its style; a page of a program must have every option that
+its usage text names. Ends with 77 when mandoc is missing.
 """
 
 import argparse
@@ -21,31 +21,33 @@ def lint(mandoc, page):
 
 def missing_options(command, page, text):
     usage = subprocess.run(command, check=False, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60).stdout
-    options = re.findall(r"^  -(\w)", usage, re.M)
+    options = re.findall(r"^  -(\w|-[\w-]+)", usage, re.M)
     if not options:
         sys.exit("the usage text has no options")
-    return [f"{os.path.basename(page)} lacks option -{option}" for option in options if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
+    return [f"{os.path.basename(page)} lacks option -{option}" for option in options
+            if not re.search(rf"^\.It Fl {option}\b", text, re.M)]
 
 
 def main():
     parser = argparse.ArgumentParser(description="check the man pages")
     parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("--explain", required=True, help="the program orlo-explain")
     parser.add_argument("--view", required=True, help="the program orlo-view")
-    parser.add_argument("pages", nargs="+", help="orlo.1, orlo-view.1, orlo.5")
+    parser.add_argument("pages", nargs="+", help="orlo.1, orlo-explain.1, orlo-view.1, orlo.5")
     options = parser.parse_args()
     mandoc = shutil.which("mandoc")
     if not mandoc:
         print("skipped: mandoc is not installed")
         return 77
 
+    usage = {"orlo.1": [options.orlo], "orlo-explain.1": [options.explain, "-h"], "orlo-view.1": [options.view, "-h"]}
     faults = []
     for page in options.pages:
         with open(page, encoding="utf-8") as file:
             text = file.read()
         faults += lint(mandoc, page)
         if page.endswith(".1"):
-            command = [options.view, "-h"] if "view" in os.path.basename(page) else [options.orlo]
-            faults += missing_options(command, page, text)
+            faults += missing_options(usage[os.path.basename(page)], page, text)
     print("\n".join(faults or [f"{len(options.pages)} pages are clean and complete"]))
     return 1 if faults else 0
 

@@ -58,6 +58,27 @@ TEST(Plan, PartsTheRollIntoPitchesAndRows)
     EXPECT_EQ(row_y(plan, 0), note_y(plan, score, score.events[2]));
 }
 
+TEST(Plan, MakesNotesAsHighAsThereIsRoom)
+{
+    const auto plan_from_10_to = [](double highest) {
+        Score score = empty_score(1);
+        score.pitch = Pitch::key;
+        add(score, 0, 0, 1, {1, 10});
+        add(score, 0, 0, 1, {1, highest});
+        return plan_of(score);
+    };
+    const struct {
+        double highest, pitches, note;
+    } heights[] = {{10, 140, 10}, {22, 140, 9}, {23, 140, 9},  {24, 150, 9},
+                   {53, 440, 9},  {54, 440, 8}, {117, 440, 3}, {409, 440, 3}};
+    for (const auto &height : heights) {
+        const Plan plan = plan_from_10_to(height.highest);
+        EXPECT_EQ(height.pitches, plan.pitch_height) << height.highest;
+        EXPECT_EQ(height.note, plan.note_height) << height.highest;
+    }
+    EXPECT_EQ(8, plan_of(empty_score(1)).note_height) << "in a row";
+}
+
 TEST(Plan, HasRowsAloneWithoutPitches)
 {
     Score score       = small_score();
@@ -388,6 +409,25 @@ TEST(Histogram, IsAsWideAsItsFullestPart)
     EXPECT_EQ("M0 65.3h70v2.5h-70zm0-61.3h35v2.5h-35z", histogram_bars(lane, {70, 0, 0}));
 }
 
+TEST(Roll, ShortensNamesThatAreLongerThanTheirRoom)
+{
+    const auto roll_of = [](std::size_t title, std::size_t name) {
+        Score score          = empty_score(1);
+        score.title          = std::string(title, 't');
+        score.instruments[0] = std::string(name, 'n');
+        add(score, 0, 0, 1, {1000, NONE});
+        return text_roll(score, 40, 5);
+    };
+    const std::string longest = roll_of(60, 12);
+    EXPECT_TRUE(longest.starts_with(std::string(60, 't') + ": 1 event"));
+    EXPECT_TRUE(holds(longest, "\n" + std::string(12, 'n') + "|"));
+    EXPECT_TRUE(longest.ends_with("A " + std::string(12, 'n') + "\n"));
+    const std::string longer = roll_of(61, 13);
+    EXPECT_TRUE(longer.starts_with(std::string(58, 't') + "..: 1 event"));
+    EXPECT_TRUE(holds(longer, "\n" + std::string(10, 'n') + "..|"));
+    EXPECT_TRUE(longer.ends_with("A " + std::string(10, 'n') + "..\n"));
+}
+
 TEST(Svg, IsTheSameForTheSameScore) { EXPECT_EQ(svg_picture(small_score()), svg_picture(small_score())); }
 
 TEST(Svg, HasTheColoursOfThePage)
@@ -410,6 +450,23 @@ TEST(Svg, WrapsItsLegend)
     EXPECT_TRUE(holds(picture, "c7 y2")); // all colours in all styles
     EXPECT_TRUE(holds(picture, "c5 y0"));
     EXPECT_TRUE(holds(picture, " x=\"10\" y=\"79\"")) << "the second line of the legend";
+}
+
+TEST(Svg, ShortensNamesThatAreLongerThanTheirRoom)
+{
+    const auto picture_of = [](std::size_t title, std::size_t name) {
+        Score score          = empty_score(1);
+        score.title          = std::string(title, 't');
+        score.instruments[0] = std::string(name, 'n');
+        add(score, 0, 0, 1, {1, NONE});
+        return svg_picture(score);
+    };
+    EXPECT_TRUE(holds(picture_of(80, 1), ">" + std::string(80, 't') + "</text>"));
+    EXPECT_TRUE(holds(picture_of(81, 1), ">" + std::string(79, 't') + "\u2026</text>"));
+    EXPECT_TRUE(holds(picture_of(1, 24), ">" + std::string(24, 'n') + " (1)</text>"));
+    EXPECT_TRUE(holds(picture_of(1, 25), ">" + std::string(23, 'n') + "\u2026 (1)</text>"));
+    EXPECT_TRUE(holds(picture_of(1, 9), ">" + std::string(9, 'n') + "</text>"));
+    EXPECT_TRUE(holds(picture_of(1, 10), ">" + std::string(8, 'n') + "\u2026</text>"));
 }
 
 TEST(Svg, DrawsSmallerDotsWhereThereAreMany)
