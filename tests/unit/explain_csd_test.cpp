@@ -53,7 +53,7 @@ TEST(ExplainCsd, AnotherProgramsScoreIsNone)
     for (const char *tag : {"<CsScore>\n", "<CsScore bin=\"perl\">\n", "<CsScore bin=\"orlo-view\">\n", "<CsScore bin=\"\">\n",
                             "<CsScore bin=\"orlo/\">\n", "<CsScore bin=\"my-orlo\">\n", "<CsScore bin='orlo'>\n",
                             "<CsScore bin=\"/usr/bin/env orlo\">\n", "<CsScore>\n; bin=\"orlo\"\n"})
-        EXPECT_EQ("fault: its <CsScore> names another program than orlo", score_with(tag)) << tag;
+        EXPECT_EQ("fault: its <CsScore> does not name orlo as its program", score_with(tag)) << tag;
 }
 
 TEST(ExplainCsd, AMissingTagIsAFault)

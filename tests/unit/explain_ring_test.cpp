@@ -83,10 +83,29 @@ TEST(ExplainRing, ARepeatedChordGrowsBehindTheLastEvent)
     Ring ring = ring_of(1);
     ring.begin_section(4);
     ring.store_next(0);
+    ring.begin_chord();
     ring.store_beside(1);
     ring.grow(2);
     EXPECT_EQ((Origins{0, 1, 2}), origins(ring, 3, 4));
     EXPECT_EQ((Origins{0, 0, 0}), origins(ring, 3, 2));
+}
+
+TEST(ExplainRing, WhatARepeatedChordAddsLastsAsTheChordDoes)
+{
+    Ring ring = ring_of(3);
+    ring.begin_section(3);
+    for (std::uint32_t value = 0; value < 3; ++value)
+        ring.store_next(value);
+    ring.begin_section(4); // a chord of the first event, repeated: at the third it adds a member behind the last
+    ring.store_next(0);
+    ring.begin_chord();
+    ring.store_beside(1);
+    ring.store_next(2);
+    ring.store_next(3);
+    ring.grow(4);
+    EXPECT_EQ((Origins{0, 1, 2, 3, 4}), origins(ring, 5, 4));
+    EXPECT_EQ((Origins{0, 0, 1, 2, 0}), origins(ring, 5, 3));
+    EXPECT_EQ((Origins{0, 0, 1, 2, 2}), origins(ring, 5, 2));
 }
 
 TEST(ExplainRing, ChordsOfALaterSectionStandAmongThoseOfAnEarlierOne)

@@ -473,7 +473,7 @@ TEST(SourceMap, ALongTextIsCountedAsAShortOneIs)
         bytes.push_back(text.size());
         text += piece;
         at.byte += piece.size();
-        at.utf16 += piece == "\xf0\x9d\x84\x9e" || piece == "\xf0\x9d" ? 2 : 1; // two bytes of a character that is cut are two
+        at.utf16 += piece == "\xf0\x9d\x84\x9e" || piece == "\xf0\x9d" ? 2U : 1U; // two bytes of a character that is cut are two
         if (piece == "\n")
             at = {at.line + 1, 0, 0};
     }
