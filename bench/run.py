@@ -1,5 +1,5 @@
 """Measure orlo against the least that its work takes:
-run.py --orlo PROGRAM --floors PROGRAM --measure PROGRAM [--before PROGRAM] [--rounds N] [--only NAME...]
+run.py --orlo PROGRAM --explain PROGRAM --floors PROGRAM --measure PROGRAM [--before PROGRAM] [--rounds N] [--only NAME...]
 
 Makes the inputs, then runs orlo and the floor programs in turn, and prints the medians of the CPU time (user and system time of the
 process) and of the peak memory, and whether each target is met. Ends with 1 when one is not.
@@ -7,7 +7,8 @@ A target's two programs run side by side: the quicker one before and after the s
 machine changes both. Each such round gives a ratio; N of them are made, more where they are short, and their median counts. Beside
 it stand the quartiles, and the ratio of the instructions, where perf or valgrind can count them.
 What the floor programs print is compared with what orlo printed, byte for byte. With --before, an earlier orlo runs beside it where
-there is no floor to measure by.
+there is no floor to measure by. orlo-explain is measured on some of the pieces: against orlo without single events, and with them
+by the second and the byte.
 """
 
 import argparse
@@ -25,7 +26,7 @@ import instructions
 import make_inputs
 
 FULL, TENTH = "", ".tenth"
-ORLO, BEFORE = "orlo", "before"
+ORLO, BEFORE, EXPLAIN, SUMMARY = "orlo", "before", "explain", "summary"
 LEAST_SECONDS = 4  # of the rounds of a target together
 MOST_ROUNDS = 40
 LONG_TO_COUNT = .2  # seconds
@@ -42,6 +43,10 @@ WORKS = [
     Work("calls", ("-s",), (), .5, BEFORE),
     *(Work(name, ("-m",), ("trace",), .5, BEFORE) for name in ("midi-apart", "midi-held", "midi-chords")),
 ]
+EXPLAINED = {"repeated", "drawn"}
+SUMMARY_MOST = 1.5           # of the time of orlo
+EXPLAIN_SECONDS = 2.5        # a million events
+EXPLAIN_BYTES = 2**30 / 1e6  # an event
 GROWTH = [("repeated", TENTH, 1.2), ("many", "repeated", 1.1)]  # what an event costs, as against in a run of a tenth of the size
 
 Job = collections.namedtuple("Job", "work size program")  # one of orlo, the orlo before, and the floor programs
@@ -53,8 +58,9 @@ TRACE_LINE = re.compile(r"\n *(\S+)\t *(\S+)\t(ON|OFF)\tN: *(\S+)\tV: *(\S+)\t")
 class Bench:
     """The programs, the folder they work in, and what has been measured: runs of each job, ratios of two."""
 
-    def __init__(self, orlo, floors, measure, before, folder):
-        self.orlo, self.floors, self.measure, self.before, self.folder = orlo, floors, measure, before, folder
+    def __init__(self, orlo, explain, floors, measure, before, folder):
+        self.orlo, self.explain, self.floors, self.measure = orlo, explain, floors, measure
+        self.before, self.folder = before, folder
         self.runs = collections.defaultdict(list)
         self.ratios = collections.defaultdict(list)
         self.speed = {}  # seconds of each job when it ran first
@@ -82,6 +88,8 @@ class Bench:
         copy, floor_screen = self.path("floor.out"), self.path("floor.screen")
         return {
             ORLO: ([self.orlo, *job.work.options, piece, result], screen),
+            EXPLAIN: ([self.explain, piece, "-o", self.path("explain.out")], self.path("explain.screen")),
+            SUMMARY: ([self.explain, "--no-events", piece, "-o", self.path("explain.out")], self.path("explain.screen")),
             BEFORE: ([self.before, *job.work.options, piece, self.path("before.out")], self.path("before.screen")),
             "print": ([self.floors, "print", arrays, copy], floor_screen),
             "write": ([self.floors, "write", result, copy], floor_screen),
@@ -162,6 +170,9 @@ def ratios_of(works, before):
         if work.beside and (before or work.beside != BEFORE):
             below = Job(work, FULL, work.beside)
             yield Ratio(f"{work.name}: time of \"{work.beside}\"", Job(work, FULL, ORLO), below, 1, work.most)
+        if work.name in EXPLAINED:
+            above, below = Job(work, FULL, SUMMARY), Job(work, FULL, ORLO)
+            yield Ratio(f"{work.name}: orlo-explain --no-events, of orlo", above, below, 1, SUMMARY_MOST)
     for name, smaller, most in GROWTH:
         if name in by_name and (smaller == TENTH or smaller in by_name):
             work = by_name[name]
@@ -201,6 +212,10 @@ def print_targets(bench, works):
         if work.name == "repeated":
             peak = bench.bytes(Job(work, FULL, ORLO))
             met &= print_target("repeated: bytes of peak memory an event", peak / size_of(work.name), MOST_BYTES)
+        if work.name in EXPLAINED:
+            job, size = Job(work, FULL, EXPLAIN), size_of(work.name)
+            met &= print_target(f"{work.name}: orlo-explain, s for 1M events", bench.seconds(job) / size * 1e6, EXPLAIN_SECONDS)
+            met &= print_target(f"{work.name}: orlo-explain, bytes an event", bench.bytes(job) / size, EXPLAIN_BYTES)
     return met
 
 
@@ -226,11 +241,14 @@ def measure(bench, works, least):
         for work in works:
             for floor in work.floors[1:] if number < least else ():
                 bench.do(Job(work, FULL, floor))
+            if number < least and work.name in EXPLAINED:
+                bench.do(Job(work, FULL, EXPLAIN))
 
 
 def main():
     parser = argparse.ArgumentParser(description="measure orlo against the least that its work takes")
     parser.add_argument("--orlo", required=True, help="the program")
+    parser.add_argument("--explain", required=True, help="the program that explains")
     parser.add_argument("--floors", required=True, help="the floor programs")
     parser.add_argument("--measure", required=True, help="the program that runs the others")
     parser.add_argument("--before", type=os.path.abspath, help="an earlier orlo, for works without a floor")
@@ -241,7 +259,7 @@ def main():
     works = [work for work in WORKS if options.only is None or work.name in options.only]
     with tempfile.TemporaryDirectory(prefix="orlo-bench-") as folder:
         make_inputs.make_inputs(folder)
-        bench = Bench(*map(os.path.abspath, (options.orlo, options.floors, options.measure)), options.before, folder)
+        bench = Bench(*map(os.path.abspath, (options.orlo, options.explain, options.floors, options.measure)), options.before, folder)
         measure(bench, works, options.rounds)
         print_medians(bench)
         return 0 if print_targets(bench, works) else 1
