@@ -10,7 +10,8 @@
 
 namespace orlo {
 
-/// Text as a JSON string with its quotes; never holds "<", so that it can stand in a page. What is no UTF-8 becomes U+FFFD.
+/// Text as a JSON string with its quotes; never holds "<", so that it can stand in a page, nor what would command a
+/// terminal. What is no UTF-8 becomes U+FFFD.
 void put_json_text(std::string &out, std::string_view text);
 
 /// A number as JSON, so that reading gives the same 64 or 32 bits. Infinities and NaN are none: null.
