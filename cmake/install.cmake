@@ -16,7 +16,7 @@ install(FILES LICENSE docs/explain.schema.json DESTINATION ${CMAKE_INSTALL_DOCDI
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN man EXCLUDE)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
-  FILES_MATCHING PATTERN "*.orlo" PATTERN "*.inc" PATTERN "*.orc" PATTERN "*.csd" PATTERN "*.md" PATTERN "*.svg")
+  FILES_MATCHING PATTERN "*.orlo" PATTERN "*.inc" PATTERN "*.orc" PATTERN "*.csd" PATTERN "*.md" PATTERN "*.svg" PATTERN "notes.py")
 
 # what editors read, where a Debian system's editors look for it; VS Code has no such place
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles FILES_MATCHING PATTERN "*.vim")

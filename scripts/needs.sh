@@ -25,6 +25,7 @@ needs_for_more=(
     "lintian=lintian"
     "dpkg-dev=dpkg-shlibdeps"
     "libxml2-utils=xmllint"
+    "jq=jq"
     "vim=vim"
     "emacs-nox=emacs"
     "nodejs=node"

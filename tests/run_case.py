@@ -290,7 +290,7 @@ def parse_options():
     parser.add_argument("--jobs", type=int, default=len(os.sched_getaffinity(0)), help="runs at the same time")
     parser.add_argument("--stop-at-first", action="store_true", help="run no more cases after one that fails")
     parser.add_argument("cases", nargs="*", metavar="CASE", help="a case or a folder",
-                        default=[os.path.join(HERE, "cases"), os.path.join(HERE, "view")])
+                        default=[os.path.join(HERE, folder) for folder in ("cases", "view", "explain")])
     return parser.parse_args()
 
 

@@ -36,6 +36,19 @@ e
 ```values of=two p=4
 7.000 8.000
 ```
+
+```session of=two
+$ grep -c p two.orlo
+3
+$ orlo-explain -o two.json two.orlo
+$ python3 last.py
+2
+```
+
+```python of=two file=last.py
+import json
+print(json.load(open("two.json"))["blocks"][0]["events"]["count"])
+```
 """
 
 
@@ -73,7 +86,9 @@ class Pages(unittest.TestCase):
     def test_wrong(self):
         for old, new in (("7.000\n...", "7.001\n..."), ("7.000 8.000", "7.000 9.000"), ("7.000 8.000", "7.000"),
                          ("p4 7 8", "p4 7 x"), ("of=two p=4", "of=three p=4"), ("(#title)", "(#other)"),
-                         ("name=two", ""), ("```values", "```valves"), ("8.000\n```", "8.000\n")):
+                         ("name=two", ""), ("```values", "```valves"), ("8.000\n```", "8.000\n"),
+                         ("\n3\n", "\n4\n"), ("\n2\n", "\n"), ("grep -c p", "grep -c i"), ('["count"]', '["rests"]'),
+                         ("of=two file", "of=no file"), ("-o two.json two.orlo", "-o two.json three.orlo")):
             self.assertIn(old, PAGE)
             self.assertEqual(judge(PAGE.replace(old, new)).returncode, 1, (old, new))
 

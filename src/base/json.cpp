@@ -1,6 +1,7 @@
 #include "base/json.h"
 
 #include "base/utf8.h"
+#include "base/visible_text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -16,6 +17,14 @@ void put_hex(std::string &out, unsigned char byte)
 {
     out += HEX[byte >> 4U];
     out += HEX[byte & 15U];
+}
+
+// of a character that a terminal must not get as it is
+void put_code(std::string &out, char32_t code)
+{
+    out += "\\u";
+    put_hex(out, static_cast<unsigned char>(code >> 8U));
+    put_hex(out, static_cast<unsigned char>(code & 0xFFU));
 }
 
 bool is_plain(char c)
@@ -49,9 +58,10 @@ void put_json_text(std::string &out, std::string_view text)
         const auto        byte   = static_cast<unsigned char>(text[i]);
         if (length == 0) {
             out += UNKNOWN_CHARACTER;
-        } else if (byte < 0x80 && byte != 0x7F) {
-            out += "\\u00";
-            put_hex(out, byte);
+        } else if (byte < 0x80) {
+            put_code(out, byte);
+        } else if (const char32_t code = replaced_code(text.substr(i, length)); code != 0) {
+            put_code(out, code);
         } else {
             out += text.substr(i, length);
         }

@@ -1,6 +1,7 @@
 // json.h: JSON, as all programs write it. Knows nothing of what is written.
 #pragma once
 
+#include <cmath>
 #include <concepts>
 #include <cstdint>
 #include <cstdio>
@@ -9,7 +10,8 @@
 
 namespace orlo {
 
-/// Text as a JSON string with its quotes; never holds "<", so that it can stand in a page. What is no UTF-8 becomes U+FFFD.
+/// Text as a JSON string with its quotes; never holds "<", so that it can stand in a page, nor what would command a
+/// terminal. What is no UTF-8 becomes U+FFFD.
 void put_json_text(std::string &out, std::string_view text);
 
 /// A number as JSON, so that reading gives the same 64 or 32 bits. Infinities and NaN are none: null.
@@ -42,9 +44,9 @@ class JsonWriter {
     template <std::floating_point Real> void number(Real value)
     {
         separate();
-        if (value != value)
+        if (std::isnan(value))
             out += "\"nan\"";
-        else if (value - value != 0)
+        else if (std::isinf(value))
             out += value > 0 ? "\"inf\"" : "\"-inf\"";
         else
             put_json_number(out, value);

@@ -20,10 +20,10 @@ enum class Part {
     weight,    // begins a set
     curve,     // code of a curve
     exponent,  // of the curve "v"
-    range,     // code of a distribution, then its two bounds
-    bounds,    // of a walk, then the two
-    low,       // a bound
-    high,      // a bound
+    range,     // code of a distribution, then its bounds in either order
+    bounds,    // nothing: those of a walk follow
+    low,       // a bound, that stands for both until the other comes
+    high,      // the other bound
     value,     // of a list, or a held value
     list_end,  // a list is complete, by the number of its values
     window,    // of a walk
@@ -59,7 +59,8 @@ struct Observer {
 
     // calls: each puts a text on a pile, whose lowest text is the line; columns are those of the text on top
     void (*call_begins)(CallKind kind, const char *name, std::size_t name_length, std::size_t begin, std::size_t end, double value);
-    void (*argument_taken)(const char *name, std::size_t name_length, std::size_t begin, std::size_t end); // of the call on top
+    void (*argument_taken)(const char *name, std::size_t name_length, std::size_t begin, std::size_t end); // of the next call
+    void (*call_failed)(std::size_t begin, std::size_t end); // in the text on top: what is said of it comes before or after
     void (*call_replaced)(std::size_t begin, std::size_t end, std::size_t length); // by the text on top, which leaves the pile
 
     // definitions and conditions
@@ -112,9 +113,9 @@ struct Observer {
     // what comes of a block
     void (*block_done)(std::int32_t pfields); // its events follow, from the first on
     void (*event)(float start, float duration, float beat, const float *values, std::size_t count);
-    void (*score_begins)(std::uint32_t block);                                 // of the block, with the number it has in the score
+    void (*score_begins)();                                                    // events of the block
     void (*column)(std::int32_t pfield, const char *text, std::size_t length); // of an event's line, in the order of events
-    void (*block_written)(double duration, double beats, double end);
+    void (*block_written)(std::uint32_t block, double duration, double beats, double end); // with its number in the run
 
     // what is written beside events, and what is said
     void (*score_text)(const char *text, std::size_t length);

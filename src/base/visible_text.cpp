@@ -85,6 +85,12 @@ std::string visible_text(std::string_view text, std::string_view layout)
     return out;
 }
 
+char32_t replaced_code(std::string_view character)
+{
+    const char32_t code = code_of(character);
+    return is_unsafe(code) ? code : 0;
+}
+
 std::string margin_under(std::string_view text, std::size_t byte)
 {
     std::string margin;

@@ -22,6 +22,10 @@ struct VisibleCharacter {
 };
 VisibleCharacter visible_character(std::string_view text, std::size_t at, std::string_view layout = {});
 
+/// Code of a character above U+007F that visible_text replaces; 0 for one that it leaves.
+/// @param character a whole one
+char32_t replaced_code(std::string_view character);
+
 /// What to write before a mark, so that it stands under a character of the line above, which was shown by visible_text.
 /// @param text the line as it was given to visible_text
 /// @param byte where the marked character begins in it

@@ -99,30 +99,44 @@ bool zero_refused(float span) { return P_NO == 2 && span > 0.0F; }
 
 namespace {
 
+int get_bound(float &bound, Part part, Input &in, int missing)
+{
+    const std::uint32_t begin = in.pos;
+    if (!get_input_type(bound, in))
+        return missing;
+    tell_number(in, part, static_cast<double>(bound), begin);
+    return OK;
+}
+
+void tell_type(const RangeData &range, const Input &in) { tell_number(in, Part::range, static_cast<double>(range.type), in.pos); }
+
+} // namespace
+
 // range -> value | "[" [ letter ] value [ value ] "]"
-int read_range(RangeData &range, Input &in)
+int get_range(RangeData &range, Input &in)
 {
     if (peek(in) != '[') {
         range.type = static_cast<int>(Range::uniform);
-        if (!get_input_type(range.low, in))
-            return VALUES_OR_BRACKETS;
-        range.high = range.low;
-        return OK;
+        tell_type(range, in);
+        const int error = get_bound(range.low, Part::low, in, VALUES_OR_BRACKETS);
+        range.high      = range.low;
+        return error;
     }
     ++in.pos;
     if (const int error = skip_items(in))
         return error;
     range.type = get_rrange_type(in);
+    tell_type(range, in);
     if (const int error = skip_items(in))
         return error;
-    if (!get_input_type(range.low, in))
-        return VALUE_MISSING;
+    if (const int error = get_bound(range.low, Part::low, in, VALUE_MISSING))
+        return error;
     range.high = range.low;
     if (const int error = skip_items(in))
         return error;
     if (peek(in) != ']') {
-        if (!get_input_type(range.high, in))
-            return VALUE_MISSING;
+        if (const int error = get_bound(range.high, Part::high, in, VALUE_MISSING))
+            return error;
         if (const int error = skip_items(in))
             return error;
         if (peek(in) != ']')
@@ -131,19 +145,6 @@ int read_range(RangeData &range, Input &in)
     ++in.pos;
     if (range.low > range.high)
         swapf(range.low, range.high);
-    return OK;
-}
-
-} // namespace
-
-int get_range(RangeData &range, Input &in)
-{
-    const std::uint32_t begin = in.pos;
-    if (const int error = read_range(range, in))
-        return error;
-    tell_number(in, Part::range, static_cast<double>(range.type), begin);
-    tell_number(in, Part::low, static_cast<double>(range.low), begin);
-    tell_number(in, Part::high, static_cast<double>(range.high), begin);
     return OK;
 }
 

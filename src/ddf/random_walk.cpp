@@ -23,16 +23,23 @@ int take_optional(char bracket, Input &in)
     return skip_items(in);
 }
 
-int get_bound(float &bound, Input &in) { return get_input_type(bound, in) ? skip_items(in) : static_cast<int>(BAD_WALK_RANGE); }
+int get_bound(float &bound, Part part, Input &in)
+{
+    const std::uint32_t begin = in.pos;
+    if (!get_input_type(bound, in))
+        return BAD_WALK_RANGE;
+    tell_number(in, part, static_cast<double>(bound), begin);
+    return skip_items(in);
+}
 
 // bounds -> [ "[" ] value value [ "]" ]
 int get_bounds(WalkSet &set, Input &in)
 {
     if (const int error = take_optional('[', in))
         return error;
-    if (const int error = get_bound(set.low, in))
+    if (const int error = get_bound(set.low, Part::low, in))
         return error;
-    if (const int error = get_bound(set.high, in))
+    if (const int error = get_bound(set.high, Part::high, in))
         return error;
     if (set.low > set.high)
         swapf(set.low, set.high);
@@ -48,13 +55,10 @@ int get_set(RandomWalk &data, Frame &frame, Input &in)
 {
     if (const int error = get_weight(frame, in, MISSING_WEIGHT))
         return error;
-    WalkSet             set{};
-    const std::uint32_t bounds = in.pos;
+    WalkSet set{};
+    tell_number(in, Part::bounds, 0.0, in.pos);
     if (const int error = get_bounds(set, in))
         return error;
-    tell_number(in, Part::bounds, static_cast<double>(set.low), bounds);
-    tell_number(in, Part::low, static_cast<double>(set.low), bounds);
-    tell_number(in, Part::high, static_cast<double>(set.high), bounds);
     const std::uint32_t window = in.pos;
     if (!get_f(set.window, in) || set.window < 0.0F || set.window > 1.0F)
         return BAD_WINDOW;

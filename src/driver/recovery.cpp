@@ -87,7 +87,9 @@ Next check_between(Input &in, int &errors)
     if (status == END_OF_INPUT)
         return Next::nothing;
     report(status, in, errors);
-    return Next::between_blocks;
+    in.pos = 0;
+    skip_blanks(in);
+    return begins_header(in) ? Next::header : Next::between_blocks; // what was read may have gone on into a header
 }
 
 Next check_block(Input &in, int &errors)

@@ -117,7 +117,7 @@ int write_score(std::FILE *out, std::uint32_t block, bool &written)
     const int length = std::snprintf(head, sizeof head, "\n;I-block #%u (i%d):", block, I_NO);
     put_score(out, {head, static_cast<std::size_t>(length)});
     if (observer != nullptr)
-        observer->score_begins(block);
+        observer->score_begins();
     written = print_csound(note_list, out, MAX_PFIELDS);
     if (written)
         free_pfield_record();
@@ -151,7 +151,7 @@ void report_statistics(std::uint32_t block)
     Mprintf("Total i-block duration: %f (secs), %f (beats)\n", stats.duration, stats.beats);
     Mprintf("Cumulative i-block duration: %f (secs)\n", stats.end);
     if (observer != nullptr)
-        observer->block_written(stats.duration, stats.beats, stats.end);
+        observer->block_written(block, stats.duration, stats.beats, stats.end);
 }
 
 // every event of the block as its sections have left it, rests among them

@@ -34,6 +34,7 @@ constexpr Observer functions = {
     .line_read         = Guarded<told::line_read>::tell,
     .call_begins       = Guarded<told::call_begins>::tell,
     .argument_taken    = Guarded<told::argument_taken>::tell,
+    .call_failed       = Guarded<told::call_failed>::tell,
     .call_replaced     = Guarded<told::call_replaced>::tell,
     .definition_begins = Guarded<told::definition_begins>::tell,
     .macro_name        = Guarded<told::macro_name>::tell,

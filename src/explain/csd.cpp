@@ -57,11 +57,11 @@ bool is_csd(std::string_view text) { return find_tag(text, 0, DOCUMENT) < text.s
 
 std::string find_csd_score(std::string_view text, CsdScore &score)
 {
-    const std::size_t tag = find_tag(text, 0, OPENING);
+    const std::size_t tag = find_tag(text, find_tag(text, 0, DOCUMENT), OPENING);
     if (tag == text.size())
         return "it has no <CsScore>";
     if (!names_orlo(line_at(text, tag)))
-        return "its <CsScore> names another program than orlo";
+        return "its <CsScore> does not name orlo as its program";
     score.begin = next_line(text, tag);
     score.end   = find_tag(text, static_cast<std::size_t>(score.begin), CLOSING);
     if (score.end == text.size())

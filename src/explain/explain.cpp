@@ -4,6 +4,7 @@
 #include "explain/explain.h"
 
 #include "base/observer.h"
+#include "base/visible_text.h"
 #include "driver/run.h"
 #include "explain/collector.h"
 #include "explain/csd.h"
@@ -13,6 +14,8 @@
 #include "explain/say.h"
 #include "platform/folder.h"
 #include "platform/output_files.h"
+#include "platform/standard_streams.h"
+#include "platform/terminal.h"
 #include "platform/whole_file.h"
 
 #include <csignal>
@@ -26,12 +29,26 @@ constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
 constexpr int USAGE   = 2;
 
+constexpr char STANDARD_OUTPUT[] = "-";
+
 constexpr std::size_t MOST_CSD = std::size_t{1} << 26U; // bytes of a Csound document that are looked at
 
 bool complain(const std::string &text)
 {
     say("orlo-explain: " + text);
     return false;
+}
+
+bool cant_write(const std::string &name, const std::string &fault)
+{
+    return complain("can't write " + (name == STANDARD_OUTPUT ? "the standard output" : name) +
+                    (fault.empty() ? "" : ": " + fault));
+}
+
+// to be asked before the run, which opens streams that are closed on nothing
+bool can_be_written(const std::string &name)
+{
+    return name != STANDARD_OUTPUT || is_open(stdout) || cant_write(name, "it is closed");
 }
 
 // the first bytes of a file; nothing of one that can't be read, which the run will tell
@@ -64,6 +81,8 @@ bool find_piece(const Options &options, Heading &heading, CsdScore &score)
 
 bool is_input(const Piece &piece, const std::string &name)
 {
+    if (name == STANDARD_OUTPUT)
+        return false;
     for (const File &file : piece.source.files())
         if (file.found && same_file(file.name.c_str(), name.c_str()))
             return true;
@@ -74,7 +93,8 @@ bool write(Piece &piece, const Options &options, const Heading &heading, std::FI
 {
     if (options.format == Format::json)
         return write_document(piece, heading, file);
-    const std::string text = gcc_messages(piece);
+    const std::string messages = gcc_messages(piece);
+    const std::string text     = is_terminal(file) ? visible_text(messages, "\n") : messages;
     return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
 
@@ -96,8 +116,7 @@ bool write_out(Piece &piece, const Options &options, const Heading &heading)
         fault = lost;
     if (complete && fault.empty())
         return true;
-    return complain("can't write " + (options.out == "-" ? "the standard output" : options.out) +
-                    (fault.empty() ? "" : ": " + fault));
+    return cant_write(options.out, fault);
 }
 
 void run_piece(const Options &options, Heading &heading, Extent extent, Detail detail)
@@ -116,7 +135,7 @@ bool explain(const Options &options)
     heading.events = options.events;
     heading.folder = working_folder();
     CsdScore score;
-    if (!find_piece(options, heading, score))
+    if (!can_be_written(options.out) || !find_piece(options, heading, score))
         return false;
     Piece        piece;
     const Detail detail = options.events && options.format == Format::json ? Detail::events : Detail::summary;
@@ -127,7 +146,31 @@ bool explain(const Options &options)
     return write_out(piece, options, heading);
 }
 
-int print(const char *text) { return std::fputs(text, stdout) >= 0 && std::fflush(stdout) == 0 ? SUCCESS : FAILURE; }
+bool print(const char *text)
+{
+    WholeFile file;
+    if (!can_be_written(STANDARD_OUTPUT) || !open_whole(file, STANDARD_OUTPUT).empty())
+        return false;
+    std::fputs(text, file.stream);
+    const std::string fault = close_whole(file, true);
+    return fault.empty() || cant_write(STANDARD_OUTPUT, fault);
+}
+
+int do_task(int argc, const char *const *argv)
+{
+    Options options;
+    switch (read_options(argc, argv, options)) {
+    case Task::explain:
+        return explain(options) ? SUCCESS : FAILURE;
+    case Task::help:
+        return print(help_text()) ? SUCCESS : FAILURE;
+    case Task::version:
+        return print("orlo-explain " ORLO_VERSION "\n") ? SUCCESS : FAILURE;
+    case Task::refuse:
+        break;
+    }
+    return USAGE;
+}
 
 } // namespace
 
@@ -135,19 +178,8 @@ int run(int argc, const char *const *argv)
 {
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
     std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
-    Options options;
-    switch (read_options(argc, argv, options)) {
-    case Task::explain:
-        break;
-    case Task::help:
-        return print(help_text());
-    case Task::version:
-        return print("orlo-explain " ORLO_VERSION "\n");
-    case Task::refuse:
-        return USAGE;
-    }
     try {
-        return explain(options) ? SUCCESS : FAILURE;
+        return do_task(argc, argv);
     } catch (const std::bad_alloc &) {
         std::fputs("orlo-explain: not enough memory\n", stderr); // without asking for more
         return FAILURE;

@@ -45,6 +45,10 @@ struct Gathering {
     Names                    constants;
     Place                    last_place; // of what was read last
 
+    // of the line
+    Place       failed_call;      // a call in the text of another one, which could not be made
+    std::size_t said_earlier = 0; // diagnostics before the line was read
+
     // of the section
     std::pair<std::size_t, std::size_t> last_literal{0, 0}; // columns of the last one on the line, where each is not asked for
     Source                              source;

@@ -56,8 +56,8 @@ void put_set(Out &out, const Set &set)
         put_curve(out, set);
     if (!set.ranges.empty())
         put_objects(out, "ranges", set.ranges, [&out](const RandomRange &range) {
-            put_real(out, "low", range.low);
-            put_real(out, "high", range.high);
+            put_real(out, "low", std::min(range.low, range.high));
+            put_real(out, "high", std::max(range.low, range.high));
             put_text(out, "distribution", name_of_distribution(range.distribution));
         });
     if (!set.lists.empty())
@@ -285,7 +285,7 @@ void put_header(Out &out, const Block &block)
 
 void put_block(Out &out, const Block &block)
 {
-    if (block.number != 0 && block.written)
+    if (block.written)
         put(out, "number", block.number);
     put_place(out, "range", block.place);
     if (block.has_header || block.skipped)

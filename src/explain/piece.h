@@ -195,7 +195,7 @@ struct Events {
 };
 
 struct Block {
-    std::uint32_t         number = 0; // 0: not in the score
+    std::uint32_t         number = 0; // among those that were written; 0: it was not
     Place                 place;
     std::int32_t          instrument = 0;
     bool                  has_header = false;

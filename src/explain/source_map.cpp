@@ -159,6 +159,7 @@ void SourceMap::read_line(std::uint64_t offset, std::size_t length)
 {
     lines_read = true;
     texts.resize(1);
+    arguments.clear();
     texts.front().map.stretches.clear();
     texts.front().map.length = 0;
     add(texts.front().map, {0, offset, 0, NONE, false}, length);
@@ -178,14 +179,14 @@ std::int32_t SourceMap::call(CallKind kind, std::string_view name, std::int32_t 
     call.depth       = depth(call.place) + 1;
     const auto index = static_cast<std::int32_t>(all_calls.size());
     all_calls.push_back(std::move(call));
-    texts.push_back({part_of(body, 0, body.length, index), {}});
+    texts.push_back({part_of(body, 0, body.length, index), std::move(arguments)});
+    arguments.clear();
     return index;
 }
 
 void SourceMap::take_argument(std::string_view name, std::size_t begin, std::size_t end)
 {
-    const TextMap &around = texts[texts.size() - 2].map;
-    texts.back().arguments.push_back({std::string{name}, part_of(around, begin, end)});
+    arguments.push_back({std::string{name}, part_of(texts.back().map, begin, end)});
 }
 
 void SourceMap::replace(std::size_t begin, std::size_t end, std::size_t length)

@@ -108,6 +108,10 @@ class SourceMap {
     /// A part of the line; nothing at its end for an empty one.
     [[nodiscard]] Place place_of(std::size_t begin, std::size_t end) const { return place_in(line(), begin, end); }
 
+    /// The same of the text that is being expanded, and whether there is one but the line.
+    [[nodiscard]] Place place_on_top(std::size_t begin, std::size_t end) const { return place_in(texts.back().map, begin, end); }
+    [[nodiscard]] bool  in_call() const { return texts.size() > 1; }
+
     /// The smallest text that holds both: both are lifted to the innermost call or file that they share.
     [[nodiscard]] Place join(Place first, Place last) const;
 
@@ -151,7 +155,8 @@ class SourceMap {
     mutable std::size_t       last_copy = 0; // where resolve has looked last
     Place                     directive;
     std::vector<Call>         all_calls;
-    std::vector<Text>         texts      = std::vector<Text>(1); // the line, then the bodies that are being expanded
+    std::vector<Text>         texts = std::vector<Text>(1); // the line, then the bodies that are being expanded
+    std::vector<Argument>     arguments;                    // of the next call
     bool                      lines_read = false;
 };
 

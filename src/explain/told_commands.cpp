@@ -41,10 +41,11 @@ void add_number_to_set(Set &set, Part part, double value)
         set.ranges.push_back({0.0, 0.0, static_cast<int>(value)});
         break;
     case Part::bounds:
-        set.ranges.push_back({value, value, 0});
+        set.ranges.push_back({0.0, 0.0, 0});
         break;
     case Part::low:
-        set.ranges.back().low = value;
+        set.ranges.back().low  = value;
+        set.ranges.back().high = value;
         break;
     case Part::high:
         set.ranges.back().high = value;

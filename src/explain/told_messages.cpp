@@ -19,9 +19,9 @@ Place usual_place(Severity severity)
         return now.piece->source.last_include();
     if (now.in_section)
         return section().place;
-    if (severity == Severity::note) // of the run as a whole
-        return {};
-    return now.block != NONE && (now.in_block || !block().written) ? block().place : now.last_place;
+    if (now.in_block || (severity == Severity::warning && now.block != NONE && !block().written))
+        return block().place;
+    return severity == Severity::warning ? now.last_place : Place{}; // the rest is of the run as a whole
 }
 
 void add_definition(Diagnostic &diagnostic, const Names &names, bool of_constant)
@@ -85,7 +85,11 @@ void message_place(const char *line, std::size_t column)
     Diagnostic &diagnostic = now.piece->diagnostics.back();
     if (diagnostic.placed)
         return;
-    diagnostic.placed        = true;
+    diagnostic.placed = true;
+    if (now.failed_call.file != NONE) {
+        diagnostic.place = now.failed_call;
+        return;
+    }
     Place            &place  = diagnostic.place;
     const std::size_t length = std::min(now.piece->source.line().length, std::strlen(line));
     if (column >= length || (column + 1 == length && is_blank(line[column]))) {

@@ -41,9 +41,8 @@ void event(float start, float duration, float beat, const float *values, std::si
         events.origins[p].push_back(now.ring.origin(index, p + 2));
 }
 
-void score_begins(std::uint32_t number)
+void score_begins()
 {
-    block().number = number;
     now.piece->score.push_back({"", now.block});
     if (block().notes)
         block().notes->printed.resize(block().notes->values.size());
@@ -58,9 +57,10 @@ void column(std::int32_t pfield, const char *text, std::size_t length)
     column.lengths.push_back(static_cast<std::uint16_t>(length));
 }
 
-void block_written(double duration, double beats, double end)
+void block_written(std::uint32_t number, double duration, double beats, double end)
 {
     block().written   = true;
+    block().number    = number;
     block().duration  = duration;
     block().last_beat = beats;
     block().end       = end;

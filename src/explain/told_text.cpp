@@ -25,6 +25,8 @@ void line_read(std::uint64_t, std::uint64_t offset, std::size_t length)
 {
     reach_last_literal();
     now.piece->source.read_line(offset, length);
+    now.failed_call  = {};
+    now.said_earlier = now.piece->diagnostics.size();
 }
 
 // calls
@@ -55,6 +57,16 @@ void call_begins(CallKind kind, const char *name, std::size_t name_length, std::
 void argument_taken(const char *name, std::size_t length, std::size_t begin, std::size_t end)
 {
     now.piece->source.take_argument({name, length}, begin, end);
+}
+
+// The innermost call of those that fail together is the one that is wrong.
+void call_failed(std::size_t begin, std::size_t end)
+{
+    if (now.failed_call.file != NONE || !now.piece->source.in_call())
+        return;
+    now.failed_call = now.piece->source.place_on_top(begin, end);
+    if (now.piece->diagnostics.size() > now.said_earlier)
+        now.piece->diagnostics.back().place = now.failed_call;
 }
 
 void call_replaced(std::size_t begin, std::size_t end, std::size_t length) { now.piece->source.replace(begin, end, length); }

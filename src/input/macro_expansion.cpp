@@ -174,6 +174,20 @@ int expand_body(std::string &body, const std::vector<Argument> &arguments, unsig
     return OK;
 }
 
+void tell_call(CallKind kind, std::string_view name, const Call &call)
+{
+    if (observer != nullptr)
+        observer->call_begins(kind, name.data(), name.size(), call.start, call.end, 0.0);
+}
+
+// an error of a call that has been read up to a position
+int fail(int error, const Call &call, std::size_t pos)
+{
+    if (observer != nullptr)
+        observer->call_failed(call.start, pos);
+    return error;
+}
+
 // call -> "$" name [ arguments ]
 // with the position after the "$"; left after what was read
 int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Argument> &locals, unsigned depth, const Input &in)
@@ -182,26 +196,26 @@ int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Arg
     const std::string_view name = take_name(text, pos);
     const Meaning          what = find_meaning(name, locals);
     if (what.macro == nullptr && what.argument == nullptr)
-        return no_such_macro(name, in);
+        return fail(no_such_macro(name, in), call, pos);
     if (++expansions.done > MAX_EXPANSIONS || depth > MAX_NESTING)
-        return expands_without_end(name, in);
+        return fail(expands_without_end(name, in), call, pos);
     if (const int error = count_expansion(in))
         return error;
 
     call.end = pos;
     skip_args(text, call.end);
-    if (observer != nullptr)
-        observer->call_begins(what.macro != nullptr ? CallKind::macro : CallKind::argument, name.data(), name.size(), call.start,
-                              call.end, 0.0);
     call.body = what.macro != nullptr ? what.macro->body : what.argument->text;
     if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan after the call
         std::vector<Argument> arguments;
         if (const int error = take_arguments(arguments, *what.macro, text, pos))
-            return error;
+            return fail(error, call, pos);
+        tell_call(CallKind::macro, name, call);
         call.expanded = what.macro->body;
         if (const int error = expand_body(call.expanded, arguments, depth + 1, in))
             return error;
         call.body = call.expanded;
+    } else {
+        tell_call(what.macro != nullptr ? CallKind::macro : CallKind::argument, name, call);
     }
     announce(name, in);
     return OK;

@@ -13,8 +13,8 @@ struct WholeFile {
     std::string temporary; // that it has; empty where it is written in place: a device, a pipe, or the standard output
 };
 
-/// Opens a file for writing, "-" is the standard output. An earlier file of the name stays until the new one is complete. From here
-/// on what is written is removed when a signal ends the process.
+/// Opens a file for writing, "-" is the standard output. An earlier file of the name stays until the new one is complete, and for
+/// good where it may not be written. From here on what is written is removed when a signal ends the process.
 /// @return what went wrong, as the system says it; empty when nothing did
 [[nodiscard]] std::string open_whole(WholeFile &file, const std::string &name);
 

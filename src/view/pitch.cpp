@@ -15,6 +15,7 @@ namespace orlo::view {
 namespace {
 
 constexpr double      MOST        = 0.95;    // of the numbers that have to look like a pitch
+constexpr int         FIRST_FIELD = 4;       // that may hold pitches
 constexpr int         LEAST_ALONE = 4;       // what a guess for one instrument must be worth
 constexpr std::size_t MOST_CELLS  = 100'000; // instruments times p-fields that are counted by instrument
 
@@ -90,11 +91,11 @@ Guess judge(const Counts &counts)
 // counts of p1, p2 ... of the events that share a row
 using Row = std::vector<Counts>;
 
-// the best guess of a row's p-fields, p4 and up; of guesses worth the same the first
+// the best guess of a row's p-fields from FIRST_FIELD up; of guesses worth the same the first
 Guess judge_row(const Row &row, PitchField &at)
 {
     Guess best;
-    for (std::size_t i = 3; i < row.size(); ++i)
+    for (std::size_t i = FIRST_FIELD - 1; i < row.size(); ++i)
         if (const Guess guess = judge(row[i]); guess.worth > best.worth) {
             best = guess;
             at   = {static_cast<int>(i) + 1, guess.pitch};
@@ -104,7 +105,7 @@ Guess judge_row(const Row &row, PitchField &at)
 
 void count_event(const Score &score, const Event &event, Row &row)
 {
-    for (int field = 4; field <= event.fields; ++field)
+    for (int field = FIRST_FIELD; field <= event.fields; ++field)
         if (const double value = field_value(score, event, field); !std::isnan(value))
             count(row[static_cast<std::size_t>(field) - 1], value);
 }

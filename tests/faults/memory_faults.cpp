@@ -4,9 +4,6 @@
 // with all behind it. Every such run must end with status 1 and say so, in the words of error 32, in those of error 102 where a
 // constant is stored, in those of error 45 where a value of a loop is; all memory has been given back and the temporary file is
 // gone.
-// Counted are the allocations of the program and of the C++ library for it. What the C library takes for itself, a stream's
-// buffer, is its own matter.
-// Every run is a process of its own, so that it begins with a program that has not run yet.
 
 #include "diag/messages.h"
 #include "diag/report.h"
@@ -14,107 +11,19 @@
 #include "events/arena.h"
 #include "events/event_list.h"
 #include "events/pfields.h"
+#include "failing_memory.h"
 #include "input/line_reader.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <new>
 #include <string>
-#include <sys/mman.h>
 #include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
-// What the allocations of a run are told, and what they tell.
-struct Plan {
-    std::uint64_t failing; // number of the allocation that fails, from 1; 0 for none
-    bool          onward;  // all behind it fail too
-};
-
-struct Account {
-    std::uint64_t made;  // allocations asked for
-    std::int64_t  held;  // pieces of memory that were not given back
-    bool          empty; // the program's variables hold nothing
-};
-
-bool     counting = false; // a run is on its way
-Plan     plan{};
-Account *account = nullptr; // shared with the process that waits
-
-bool may_allocate()
-{
-    if (!counting)
-        return true;
-    const std::uint64_t number = ++account->made;
-    const bool          fails  = plan.failing != 0 && (plan.onward ? number >= plan.failing : number == plan.failing);
-    if (!fails)
-        ++account->held;
-    return !fails;
-}
-
-void count_release(const void *memory)
-{
-    if (counting && memory != nullptr)
-        --account->held;
-}
-
-} // namespace
-
-// what the program calls in place of the C library's functions: linker option --wrap
-extern "C" {
-void *__real_malloc(std::size_t size);
-void *__real_calloc(std::size_t count, std::size_t size);
-void  __real_free(void *memory);
-void *__wrap_malloc(std::size_t size);
-void *__wrap_calloc(std::size_t count, std::size_t size);
-void  __wrap_free(void *memory);
-
-const char *__asan_default_options();
-const char *__ubsan_default_options();
-}
-
-void *__wrap_malloc(std::size_t size) { return may_allocate() ? __real_malloc(size) : nullptr; }
-
-void *__wrap_calloc(std::size_t count, std::size_t size) { return may_allocate() ? __real_calloc(count, size) : nullptr; }
-
-void __wrap_free(void *memory)
-{
-    count_release(memory);
-    __real_free(memory);
-}
-
-void *operator new(std::size_t size)
-{
-    void *memory = may_allocate() ? __real_malloc(size) : nullptr;
-    if (memory == nullptr)
-        throw std::bad_alloc{};
-    return memory;
-}
-
-void operator delete(void *memory) noexcept
-{
-    count_release(memory);
-    __real_free(memory);
-}
-
-void operator delete(void *memory, std::size_t) noexcept { operator delete(memory); }
-
-// a report must not look like the status 1 of a failure
-const char *__asan_default_options() { return "detect_leaks=1:detect_stack_use_after_return=1:exitcode=99"; }
-const char *__ubsan_default_options() { return "print_stacktrace=1:halt_on_error=1:exitcode=99"; }
-
-namespace {
-
-constexpr char SCREEN[]    = "screen";
-constexpr int  BAD_FOLDER  = 2;
-constexpr int  MOST_FAULTS = 10; // reported of one piece
+constexpr int MOST_FAULTS = 10; // reported of one piece
 
 struct Piece {
     const char               *title;
@@ -129,38 +38,19 @@ const Piece pieces[] = {
     {"a macro that calls itself", {"orlo", "-s", "endless-macro.orlo", "score"}},
 };
 
-// one run in the child
-[[noreturn]] void run_and_exit(const Piece &piece)
+int run_piece(const void *what)
 {
-    if (std::freopen(SCREEN, "w", stderr) == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
-        std::_Exit(BAD_FOLDER);
-    orlo::ARENA_CHUNK = 0; // each event asks for memory of its own
-    counting          = true;
-    const int status  = orlo::run(static_cast<int>(piece.arguments.size()), piece.arguments.data());
-    counting          = false;
-    account->empty    = orlo::note_list == nullptr && orlo::OUTS == nullptr && orlo::fllog == nullptr && orlo::fecho == nullptr;
-    std::exit(status); // looks for leaks
+    const auto &arguments = static_cast<const Piece *>(what)->arguments;
+    orlo::ARENA_CHUNK     = 0; // each event asks for memory of its own
+    return orlo::run(static_cast<int>(arguments.size()), arguments.data());
 }
 
-// @return as of waitpid
-int run_in_child(const Piece &piece, const Plan &next)
+void look_for_what_is_left()
 {
-    *account          = {};
-    plan              = next;
-    const pid_t child = fork();
-    if (child == 0)
-        run_and_exit(piece);
-    int ended = -1;
-    if (child < 0 || waitpid(child, &ended, 0) != child)
-        std::perror("a process for a run");
-    return ended;
+    account->empty = orlo::note_list == nullptr && orlo::OUTS == nullptr && orlo::fllog == nullptr && orlo::fecho == nullptr;
 }
 
-std::string read_screen()
-{
-    std::ifstream file{SCREEN, std::ios::binary};
-    return {std::istreambuf_iterator<char>{file}, {}};
-}
+int run_in_child(const Piece &piece, const Plan &plan) { return run_in_child(plan, run_piece, &piece, look_for_what_is_left); }
 
 // What a screen says of the error that ended the run.
 struct Report {
@@ -270,35 +160,15 @@ bool try_piece(const Piece &piece, Tally &all)
     return allocations > 0 && tally.faults == 0;
 }
 
-bool enter_folder(const char *pieces_folder, std::filesystem::path &folder)
-{
-    // in memory where that can be: on a disk, files that are written over a thousand times wait for it
-    const auto  places = {std::filesystem::path{"/dev/shm"}, std::filesystem::temp_directory_path()};
-    std::string name;
-    const auto  make = [&](const auto &place) { return mkdtemp((name = place / "orlo-faults-XXXXXX").data()) != nullptr; };
-    if (std::ranges::none_of(places, make))
-        return false;
-    folder = name;
-    std::filesystem::copy(pieces_folder, folder);
-    std::filesystem::create_directory(folder / "tmp");
-    std::filesystem::current_path(folder);
-    return true;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
-    std::filesystem::path folder;
-    if (argc != 2 || !enter_folder(argv[1], folder)) {
+    const std::string folder = argc == 2 ? enter_folder(argv[1]) : "";
+    if (folder.empty()) {
         std::printf("usage: memory_faults FOLDER-OF-PIECES\n");
         return BAD_FOLDER;
     }
-    void *shared = mmap(nullptr, sizeof(Account), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (shared == MAP_FAILED)
-        return BAD_FOLDER;
-    account = new (shared) Account{};
-
     Tally all{};
     bool  right = true;
     std::setvbuf(stdout, nullptr, _IOLBF, 0);

@@ -5,6 +5,7 @@ An example is a fenced block whose first word says what it is:
   orlo name=N [status=1]    an input; it is kept as N.orlo in the example's own folder
   orlo of=N file=F          a file that the input includes
   csd name=N [status=1]     a Csound document: the text of its score tag is the input, the options there are used
+  python of=N file=F        a script beside the input
   orc file=F                the orchestra that the examples of the page are played with
   sh of=N                   what to type: the line that begins with "orlo" says how the input is run
   score of=N                what comes out, without the blanks at the ends of lines
@@ -16,6 +17,7 @@ An example is a fenced block whose first word says what it is:
   roll of=N                 what orlo-view shows of the input, 60 columns and 12 rows
   trace of=N                what option -x has written to the file N.exp
   console of=N              lines that Csound shows when it renders a document, among others, in this order
+  session of=N              commands, each behind "$ ", and what each of them prints, beside the input and examples/notes.py
   form                      how something is written, not an example
   sh                        commands that are not examples
 
@@ -35,7 +37,8 @@ import tempfile
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
 import run_case
 
-SHOWN = ("score", "values", "bytes", "screen", "stdout", "trace", "roll", "console")
+SHOWN = ("score", "values", "bytes", "screen", "stdout", "trace", "roll", "console", "session")
+NOTES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../examples/notes.py")
 TIME_LIMIT = 60  # seconds
 CSOUND_TROUBLE = re.compile(r"sread:|swrite:|twarp:|note deleted|ftable.*illegal|uses \d+ p-fields but is given|error"
                             r"|overall samples out of range:.*[1-9]", re.I)
@@ -55,6 +58,13 @@ class Block:
     def text(self):
         return "".join(line + "\n" for line in self.lines)
 
+    def commands(self):
+        return tuple(line[2:] for line in self.lines if line.startswith("$ "))
+
+    def is_empty(self):
+        """Nothing that comes out is written there so far."""
+        return not [line for line in self.lines if not line.startswith("$ ")]
+
 
 def read_blocks(page):
     """The fenced blocks of a page, and what is wrong with them."""
@@ -72,7 +82,7 @@ def read_blocks(page):
     if block:
         faults.append(f"{block.where()}: this block has no end")
     for block in blocks:
-        if block.kind not in (*SHOWN, "orlo", "csd", "orc", "sh", "form"):
+        if block.kind not in (*SHOWN, "orlo", "csd", "orc", "python", "sh", "form"):
             faults.append(f"{block.where()}: unknown kind of block '{block.kind}'")
         elif block.kind in ("orlo", "csd") and not {"name", "of"} & set(block.keys):
             faults.append(f"{block.where()}: an input without a name is not tried")
@@ -140,7 +150,7 @@ def collect(blocks):
             example = examples.get(block.keys["of"])
             if not example:
                 faults.append(f"{block.where()}: no example '{block.keys['of']}' before it")
-            elif block.kind == "orlo":
+            elif block.kind in ("orlo", "python"):
                 example.files[block.keys["file"]] = block.text()
             elif block.kind == "sh":
                 example.command = block
@@ -149,10 +159,28 @@ def collect(blocks):
     return examples, faults
 
 
+def lacks_tool(block):
+    """Whether a session wants a program that is not here."""
+    return block.kind == "session" and re.search(r"\bjq\b", block.text()) and not shutil.which("jq")
+
+
+def session(commands, folder, orlo):
+    """Commands and what they print, one after the other."""
+    environment = run_case.environment() | {
+        "PATH": os.pathsep.join([os.path.dirname(orlo), os.path.dirname(sys.executable), os.environ.get("PATH", "")])}
+    shown = []
+    for command in commands:
+        done = subprocess.run(["sh", "-c", command], cwd=folder, env=environment, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=TIME_LIMIT, check=False)
+        shown += [f"$ {command}", *trimmed(run_case.cut_banner(done.stdout).decode("latin-1"))]
+    return "\n".join(shown)
+
+
 def run(example, orlo):
     """Runs the input and keeps what comes out, by kind of block."""
     with tempfile.TemporaryDirectory(prefix="orlo-docs-") as folder:
-        for name, text in {f"{example.name}.orlo": example.source()[0], **example.files}.items():
+        document = {f"{example.name}.csd": example.block.text()} if example.block.kind == "csd" else {}
+        for name, text in {f"{example.name}.orlo": example.source()[0], **document, **example.files}.items():
             with open(os.path.join(folder, name), "w", encoding="latin-1", newline="") as file:
                 file.write(text)
         args = example.arguments()
@@ -170,6 +198,10 @@ def run(example, orlo):
                                    env=run_case.environment(), capture_output=True, timeout=TIME_LIMIT, check=False)
             return shown.stdout + shown.stderr
 
+        sessions = [block.commands() for block in example.shown if block.kind == "session"]
+        if sessions:
+            shutil.copy(NOTES, folder)
+
         output = contents(args[-1])
         example.got = {
             "status": done.returncode,
@@ -179,6 +211,7 @@ def run(example, orlo):
             "stdout": done.stdout.decode("latin-1"),
             "trace": contents(f"{example.name}.exp").decode("latin-1"),
             "roll": roll().decode("latin-1") if any(block.kind == "roll" for block in example.shown) else "",
+            "session": {commands: session(commands, folder, orlo) for commands in sessions},
         }
 
 
@@ -220,6 +253,8 @@ def output_of(block, example):
     """The lines that a block should show."""
     if block.kind == "values":
         return column(example.got["score"], int(block.keys["p"]), block.keys.get("i"))
+    if block.kind == "session":
+        return trimmed(example.got["session"][block.commands()])
     return trimmed(example.got[block.kind])
 
 
@@ -269,7 +304,7 @@ def check(example):
     if not example.shown and re.search("WARNING|ERROR", example.got["screen"]):
         faults.append(f"{example.block.where()}: nothing is shown of it, but it says:\n{example.got['screen']}")
     for block in example.shown:
-        if block.kind == "console":
+        if block.kind == "console" or lacks_tool(block):
             continue
         got = output_of(block, example)
         shown = block.text().split() if block.kind == "values" else trimmed(block.text())
@@ -299,11 +334,11 @@ def fill(page, blocks, examples):
     """Writes what is shown into the blocks of a page that are still empty."""
     with open(page, encoding="utf-8") as file:
         lines = file.read().split("\n")
-    for block in reversed([block for block in blocks if block.page == page and block.kind in SHOWN and not block.lines]):
-        if block.kind == "console":
+    for block in reversed([block for block in blocks if block.page == page and block.kind in SHOWN and block.is_empty()]):
+        if block.kind == "console" or lacks_tool(block):
             continue
         got = output_of(block, examples[block.keys["of"]])
-        lines[block.line_no:block.line_no] = [" ".join(got)] if block.kind == "values" else got
+        lines[block.line_no:block.line_no + len(block.lines)] = [" ".join(got)] if block.kind == "values" else got
     with open(page, "w", encoding="utf-8") as file:
         file.write("\n".join(lines))
 

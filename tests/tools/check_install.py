@@ -24,6 +24,7 @@ FILES = ["bin/orlo", "bin/orlo-view", "share/man/man1/orlo-view.1", "share/bash-
          "share/vim/vimfiles/compiler/orlo.vim", "share/emacs/site-lisp/orlo-mode.el",
          "share/orlo/editors/README.md", "share/orlo/editors/orlo.tmLanguage.json", "share/orlo/editors/orlo-csd.tmLanguage.json",
          "share/orlo/editors/vscode/package.json", "share/orlo/editors/vscode/syntaxes/orlo.tmLanguage.json"]
+NOTES = "share/doc/orlo/examples/notes.py"  # reads what orlo-explain writes
 COMPLETIONS = [  # what is typed, what is offered
     (["orlo", "-"], ["-l", "-m", "-s", "-t", "-x"]),
     (["orlo", "-s", ""], ["folder", "piece.orlo"]),
@@ -74,11 +75,11 @@ def check_files(prefix):
                 for path in glob.glob(os.path.join(ROOT, "examples", kind))]
     expect(documents, "the project has no manual")
     expect(len(examples) > 20, "the project has no examples")
-    for name in FILES + [f"share/doc/orlo/{name}" for name in documents] + [f"share/doc/orlo/examples/{name}" for name in examples]:
+    for name in [*FILES, NOTES] + [f"share/doc/orlo/{name}" for name in documents] + [f"share/doc/orlo/examples/{name}" for name in examples]:
         expect(os.path.isfile(os.path.join(prefix, name)), f"not installed: {name}")
     there = [os.path.relpath(os.path.join(folder, name), prefix) for folder, _, names in os.walk(prefix) for name in names]
     for name in there:
-        expect(not name.endswith((".py", ".pyc", ".a", ".h", ".case")), f"installed, and no use there: {name}")
+        expect(name == NOTES or not name.endswith((".py", ".pyc", ".a", ".h", ".case")), f"installed, and no use there: {name}")
 
 
 def check_program(prefix, version, work):

@@ -1,4 +1,4 @@
-"""What a program shows at a terminal: check_terminal.py --view PROGRAM [--orlo PROGRAM]
+"""What a program shows at a terminal: check_terminal.py --view PROGRAM [--orlo PROGRAM] [--explain PROGRAM]
 
 A file name, an input line, an instrument's name or an option that holds control characters, bidirectional controls or bytes that
 are no UTF-8 must not send one of them to a terminal, neither on the standard error nor on the standard output: each is one visible
@@ -151,12 +151,35 @@ def check_orlo(orlo, folder):
     expect("out.sco" in text or "i1 " in text, f"orlo: no score at the terminal: {text!r}")
 
 
+def check_explain(explain, folder):
+    name = b"bad\n" + BAD + b".orlo"
+    text = b"#include |" + BAD.replace(b"\r", b"") + b"|\n"
+    with open(os.path.join(os.fsencode(folder), name), "wb") as file:
+        file.write(text)
+    gcc = [explain, "--format=gcc", name]
+    plain = subprocess.run(gcc, cwd=folder, env=run_case.environment(), capture_output=True, check=False)
+    expect(plain.returncode == 0 and plain.stdout.count(b"\n") == 1 and plain.stdout.startswith(b"bad " + BAD + b".orlo:1:1: "),
+           f"messages in a pipe: {plain}")
+    shown = check_safe("messages of a piece", at_terminal(gcc, folder, ("stdout",))[0])
+    expect(shown.startswith("bad " + SAFE + ".orlo:1:1: error: ") and shown.count("\n") == 1, f"messages of a piece: {shown!r}")
+    document = [explain, name]
+    plain = subprocess.run(document, cwd=folder, env=run_case.environment(), capture_output=True, check=False)
+    shown = check_safe("document", at_terminal(document, folder, ("stdout",))[0])
+    expect(shown.encode() == plain.stdout and plain.returncode == 0, f"document: {shown!r}, in a pipe {plain}")
+    for args in ([b"--format=" + BAD], ["a", BAD], ["-o", BAD + b"/x", name], ["--format=gcc", "-o", name, name],
+                 [b"-" + BAD]):
+        shown = check_safe(args, at_terminal([explain, *args], folder, ("stderr",))[0])
+        expect("orlo-explain: " in shown and SAFE in shown, f"{args}: {shown!r}")
+
+
 def main():
     parser = argparse.ArgumentParser(description="check that nothing commands the terminal")
     parser.add_argument("--view", required=True, help="the program orlo-view")
     parser.add_argument("--orlo", help="the program orlo, whose own messages are checked, too")
+    parser.add_argument("--explain", help="the program orlo-explain")
     options = parser.parse_args()
-    for check, program in (check_view, options.view), (check_passed_on, options.view), (check_orlo, options.orlo):
+    for check, program in ((check_view, options.view), (check_passed_on, options.view), (check_orlo, options.orlo),
+                           (check_explain, options.explain)):
         if program:
             with tempfile.TemporaryDirectory(prefix="orlo-terminal-") as folder:
                 check(os.path.abspath(program), folder)

@@ -14,6 +14,7 @@ INPUT_TYPES = {"re", "in", "db", "no", "op", "rh"}
 WORDS = INPUT_TYPES | {"dv", "ex", "ho", "mo", "ms", "pf", "ra", "rd", "rs", "rw", "s2", "se"}
 NAME = re.compile(r"[A-Za-z][A-Za-z0-9_]*")
 NUMBER = re.compile(r"[-+]?(?:\d+\.?\d*|\.\d+)")
+NUMBERS = {"in": re.compile(r"-?\d.*"), "db": re.compile(r"-?\d.*"), "op": re.compile(r"-?\d+\..*")}  # ".5" is none of these, "0.5" is
 WHOLE_NUMBERS = {"rs", "sr"}  # commands that read no fraction
 MOST_DIGITS = 12
 LARGEST_CONSTANT = 16000  # with three decimals its digits fit the 24 bits of a float, so that they say the same value
@@ -55,7 +56,8 @@ class PieceText:
         self.lines, self.free_lines, self.numbers = set(), set(), []
         self.sections = []  # where the items of a section begin
         self.names = set(re.findall(NAME, text))
-        self.parametric = {}
+        self.conditions = set(re.findall(r"#if\(\s*\$(\w+)", text))  # macros whose body is read as a value, calls in it are not
+        self.parametric, self.bodies = {}, {}
         self.units = 0
         self.where, self.depth, self.bracket_depth, self.type, self.command = GLOBAL, 0, 0, None, ""
         self.read()
@@ -119,6 +121,7 @@ class PieceText:
         elif c == "#":
             self.read_directive()
         elif c in " \t\n":
+            self.brackets[self.at] = self.bracket_depth > 0
             self.mark(self.at + 1, self.where)
         else:
             {GLOBAL: self.read_global, HEADER: self.read_header, BLOCK: self.read_in_block}[self.where](c)
@@ -185,10 +188,13 @@ class PieceText:
         parameters = set(re.findall(NAME, define[2] or ""))
         self.parametric[define[1]] = bool(define[2])
         self.mark(define.end(), DIRECTIVE)
-        self.read_body(parameters)
+        begin = self.at
+        self.read_body(define[1], parameters)
+        if define[1] in self.conditions:
+            self.zone[begin:self.at] = [DIRECTIVE] * (self.at - begin)
         self.mark(self.at + 1, DIRECTIVE)
 
-    def read_body(self, parameters):
+    def read_body(self, name, parameters):
         start = self.at
         while self.text[self.at:self.at + 1] != "#":
             if self.at >= len(self.text):
@@ -209,6 +215,7 @@ class PieceText:
                 raise NotUnderstood("a macro with a comment or a brace")
             else:
                 self.mark(self.at + 1, BODY)
+        self.bodies[name] = self.text[start:self.at]
         if re.search(r"(?<![A-Za-z])p\d", self.text[start:self.at]) and "[" not in self.text[start:self.at]:
             raise NotUnderstood("a macro with a section")
 
@@ -226,6 +233,9 @@ class PieceText:
         if depth or lines.count("{") != lines.count("}") or "/*" in lines or (self.where == BLOCK and "p" in lines):
             raise NotUnderstood("a condition that is not plain")
         self.names_of_definitions(lines)
+        for value in re.findall(r"#if\(([^)\n]*)", lines):
+            if not re.match(r"\s*[\d~]", self.bodies.get(value.strip()[1:], "") if value.strip().startswith("$") else value):
+                raise NotUnderstood("a condition that goes by the one before")
 
     def names_of_definitions(self, lines):
         for define in re.finditer(r"#define[ \t]+([A-Za-z]\w*)(\(?)", lines):
@@ -236,8 +246,8 @@ class PieceText:
         if self.depth:
             self.read_argument(c)
         elif c == ">":
-            if "/*" in self.text[self.at:self.line_end()]:
-                raise NotUnderstood("a comment in a direct line")
+            if re.search(r"/\*|#", self.text[self.at:self.line_end()]):
+                raise NotUnderstood("a comment or directive in a direct line")
             self.mark(self.at + 1, DIRECTIVE)
             self.where = DIRECT
         elif c == "i":
@@ -300,7 +310,7 @@ class PieceText:
             self.mark(section.end(), BLOCK)
             self.sections.append(self.at)
         elif number and self.stands_alone(number):
-            listed = self.type in ("re", "in", "db", "op") or (self.type == "no" and self.depth)
+            listed = self.type == "re" or (self.type == "no" and self.depth) or (self.type in NUMBERS and NUMBERS[self.type].fullmatch(number[0]))
             self.offer(number, listed and not (self.depth and self.command in WHOLE_NUMBERS))
             self.step(number.end())
         elif number:

@@ -87,6 +87,8 @@ TEST(Pitch, IsInTheFirstFieldOfTheBestKind)
     EXPECT_EQ(best.pitch, Pitch::pch);
     const Score none = recognised("i1 0 1 .1\n");
     EXPECT_EQ(none.pitch_field, 0);
+    const Score durations = recognised("i1 0 8.01\ni1 1 8.02 60\n");
+    EXPECT_EQ(durations.pitch_field, 0);
 }
 
 TEST(Pitch, MayDifferByInstrument)

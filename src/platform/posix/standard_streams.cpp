@@ -6,6 +6,8 @@
 
 namespace orlo {
 
+bool is_open(std::FILE *stream) { return fcntl(fileno(stream), F_GETFD) >= 0; }
+
 void secure_standard_streams()
 {
     std::signal(SIGPIPE, SIG_IGN);

@@ -10,11 +10,14 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace orlo {
 namespace {
+
+constexpr int MOST_LINKS = 40; // that lead to a file, as the system has it
 
 char                       unfinished[PATH_MAX]; // settled before file_exists is set
 volatile std::sig_atomic_t file_exists = 0;
@@ -34,11 +37,25 @@ bool is_written_in_place(const std::string &name)
     return stat(name.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
 }
 
-std::string resolved(const std::string &name)
+// the file that a name leads to, also where that is not there yet; empty where links lead in a circle
+std::string resolved(std::string name)
 {
-    char path[PATH_MAX];
-    return realpath(name.c_str(), path) != nullptr ? path : name;
+    for (int links = 0; links < MOST_LINKS; ++links) {
+        char path[PATH_MAX];
+        if (realpath(name.c_str(), path) != nullptr)
+            return path;
+        const ssize_t length = readlink(name.c_str(), path, sizeof path);
+        if (length < 0)
+            return name;
+        const std::string target{path, static_cast<std::size_t>(length)};
+        name = target.starts_with('/') ? target : name.substr(0, name.rfind('/') + 1) + target;
+    }
+    errno = ELOOP;
+    return "";
 }
+
+// what rename would replace all the same
+bool is_protected(const std::string &name) { return faccessat(AT_FDCWD, name.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT; }
 
 // the mode that a new file of the name has: that of the earlier one, or what the user's mask leaves
 mode_t mode_of(const std::string &name)
@@ -60,10 +77,10 @@ std::string open_in_place(WholeFile &file, const std::string &name)
 // the new file as a stream
 std::string open_beside(WholeFile &file)
 {
-    file.temporary = file.name + ".XXXXXX";
-    if (file.temporary.size() >= sizeof unfinished)
+    const std::string pattern = file.name + ".XXXXXX";
+    if (pattern.size() >= sizeof unfinished)
         return std::strerror(ENAMETOOLONG); // NOLINT(concurrency-mt-unsafe)
-    std::memcpy(unfinished, file.temporary.c_str(), file.temporary.size() + 1);
+    std::memcpy(unfinished, pattern.c_str(), pattern.size() + 1);
     const int number = mkstemp(unfinished);
     if (number < 0)
         return last_error();
@@ -94,6 +111,8 @@ std::string open_whole(WholeFile &file, const std::string &name)
     if (is_written_in_place(name))
         return open_in_place(file, name);
     file.name = resolved(name);
+    if (file.name.empty() || is_protected(file.name))
+        return last_error();
     hold_ending_signals();
     std::string fault = open_beside(file);
     release_ending_signals();
