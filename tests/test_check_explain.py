@@ -1,4 +1,6 @@
-"""The checks of orlo-explain's documents find what is wrong: test_check_explain.py --orlo PROGRAM --explain PROGRAM --tables PROGRAM
+"""The checks of orlo-explain's documents find what is wrong:
+
+    test_check_explain.py --orlo PROGRAM --explain PROGRAM --tables PROGRAM
 
 Every number, text and truth in the documents of some pieces is made another, one at a time: a check must find it. What none can
 find stands in UNSEEN, with the reason.

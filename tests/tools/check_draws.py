@@ -403,7 +403,8 @@ class Replay:
             if generator:
                 made = self.generated(generator, draws, value, where, count - deviation_draws(section))
                 if generator.name == "RW" and made:
-                    self.check_walk(generator, made[1], [column[value - run.first] if column else None for column in columns], where)
+                    told = [column[value - run.first] if column else None for column in columns]
+                    self.check_walk(generator, made[1], told, where)
                 if made and sets and sets[value - run.first] != made[1]:
                     self.faults.append(f"{where}: set {sets[value - run.first]}, the draws choose {made[1]}")
                 if made and made[0] is not None and not same(made[0], read):
@@ -550,7 +551,8 @@ def check_gaps(replay, screen):
         # behind the last value of a sequence there may have been some
         skipped = next((skip for skip in range(len(said) - at + 1) if said[at + skip:at + skip + len(drawn)] == drawn), None)
         if skipped is None or skipped and sequence == 0 and drawn:
-            faults.append(f"sequence {sequence}: draws {gaps[:10]} are not listed; \"?\" has drawn {said[at:at + 10]}, they are {drawn[:10]}")
+            faults.append(f"sequence {sequence}: draws {gaps[:10]}, {drawn[:10]}, are not listed; "
+                          f"\"?\" has drawn {said[at:at + 10]}")
         else:
             at += skipped + len(drawn)
     return faults
@@ -571,7 +573,8 @@ def main():
     add_options(parser)
     options = parser.parse_args()
     done, failed = check_all(options, check)
-    print(f"{done} documents, {failed} wrong; {TOTALS['values']} values made again, {TOTALS['unknown']} of rests and behind millions of draws left out")
+    print(f"{done} documents, {failed} wrong; {TOTALS['values']} values made again; left out are {TOTALS['unknown']}: "
+          "what their events had is gone with a rest, or they stand behind millions of draws")
     return 1 if failed or not done or not TOTALS["values"] else 0
 
 

@@ -191,16 +191,19 @@ def check_spans(outcome, source):
     return [] if told == said else [f"spans: T came to {said}, told are {told}"]
 
 
-GENERATED = re.compile(rb"\n(\d+) events generated in block #(\d+) \(i(-?\d+)\)\.\nTotal i-block duration: +(\S+) \(secs\), +(\S+) \(beats\)\n"
-                       rb"Cumulative i-block duration: +(\S+) \(secs\)")
+GENERATED = re.compile(rb"\n(\d+) events generated in block #(\d+) \(i(-?\d+)\)\.\n"
+                       rb"Total i-block duration: +(\S+) \(secs\), +(\S+) \(beats\)\nCumulative i-block duration: +(\S+) \(secs\)")
 
 
 def check_generated(outcome):
     """What orlo says of each block that it has written."""
     said = [[each.decode() for each in match] for match in GENERATED.findall(outcome.screen)]
     blocks = [block for block in outcome.document.blocks if block.has("duration")]
-    told = [[str(block.events.count * (2 if outcome.piece.midi else 1)), str(block.fields.get("number", 1)), str(block.fields["instrument"]),
-             *(f"{number(block.fields[key]):.2f}".replace("nan", "-nan") for key in ("duration", "last_beat", "end"))] for block in blocks]
+    told = []
+    for block in blocks:
+        times = [f"{number(block.fields[key]):.2f}".replace("nan", "-nan") for key in ("duration", "last_beat", "end")]
+        count = block.events.count * (2 if outcome.piece.midi else 1)  # notes begin and end there
+        told.append([str(count), str(block.fields.get("number", 1)), str(block.fields["instrument"]), *times])
     return [] if told == said else [f"blocks: orlo says {said}, told are {told}"]
 
 
@@ -376,7 +379,8 @@ def check_runs(section, document, source):
     made = sum(run.count for run in section.runs if run.kind not in ("fill", "loop"))
     filled = {"fill": "last", "loop": "loop"}.get(kinds[-1]) if kinds else None
     if made != section.written or section.fields.get("filled") != filled:
-        faults.append(f"{section.where}: written {section.written}, filled by {section.fields.get('filled')}; runs say {made}, {filled}")
+        faults.append(f"{section.where}: written {section.written}, filled by {section.fields.get('filled')}; "
+                      f"runs say {made}, {filled}")
     return faults
 
 
@@ -525,7 +529,8 @@ def check_time(block, document):
     seconds = number32(block.fields["seconds"])
     late = late_events(events)
     for event in range(1, events.count):
-        if event not in late and events.origin[2][event] == events.origin[2][event - 1] and events.beat[event] != events.beat[event - 1]:
+        same_start = event not in late and events.origin[2][event] == events.origin[2][event - 1]
+        if same_start and events.beat[event] != events.beat[event - 1]:
             faults.append(f"{section.where}: event {event} is at beat {events.beat[event]}, the one before it elsewhere")
     told = {events.origin[2][event]: (events.value[2][event], events.beat[event])
             for event in range(events.count) if event not in late}
@@ -567,7 +572,8 @@ def check_durations(block):
         spans += [-span for span in spans]  # of a rest
         expected = [single(duration(code, section.deviated[value], span, tempo) * factor) for span in spans]
         if not any(same(abs(each), abs(section.result[value])) for each in expected):
-            faults.append(f"{section.where}: value {value}, {section.read[value]}, lasts {section.result[value]}, not {expected[0]}")
+            faults.append(f"{section.where}: value {value}, {section.read[value]}, lasts {section.result[value]}, "
+                          f"not {expected[0]}")
     return faults
 
 
@@ -740,7 +746,7 @@ def check_midi_notes(outcome):
     notes = sorted((key, velocity) for _, kind, key, velocity in found if kind == check_midi.ON)
     events = [block.events for block in outcome.document.blocks if block.events]
     told = [(pitch, loudness) for each in events for pitch, loudness in zip(each.value.get(5, []), each.value.get(4, []))]
-    if not all(0 <= pitch < 2 ** 31 and 0 <= loudness < 2 ** 31 for pitch, loudness in told) or len(told) < sum(each.count for each in events):
+    if not all(0 <= value < 2 ** 31 for each in told for value in each) or len(told) < sum(each.count for each in events):
         return []
     told = sorted((int(pitch) % 128, int(single(loudness * single(0.003875850703452))) % 256) for pitch, loudness in told)
     return [] if told == notes else [f"midi: the notes are {notes[:5]}..., told are {told[:5]}..."]

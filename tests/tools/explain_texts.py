@@ -127,12 +127,13 @@ class Texts:
     def call(self, index, call):
         name = text(call["name"]).decode("latin-1") if "name" in call else ""
         whole = re.escape(name)
-        pattern = {"macro": rf"\${whole}(?!\w).*|\$.*[$~].*", "argument": rf"\${whole}|\$.*[$~].*", "equation": r"~\[[^\]]*\]|~.*\$.*",
-                   "constant": rf"~{whole}|~.*\$.*", "time": r"~@|~.*\$.*"}[call["kind"]]
+        pattern = {"macro": rf"\${whole}(?!\w).*|\$.*[$~].*", "argument": rf"\${whole}|\$.*[$~].*",
+                   "equation": r"~\[[^\]]*\]|~.*\$.*", "constant": rf"~{whole}|~.*\$.*", "time": r"~@|~.*\$.*"}[call["kind"]]
         self.demand(f"{call['kind']} {name}", call["range"], pattern)
         found = self.words(call["range"])
-        if call["kind"] == "macro" and self.fields["macros"][call["of"]]["parameters"] and self.document.status == 0 and "$" not in found[1:] \
-                and not closed(found):
+        listed = call["kind"] == "macro" and self.fields["macros"][call["of"]]["parameters"]
+        if listed and self.document.status == 0 and "$" not in found[1:] \
+                and found != "$" + name and not closed(found):  # a list behind a blank stays
             self.fault(f"call {index} of {name}: {found!r} stands there")
         if call["kind"] in ("macro", "constant"):
             of = self.fields[call["kind"] + "s"][call["of"]]
@@ -166,8 +167,8 @@ class Texts:
             self.demand(f"name of macro {name}", macro["name_range"], re.escape(name))
             parameters = r"[\s,'#]+".join(re.escape(text(each).decode("latin-1")) for each in macro["parameters"])
             body = text(macro["body"]).decode("latin-1")
-            if found is not None and bare(found) == found and "\\" not in found and "#if" not in found:
-                form = rf"#\s*def\w*\s+{re.escape(name)}\s*" + (rf"\(\s*{parameters}\s*\)\s*" if parameters else "") + r"#(.*)#"
+            if found is not None and found.startswith("#define") and bare(found) == found and not re.search(r"\\|#if|~", found):
+                form = rf"#define\s+{re.escape(name)}\s*" + (rf"\(\s*{parameters}\s*\)\s*" if parameters else "") + r"#(.*)#"
                 match = re.fullmatch(form, found, re.S)
                 if not match or not self.same_body(match[1], body):
                     self.fault(f"macro {name} with {macro['parameters']} and {body!r}: {found!r} stands there")
@@ -450,7 +451,8 @@ class Texts:
     def piece(self):
         piece, told = self.source.piece, self.fields["piece"]
         kind = "csd" if piece.is_csd() else "orlo"
-        if self.fields["format"] != 1 or (text(told["name"]).decode(), told["kind"], told["midi"]) != (piece.main, kind, piece.midi) \
+        given = text(told["name"]).decode(), told["kind"], told["midi"]
+        if self.fields["format"] != 1 or given != (piece.main, kind, piece.midi) \
                 or os.path.basename(text(told["folder"])) != b"explain":
             self.fault(f"the piece is told to be {told}")
 
