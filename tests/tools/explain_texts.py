@@ -306,7 +306,7 @@ class Texts:
         found = self.plain(given["range"])
         if found is None:
             return
-        if not re.fullmatch(r"[-+.\w]|[-+.\w].*[-+.\w%s]" % (r"\]" if name in ("RA", "MO") else ""), found, re.S):
+        if not re.fullmatch(r"[-+.\w]|[-+.\w].*[-+.\w]", found, re.S):
             self.fault(f"{what}: a set is {found!r}")
         if name == "EX":
             self.equation(given, found, what)
