@@ -68,9 +68,12 @@ p7 db 60 / / 72 RA(3 1 [h 60 90])
 """
 FAILING = "i1 = 4 0 2 {\np2 1\np3 1\np4 1 2 3\n}\ni2 = 3 0 2 {\np2 1\np3 x\n}\nte(1 2)\ni3 = 3 0 1 {\np2 q\n}\n"
 
+NOTES = "i1 = 5 0 4 {\np2 1\np3 .5 1\np4 9000 10000\np5 no c4 e5\n}\n"
+
 PIECES = [
     explain_pieces.Piece("rich", "in.orlo", {"in.orlo": RICH.encode(), "more.inc": b"te(60)\n"}),
     explain_pieces.Piece("failing", "in.orlo", {"in.orlo": FAILING.encode()}),
+    explain_pieces.Piece("notes", "in.orlo", {"in.orlo": NOTES.encode()}, True),
 ]
 
 
