@@ -274,7 +274,7 @@ def check_range(document, index, source):
     place, faults = document.ranges[index], []
     if not 0 <= place.file < len(source.lines):
         return [f"range {index}: there is no file {place.file}"]
-    document.chain(place.call)
+    document.root_call(place.call)
     if (place.line, place.byte) > (place.end_line, place.end_byte) or min(place.line, place.byte) < 0:
         faults.append(f"range {index}: {place} ends before it begins")
     lines = source.lines[place.file]
@@ -381,13 +381,14 @@ def check_runs(section, document, source):
 
 
 def check_repeated(section, run, where):
-    fields, faults = run.fields, []
+    fields, faults, kinds = run.fields, [], section.inputs()
     cycle = fields.get("loop") or [fields["of"] + place for place in range(fields.get("cycle", 1))]
     for value in range(run.first, run.end):
         source = cycle[(value - run.first) % len(cycle)]
         if not 0 <= source < value:
             faults.append(f"{where}: value {value} repeats {source}")
-        elif not same(section.read[source], section.read[value]):
+        elif not same(section.read[source], section.read[value]) and not (
+                kinds[source] == "in" and same(literals.rounded(section.read[source]), section.read[value])):  # S2 rounds its last
             faults.append(f"{where}: value {value} is {section.read[value]}, but repeats {source}, {section.read[source]}")
     return faults[:3]
 
@@ -410,6 +411,11 @@ def duration(code, amount, span, tempo):
     return single(single(divided(60.0, tempo)) * amount) if code == 400 else amount
 
 
+def undeviated(value):
+    """What a deviation of 0 makes of a value: infinity times 0 is none."""
+    return value + 0.0 if math.isfinite(value) else math.nan
+
+
 def check_conversions(section):
     """From what was read to what was stored."""
     faults, kinds = [], section.inputs()
@@ -419,16 +425,16 @@ def check_conversions(section):
             where = f"{section.where}: value {value}"
             if section.pfield == 2:
                 expected = single(divided(60.0, section.tempo[value]) * read)
-                if run.deviation == 0 and not same(single(expected + 0.0), single(deviated + 0.0)):
+                if run.deviation == 0 and not same(undeviated(expected), single(deviated + 0.0)):
                     faults.append(f"{where}: {read} beats at {section.tempo[value]} are {expected} s, not {deviated}")
                 expected = deviated
             elif section.pfield == 3:
                 _, amount = amount_of(read)
-                if run.deviation == 0 and not same(single(amount + 0.0), single(deviated + 0.0)):
+                if run.deviation == 0 and not same(undeviated(amount), single(deviated + 0.0)):
                     faults.append(f"{where}: the amount of {read} is {amount}, not {deviated}")
                 continue
             else:
-                if run.deviation == 0 and not same(single(read + 0.0), single(deviated + 0.0)):
+                if run.deviation == 0 and not same(undeviated(read), single(deviated + 0.0)):
                     faults.append(f"{where}: {read} became {deviated} without a deviation")
                 expected = literals.rounded(deviated) if kinds[value] in ("no", "op") else deviated
                 expected = single(expected * run.factor)
@@ -492,8 +498,8 @@ class TempoMap:
 
 def order_of(document, place):
     """A key by which places come in the order in which they are read: through include files and calls to the piece."""
-    while place.call != -1:
-        place = document.ranges[document.calls[document.chain(place.call)[-1]]["range"]]
+    if place.call != -1:
+        place = document.ranges[document.calls[document.root_call(place.call)]["range"]]
     outer = document.fields["files"][place.file].get("included")
     before = () if outer is None else order_of(document, document.ranges[outer])
     return *before, (place.line, place.byte)
@@ -602,7 +608,7 @@ def check_printed(section, events, p):
     output, faults, known = section.fields["output"], [], {}
     columns = events.printed[p]
     for value, printed in zip(events.value[p], columns):
-        decimals = len(printed.rstrip(" ").partition(".")[2])
+        decimals = len(printed.rstrip(" ").partition(".")[2]) if math.isfinite(value) else section.fields.get("digits", 3)
         if math.isfinite(value):
             known.setdefault("decimals", decimals)
         if math.isfinite(value) and output == "re" and decimals != known["decimals"]:

@@ -197,12 +197,13 @@ class Document:
         self.status, self.diagnostics = self.fields["status"], self.fields["diagnostics"]
         self.ranges = read_ranges(self.fields["ranges"])
         self.calls = self.fields["calls"]
+        self.roots = {}  # of calls, as they become known
         self.blocks = [Block(each, index) for index, each in enumerate(self.fields["blocks"])]
 
-    def chain(self, call):
-        """The calls that a call came through, itself first."""
+    def chain(self, call, most=100):
+        """The calls that a call came through, itself first, so many at most."""
         chain = []
-        while call != -1:
+        while call != -1 and len(chain) < most:
             if not 0 <= call < len(self.calls):
                 raise Fault(f"there is no call {call}")
             if call in chain:
@@ -211,11 +212,27 @@ class Document:
             call = self.ranges[self.calls[call]["range"]].call
         return chain
 
+    def root_call(self, call):
+        """The call that stands in a file and brought in another one, through those between them; -1 for none."""
+        path = []
+        while call != -1 and call not in self.roots:
+            if not 0 <= call < len(self.calls):
+                raise Fault(f"there is no call {call}")
+            self.roots[call] = None  # not known yet
+            path.append(call)
+            call = self.ranges[self.calls[call]["range"]].call
+        found = self.roots[call] if call != -1 else path[-1] if path else -1
+        if found is None:
+            raise Fault(f"call {call} comes through itself")
+        for each in path:
+            self.roots[each] = found
+        return found
+
     def root(self, index):
         """The place in a file that belongs to no call, through which a range came into the piece."""
         place = self.ranges[index]
-        chain = self.chain(place.call)
-        return self.ranges[self.calls[chain[-1]]["range"]] if chain else place
+        call = self.root_call(place.call)
+        return place if call == -1 else self.ranges[self.calls[call]["range"]]
 
     def score(self):
         """The score, put together."""

@@ -179,7 +179,7 @@ def check_all(options, check):
             continue
         try:
             faults = check(outcome(programs, piece))
-        except (Fault, KeyError, IndexError, ValueError, TypeError, subprocess.TimeoutExpired) as fault:
+        except (Fault, KeyError, IndexError, ValueError, TypeError, ArithmeticError, subprocess.TimeoutExpired) as fault:
             faults = [f"{type(fault).__name__}: {fault}"]
         done += 1
         if faults:

@@ -149,7 +149,9 @@ class Texts:
             if outer.call == -1:
                 self.fault(f"range {index}: its argument is of no call")
                 return
-            outer = self.ranges[self.document.calls[outer.call]["range"]]
+            through = self.document.chain(outer.call)  # an argument may be handed on from call to call
+            outers = [self.ranges[self.document.calls[each]["range"]] for each in through]
+            outer = next((each for each in outers if inside(place, each)), outers[0])
         if not inside(place, outer):
             self.fault(f"range {index}: {place} is not in what its {call['kind']} stands for, {outer}")
 
