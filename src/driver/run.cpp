@@ -59,6 +59,7 @@ void reset()
     free_variable_list();
     reset_values();
     reset_report();
+    show_screen(true);
 }
 
 // Releases everything; false when a file could not be written in full.

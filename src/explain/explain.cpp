@@ -139,10 +139,10 @@ bool explain(const Options &options)
         return false;
     Piece        piece;
     const Detail detail = options.events && options.format == Format::json ? Detail::events : Detail::summary;
-    start_collecting(piece, detail);
-    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail);
     if (heading.csd)
         piece.source.skip_in_piece(score.begin, score.line);
+    start_collecting(piece, detail);
+    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail);
     return write_out(piece, options, heading);
 }
 

@@ -130,6 +130,10 @@ void SourceMap::open(std::string_view name, bool found)
     file.name     = name;
     file.found    = found;
     file.included = directive;
+    if (all_files.empty()) {
+        file.skipped    = piece_skipped;
+        file.first_line = piece_first_line;
+    }
     all_files.push_back(std::move(file));
     file_depths.push_back(open_files.empty() ? 0 : file_depths[static_cast<std::size_t>(open_files.back())] + 1);
     if (found)
@@ -151,8 +155,8 @@ void SourceMap::copy_continues(std::uint64_t to, std::uint64_t from)
 
 void SourceMap::skip_in_piece(std::uint64_t bytes, std::uint64_t lines)
 {
-    all_files.front().skipped    = bytes;
-    all_files.front().first_line = lines;
+    piece_skipped    = bytes;
+    piece_first_line = lines;
 }
 
 void SourceMap::read_line(std::uint64_t offset, std::size_t length)
@@ -273,6 +277,15 @@ Place SourceMap::join(Place first, Place last) const
     if (first.file == NONE || last.file == NONE)
         return first.file == NONE ? last : first;
     return {first.file, std::min(first.begin, last.begin), std::max(first.end, last.end), first.call};
+}
+
+bool SourceMap::is_line_end(const Place &place) const
+{
+    if (place.file == NONE || place.end != place.begin + 1)
+        return false;
+    const File         &file = all_files[static_cast<std::size_t>(place.file)];
+    const std::uint64_t at   = place.begin - file.skipped;
+    return at < file.text.size() && file.text[static_cast<std::size_t>(at)] == '\n';
 }
 
 void SourceMap::index_files()

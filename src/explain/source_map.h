@@ -90,7 +90,7 @@ class SourceMap {
     void include_met(std::uint64_t begin, std::uint64_t end);
     void add_text(std::string_view bytes);
     void copy_continues(std::uint64_t to, std::uint64_t from);
-    void skip_in_piece(std::uint64_t bytes, std::uint64_t lines); // before the piece begins in its file
+    void skip_in_piece(std::uint64_t bytes, std::uint64_t lines); // what stands before the piece in its file; to be called first
 
     // lines and calls
     void         read_line(std::uint64_t offset, std::size_t length);
@@ -114,6 +114,9 @@ class SourceMap {
 
     /// The smallest text that holds both: both are lifted to the innermost call or file that they share.
     [[nodiscard]] Place join(Place first, Place last) const;
+
+    /// Whether a place is the end of a line of its file, and nothing else.
+    [[nodiscard]] bool is_line_end(const Place &place) const;
 
     /// The directive that was met last.
     [[nodiscard]] Place last_include() const { return directive; }
@@ -155,8 +158,10 @@ class SourceMap {
     mutable std::size_t       last_copy = 0; // where resolve has looked last
     Place                     directive;
     std::vector<Call>         all_calls;
-    std::vector<Text>         texts = std::vector<Text>(1); // the line, then the bodies that are being expanded
-    std::vector<Argument>     arguments;                    // of the next call
+    std::vector<Text>         texts            = std::vector<Text>(1); // the line, then the bodies that are being expanded
+    std::uint64_t             piece_skipped    = 0;
+    std::uint64_t             piece_first_line = 0;
+    std::vector<Argument>     arguments; // of the next call
     bool                      lines_read = false;
 };
 

@@ -96,15 +96,12 @@ void message_place(const char *line, std::size_t column)
         place = end_of_line(line);
         return;
     }
-    if (line[column] == '\n') { // of a macro's body
-        place     = now.piece->source.place_of(column, column + 1);
-        place.end = place.begin;
-        return;
-    }
     std::size_t end = column + 1;
     while (end < length && belongs_to_word(line[end - 1]) && belongs_to_word(line[end]))
         ++end;
     place = now.piece->source.place_of(column, end);
+    if (now.piece->source.is_line_end(place)) // of a macro's body
+        place.end = place.begin;
 }
 
 void recovery_begins()

@@ -4,6 +4,7 @@
 #include "base/observer.h"
 #include "driver/run.h"
 #include "explain/collector.h"
+#include "platform/screen.h"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +48,7 @@ inline int explain(const std::string &name, explain::Piece &piece, explain::Deta
     observer         = &explain::collecting_observer(detail);
     const int status = explain_run(name.c_str(), false, {0, WHOLE_FILE});
     observer         = nullptr;
+    show_screen(true); // tests may share a process
     explain::end_collecting();
     return status;
 }
