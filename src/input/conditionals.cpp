@@ -63,7 +63,7 @@ int do_if(Input &in)
     if (get_if(in, value) == OUT_OF_MEMORY)
         return OUT_OF_MEMORY;
     if (observer != nullptr)
-        observer->condition(begin, in.pos, value != 0.0F);
+        observer->condition(begin, end_of_item(in, begin), value != 0.0F);
     start_level = IF_MATCH;
     ++IF_MATCH;
     if (value != 0.0F)
