@@ -48,7 +48,8 @@ std::string resolved(std::string name)
         if (length < 0)
             return name;
         const std::string target{path, static_cast<std::size_t>(length)};
-        name = target.starts_with('/') ? target : name.substr(0, name.rfind('/') + 1) + target;
+        name.resize(target.starts_with('/') ? 0 : name.rfind('/') + 1); // to the folder, which may be none
+        name += target;
     }
     errno = ELOOP;
     return "";
