@@ -145,7 +145,12 @@ void condition_ends(std::size_t begin, std::size_t end)
     now.open_conditionals.pop_back();
 }
 
-void equation_drew() { now.drawn = draws_made(); }
+// the draws of a run follow each other
+void equation_drew()
+{
+    now.drawn      = draws_made();
+    now.new_source = true;
+}
 
 } // namespace told
 
