@@ -14,6 +14,8 @@ struct CsdScore {
     std::uint64_t line  = 0; // of the first byte, from 0
 };
 
+inline constexpr std::size_t MOST_CSD = std::size_t{1} << 26U; // bytes of a document
+
 /// Whether a text is a Csound document: a line of it begins with "<CsoundSynthesizer>".
 [[nodiscard]] bool is_csd(std::string_view text);
 

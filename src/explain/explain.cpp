@@ -18,6 +18,7 @@
 #include "platform/terminal.h"
 #include "platform/whole_file.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <new>
@@ -30,8 +31,6 @@ constexpr int FAILURE = 1;
 constexpr int USAGE   = 2;
 
 constexpr char STANDARD_OUTPUT[] = "-";
-
-constexpr std::size_t MOST_CSD = std::size_t{1} << 26U; // bytes of a Csound document that are looked at
 
 bool complain(const std::string &text)
 {
@@ -51,7 +50,7 @@ bool can_be_written(const std::string &name)
     return name != STANDARD_OUTPUT || is_open(stdout) || cant_write(name, "it is closed");
 }
 
-// the first bytes of a file; nothing of one that can't be read, which the run will tell
+// the first bytes of a file, one more than there may be; nothing of one that can't be read, which the run will tell
 std::string beginning_of(const std::string &name, std::size_t most)
 {
     std::string bytes;
@@ -59,9 +58,10 @@ std::string beginning_of(const std::string &name, std::size_t most)
     if (file == nullptr)
         return bytes;
     char block[65536];
-    for (std::size_t got = std::fread(block, 1, sizeof block, file); got > 0 && bytes.size() < most;
-         got             = std::fread(block, 1, sizeof block, file))
+    for (std::size_t got = 1; got > 0 && bytes.size() <= most;) { // ends with the file, or with too many bytes
+        got = std::fread(block, 1, std::min(sizeof block, most + 1 - bytes.size()), file);
         bytes.append(block, got);
+    }
     std::fclose(file);
     return bytes;
 }
@@ -71,11 +71,14 @@ bool find_piece(const Options &options, Heading &heading, CsdScore &score)
 {
     if (!options.piece.ends_with(".csd"))
         return true;
+    if (is_special(options.piece))
+        return complain(options.piece + ": a Csound document is read twice, and has to be a file");
     const std::string text = beginning_of(options.piece, MOST_CSD);
     if (!is_csd(text))
         return true;
-    heading.csd             = true;
-    const std::string fault = find_csd_score(text, score);
+    heading.csd = true;
+    std::string fault =
+        text.size() > MOST_CSD ? "it has more than " + std::to_string(MOST_CSD) + " bytes" : find_csd_score(text, score);
     return fault.empty() || complain(options.piece + ": " + fault);
 }
 

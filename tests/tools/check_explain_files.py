@@ -14,49 +14,30 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 
-sys.path[:0] = [os.path.dirname(os.path.abspath(__file__)), os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")]
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [HERE, os.path.join(HERE, "..")]
 import check_run_files
 from run_case import environment, sanitizer_report
+from tried_runs import Failure, PIECE, TIME_LIMIT, must, read, wait_for, write
 
-TIME_LIMIT = 60  # seconds that a run may take
 SIGNALS = signal.SIGINT, signal.SIGTERM, signal.SIGHUP
 
-PIECE = b"i1 = 3 0 1 {\np2 1\np3 1\n}\n"
 WRONG = b"i1 = 3 0 1 {\np2 1\np3 y\n}\n"
 WRONG_TOLD = b"in.orlo:3:4: error: Data is out of bounds.\n"
 MANY_EVENTS = b"i1 = 4 0 -20000 {\np2 1\np3 1\np4 RA(T 1 [0 1])\n}\n"  # a long document
 MANY_ERRORS = b"#define wrong #y#\n" + 100 * b"i1 = 3 0 1 {\np2 1\np3 $wrong\n}\n"  # as many messages as there can be
 ENDLESS = b"i1 = 4 0 3000 {\np2 .01\np3 1\np4 RA(T 1 [0 1])\n}\n" * 200
 YESTERDAY = b"of yesterday\n"
+MOST_CSD = 1 << 26  # bytes of a Csound document
 
 explain, sanitized = None, False
 checks = {}  # name: function
 
 
-class Failure(Exception):
-    """What a check finds wrong."""
-
-
 def check(function):
     checks[function.__name__.replace("_", "-")] = function
     return function
-
-
-def must(condition, text):
-    if not condition:
-        raise Failure(text)
-
-
-def write(name, data):
-    with open(name, "wb") as file:
-        file.write(data)
-
-
-def read(name):
-    with open(name, "rb") as file:
-        return file.read()
 
 
 def start(*args, prepare=None, **more):
@@ -104,13 +85,6 @@ def cant_write(name, reason):
 
 def limit(what, most):
     return lambda: resource.setrlimit(what, (most, most))
-
-
-def wait_for(what, happened):
-    last = time.monotonic() + TIME_LIMIT
-    while not happened():
-        must(time.monotonic() < last, f"waited in vain for {what}")
-        time.sleep(0.005)
 
 
 # what is written
@@ -219,6 +193,21 @@ def input_is_a_pipe():
         write("wrong", WRONG)
         expect(run("--format=gcc", "in.orlo"), 0, b"", WRONG_TOLD)
         writer.wait(TIME_LIMIT)
+
+
+@check
+def csd_is_a_pipe():
+    os.mkfifo("in.csd")  # nobody writes to it
+    expect(run("in.csd"), 1, b"orlo-explain: in.csd: a Csound document is read twice, and has to be a file\n")
+
+
+@check
+def csd_is_as_large_as_it_may_be():
+    document = b'<CsoundSynthesizer>\n<CsScore bin="orlo">\n' + WRONG + b"</CsScore>\n"
+    write("in.csd", document + (MOST_CSD - len(document)) * b" ")
+    expect(run("--format=gcc", "in.csd"), 0, b"", b"in.csd:5:4: error: Data is out of bounds.\n")
+    write("in.csd", document + (MOST_CSD + 1 - len(document)) * b" ")
+    expect(run("--format=gcc", "in.csd"), 1, f"orlo-explain: in.csd: it has more than {MOST_CSD} bytes\n".encode())
 
 
 @check

@@ -13,17 +13,15 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [HERE, os.path.join(HERE, "..")]
 from run_case import environment, sanitizer_report
+from tried_runs import Failure, PIECE, SCORE, TIME_LIMIT, read, wait_for, write
 
-TIME_LIMIT = 60  # seconds that a run may take
 NOBODY = 65534  # a user without rights
 SIGNALS = signal.SIGINT, signal.SIGTERM, signal.SIGHUP
 
-PIECE = b"i1 = 3 0 1 {\np2 1\np3 1\n}\n"
-SCORE = b"\n;I-block #1 (i1):\ni1    0.000  1.000 \n\ne\n"
 MANY_EVENTS = b"i1 = 3 0 -5000 {\np2 1\np3 1\n}\n"  # a long score
 MANY_NOTICES = b"#define m(a) #$a#\n" + 5000 * b"$m( )\n" + PIECE  # a long log
 MANY_LINES = 5000 * b"; a line that the trace repeats as it is\n" + PIECE  # a long trace
@@ -35,10 +33,6 @@ orlo, megabytes = None, None
 checks = {}  # name: function
 
 
-class Failure(Exception):
-    """What a check finds wrong."""
-
-
 class Skip(Exception):
     """Why a check can't be made here."""
 
@@ -46,16 +40,6 @@ class Skip(Exception):
 def check(function):
     checks[function.__name__.replace("_", "-")] = function
     return function
-
-
-def write(name, data):
-    with open(name, "wb") as file:
-        file.write(data)
-
-
-def read(name):
-    with open(name, "rb") as file:
-        return file.read()
 
 
 def start(*args, through=(), prepare=None, env=None, **more):
@@ -98,14 +82,6 @@ def expect(result, status, *messages):
 
 def run(*args, **more):
     return end(start(*args, **more))
-
-
-def wait_for(what, happened):
-    limit = time.monotonic() + TIME_LIMIT
-    while not happened():
-        if time.monotonic() > limit:
-            raise Failure(f"waited in vain for {what}")
-        time.sleep(0.01)
 
 
 def seconds_worked(process):

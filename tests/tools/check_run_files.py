@@ -13,31 +13,15 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."))
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path[:0] = [HERE, os.path.join(HERE, "..")]
 from run_case import environment, sanitizer_report
+from tried_runs import Failure, PIECE, SCORE, TIME_LIMIT, must, read, wait_for, write
 
-PIECE = b"i1 = 3 0 1 {\np2 1\np3 1\n}\n"
-SCORE = b"\n;I-block #1 (i1):\ni1    0.000  1.000 \n\ne\n"
 CLASH = b"\nERROR: You can't use a filename multiple times!\n\n"
-TIME_LIMIT = 60  # seconds that a run may take
 
 orlo = None
-
-
-class Failure(Exception):
-    """What a check finds wrong."""
-
-
-def write(name, data):
-    with open(name, "wb") as file:
-        file.write(data)
-
-
-def read(name):
-    with open(name, "rb") as file:
-        return file.read()
 
 
 def run(*args, prepare=None, env=None):
@@ -53,11 +37,6 @@ def snapshot():
     """Contents of the regular files below the working folder, by name."""
     return {os.path.join(folder, name): read(os.path.join(folder, name)) for folder, _, names in os.walk(".")
             for name in names if os.path.isfile(os.path.join(folder, name))}
-
-
-def must(condition, text):
-    if not condition:
-        raise Failure(text)
 
 
 # the first table
@@ -222,10 +201,7 @@ def signal_leaves_yesterday(number):
     with open("piece", "wb") as writer:
         writer.write(PIECE)
         writer.flush()
-        limit_of_time = time.monotonic() + TIME_LIMIT
-        while not os.listdir("tmp"):
-            must(time.monotonic() < limit_of_time, "no temporary file appears")
-            time.sleep(0.005)
+        wait_for("a temporary file", lambda: os.listdir("tmp"))
         process.send_signal(number)
         must(process.wait(TIME_LIMIT) == -number, f"ended with {process.returncode}")
     must(snapshot() == yesterday, "files of yesterday have changed")
@@ -291,10 +267,7 @@ def temporary_file_is_the_users_alone():
     process = subprocess.Popen([orlo, "piece", "score"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                stderr=subprocess.DEVNULL, env=environment() | {"TMPDIR": "tmp"}, preexec_fn=lambda: os.umask(0))
     with open("piece", "wb") as writer:
-        limit_of_time = time.monotonic() + TIME_LIMIT
-        while not os.listdir("tmp"):
-            must(time.monotonic() < limit_of_time, "no temporary file appears")
-            time.sleep(0.005)
+        wait_for("a temporary file", lambda: os.listdir("tmp"))
         mode = os.stat(os.path.join("tmp", os.listdir("tmp")[0])).st_mode & 0o7777
         writer.write(PIECE)
     must(process.wait(TIME_LIMIT) == 0 and mode == 0o600, f"status {process.returncode}, mode {mode:o}")

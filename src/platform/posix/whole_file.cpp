@@ -31,12 +31,6 @@ void remove_in_signal()
         static_cast<void>(unlink(unfinished));
 }
 
-bool is_written_in_place(const std::string &name)
-{
-    struct stat about {};
-    return stat(name.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
-}
-
 // the file that a name leads to, also where that is not there yet; empty where links lead in a circle
 std::string resolved(std::string name)
 {
@@ -101,6 +95,12 @@ void forget()
 
 } // namespace
 
+bool is_special(const std::string &name)
+{
+    struct stat about {};
+    return stat(name.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
+}
+
 std::string open_whole(WholeFile &file, const std::string &name)
 {
     file.temporary.clear();
@@ -109,7 +109,7 @@ std::string open_whole(WholeFile &file, const std::string &name)
         file.stream = stdout;
         return "";
     }
-    if (is_written_in_place(name))
+    if (is_special(name))
         return open_in_place(file, name);
     file.name = resolved(name);
     if (file.name.empty() || is_protected(file.name))
