@@ -34,7 +34,9 @@ bool begins_header(const Input &in)
     if (*c != 'i')
         return false;
     ++c;
-    skip_while([](char letter) { return is_blank(letter) || letter == '-'; });
+    skip_while(is_blank);
+    if (*c == '-')
+        ++c;
     if (!is_digit(*c))
         return false;
     skip_while(is_digit);
