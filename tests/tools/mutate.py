@@ -1,6 +1,6 @@
 """Change one place of the program at a time and see whether the tests notice:
 
-    mutate.py [--count N] [--seed N] [--jobs N] [--results FILE] [--again FILE] [--sanitize]
+    mutate.py [--count N] [--seed N] [--jobs N] [--under FOLDER] [--results FILE] [--again FILE] [--sanitize]
 
 A change replaces one operator (arithmetic, comparison, logical, shift), constant (number, character, truth value, name of an error)
 or condition (negated, always true, never true), or leaves out a "break" or "continue". Comments, texts, the tables of message
@@ -50,7 +50,7 @@ SLOW_TEST = 0.5  # a unit test that takes longer comes last
 MEMORY_LIMIT = 4 << 30
 FILE_LIMIT = 2 << 30  # the checks of orlo-view's files want one of 1 GB
 MORE_TESTS = "^(ddf[.]distributions|seed[.].*|midi[.][^.]*|midi[.].*[.]mido|docs[.]examples|faults[.].*" \
-             "|view[.](files|terminal|pictures)|signals[.]some)$"
+             "|view[.](files|terminal|pictures)|signals[.]some|explain[.](score|draws)[.]pages|explain[.]origins)$"
 
 # where the cases of a source file are, the likeliest first; the order changes only how soon a change is noticed
 AREAS = {
@@ -61,7 +61,7 @@ AREAS = {
     "input/equations": "constants", "input/": "reader", "lang/data_list": "data", "lang/global_block": "global",
     "lang/tempo_command": "tempo", "lang/settings": "global iblock", "lang/": "iblock reader data",
     "events/tempo_map": "tempo", "events/timing": "timing", "events/": "events timing", "output/midi": "midi",
-    "output/": "score midi", "view/": "view",
+    "output/": "score midi", "view/": "view", "explain/": "explain",
 }
 
 NOT_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|^[ \t]*#(?:[^\n\\]|\\.)*|\bstatic_assert\s*\([^;]*;', re.S | re.M)
@@ -162,13 +162,13 @@ def places_of(path, text, errors):
     return [Place(path, *place) for place in places]
 
 
-def draw_places(tree, seed):
-    """Every place of the source in a random order, each with one change."""
+def draw_places(tree, seed, under):
+    """Every place of the source below a folder in a random order, each with one change."""
     root = tree.folder
     errors = [row["name"] for row in tables.read(os.path.join(tree.build, "orlo-tables"))["error_names"]]
     places = []
     for path in sorted(glob.glob("src/**/*.*", root_dir=root, recursive=True)):
-        if path.endswith((".cpp", ".h")) and not path.startswith("src/tables/"):  # which no part of orlo is
+        if path.endswith((".cpp", ".h")) and path.startswith(under) and not path.startswith("src/tables/"):  # which no part of orlo is
             with open(os.path.join(root, path), encoding="utf-8") as file:
                 places += places_of(path, file.read(), errors)
     chance = random.Random(seed)
@@ -230,7 +230,8 @@ class Tree:
 
     def make(self, *targets):
         command = ["cmake", "--build", self.build, "--target",
-                   *(targets or ("orlo", "orlo-view", "orlo_unit", "fault_orlo", "memory_faults"))]
+                   *(targets or ("orlo", "orlo-view", "orlo-explain", "orlo_unit", "fault_orlo", "fault_explain", "memory_faults",
+                                "explain_memory_faults"))]
         return run(command, BUILD_LIMIT, self.folder, limited=False, env=self.environment)[0] == 0
 
     def machine_code(self):
@@ -270,7 +271,7 @@ class Suite:
             print(f"left out, fails without a change: {', '.join(failing)}", flush=True)
         self.quick = "--gtest_filter=-" + ":".join(slow + failing)
         self.slow = "--gtest_filter=" + ":".join(slow) if slow else None
-        self.all_cases = sorted(case for pattern in ("tests/cases/*/*.case", "tests/view/*.case")
+        self.all_cases = sorted(case for pattern in ("tests/cases/*/*.case", "tests/view/*.case", "tests/explain/*.case")
                                 for case in glob.glob(pattern, root_dir=tree.folder))
         self.noticed_by = {}  # source file: cases that have noticed a change in it
         while True:
@@ -389,6 +390,7 @@ def main():
     parser.add_argument("--count", type=int, default=300, help="changes that compile and change the machine code")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=2, help="changes tried at a time")
+    parser.add_argument("--under", default="src/", metavar="FOLDER", help="change this part of the source alone")
     parser.add_argument("--results", help="file for all results")
     parser.add_argument("--again", metavar="FILE", help="try the unnoticed changes of an earlier run's results")
     parser.add_argument("--sanitize", action="store_true", help="build with sanitizers")
@@ -404,7 +406,7 @@ def main():
         first = trees.get()
         suite = Suite(first)
         trees.put(first)
-        changes = find_again(options.again, first.folder) if options.again else draw_places(first, options.seed)
+        changes = find_again(options.again, first.folder) if options.again else draw_places(first, options.seed, options.under)
         print(f"{len(changes)} places", flush=True)
         counted, skipped, records = 0, 0, []
         wanted = len(changes) if options.again else options.count
