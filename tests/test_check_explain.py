@@ -19,7 +19,7 @@ import check_draws
 import check_explain
 import explain_pieces
 import tables
-from explain_document import Document, Fault
+from explain_document import Document, Fault, at, leaves
 
 OPTIONS = None
 
@@ -79,25 +79,11 @@ PIECES = [
 ]
 
 
-def leaves(part, path=()):
-    """Paths of all numbers, texts and truths of a document."""
-    if isinstance(part, dict):
-        for key, value in part.items():
-            yield from leaves(value, (*path, key))
-    elif isinstance(part, list):
-        for place, value in enumerate(part):
-            yield from leaves(value, (*path, place))
-    else:
-        yield path
-
-
 def owners_of_ranges(fields):
     """The paths of the indexes that lead to each range."""
     owners = {}
     for place in leaves(fields):
-        part = fields
-        for key in place:
-            part = part[key]
+        part = at(fields, place)
         if place[-1] in ("range", "name_range", "span_range", "included", "undefined") or place[-2:-1] == ("uses",):
             owners.setdefault(part, ".".join(map(str, place)))
         elif place[-1] == "ranges":
@@ -129,9 +115,7 @@ def changed(value):
 def with_change(fields, path):
     """A copy of a document with one leaf made another."""
     copy = json.loads(json.dumps(fields))
-    part = copy
-    for key in path[:-1]:
-        part = part[key]
+    part = at(copy, path[:-1])
     if part[path[-1]] is True:  # what is not so is left out
         del part[path[-1]]
     else:

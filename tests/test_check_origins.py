@@ -15,7 +15,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [os.path.join(HERE, "tools")]
 import check_origins
-from explain_document import Document, Fault, integers
+from explain_document import Document, Fault, at, integers, leaves
 from origins import Comparison, Places
 
 OPTIONS = None
@@ -30,24 +30,6 @@ UNSEEN = {
 # moves that must be among those of the documents
 MOVES = {"move_to_macro", "move_to_macro_with_parameters", "move_to_constant", "move_to_file", "move_within_line_to_file",
          "move_into_condition", "call_again"}
-
-
-def leaves(part, path=()):
-    """Paths of all numbers, texts and truths of a document."""
-    if isinstance(part, dict):
-        for key, value in part.items():
-            yield from leaves(value, (*path, key))
-    elif isinstance(part, list):
-        for place, value in enumerate(part):
-            yield from leaves(value, (*path, place))
-    else:
-        yield path
-
-
-def at(part, path):
-    for step in path:
-        part = part[step]
-    return part
 
 
 def another(value):

@@ -42,6 +42,14 @@ template <class Number> void put(std::string &out, Number value)
     out.append(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
+template <class Real> void put_real(std::string &out, Real value)
+{
+    if (std::isfinite(value))
+        put(out, value);
+    else
+        out += "null";
+}
+
 } // namespace
 
 void put_json_text(std::string &out, std::string_view text)
@@ -70,21 +78,9 @@ void put_json_text(std::string &out, std::string_view text)
     out += '"';
 }
 
-void put_json_number(std::string &out, double value)
-{
-    if (std::isfinite(value))
-        put(out, value);
-    else
-        out += "null";
-}
+void put_json_number(std::string &out, double value) { put_real(out, value); }
 
-void put_json_number(std::string &out, float value)
-{
-    if (std::isfinite(value))
-        put(out, value);
-    else
-        out += "null";
-}
+void put_json_number(std::string &out, float value) { put_real(out, value); }
 
 void put_json_whole(std::string &out, std::int64_t value) { put(out, value); }
 

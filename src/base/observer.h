@@ -35,9 +35,9 @@ enum class Part {
     rounding,  // of an equation, 1 for whole numbers
 };
 
-/// Where a value of a section goes.
+/// Where a value of a section from p4 up goes.
 enum class Goes {
-    next,   // to the event after the cursor, which becomes the cursor; for p2 to a new event after the last one
+    next,   // to the event after the cursor, which becomes the cursor
     beside, // to a copy of the cursor's event after it, a chord member, which becomes the cursor
 };
 
@@ -101,14 +101,13 @@ struct Observer {
     void (*fill)(bool by_loop);                          // the next values fill the block
 
     // values
-    void (*set_chosen)(std::size_t set);                   // of the generator, for the next value
-    void (*refused)(std::uint64_t draws);                  // so many draws that were made last came to nothing: others follow
-    void (*walked)(float position, float low, float high); // place of the value in its range, and the window of the next one
-    void (*started)(Goes goes, float beats, float deviated, float tempo); // p2: interval as read, in seconds
-    void (*lasted)(float value, float deviated, float duration);          // p3: as read, its amount, in seconds
+    void (*set_chosen)(std::size_t set);                         // of the generator, for the next value
+    void (*refused)(std::uint64_t draws);                        // so many draws that were made last came to nothing: others follow
+    void (*walked)(float position, float low, float high);       // place of the value in its range, and the window of the next one
+    void (*started)(float beats, float deviated, float tempo);   // p2: interval as read, in seconds
+    void (*lasted)(float value, float deviated, float duration); // p3: as read, its amount, in seconds
     void (*stored)(Goes goes, float value, float deviated, float result); // p4 and up
     void (*chord_repeated)(Goes goes, bool grows, float value);           // of the last chord; grows: the list by an event
-    void (*rest)();                                                       // the value that was stored last was a rest
 
     // what comes of a block
     void (*block_done)(std::int32_t pfields); // its events follow, from the first on

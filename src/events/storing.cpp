@@ -54,7 +54,7 @@ template <bool told> inline bool store_as_start(Section &section, float value, f
     if (!InsertBegTime(section, deviated))
         return false;
     if constexpr (told)
-        observer->started(goes(section.list), value, deviated, TEMPO);
+        observer->started(value, deviated, TEMPO);
     CBEATS += value;
     return true;
 }
@@ -99,11 +99,8 @@ template <bool told> inline bool store_as_rest(Section &section, float value)
 {
     if (!store_as_value<told>(section, value))
         return false;
-    if (IN_TYPE == TYPE_NO && value < 0.0F) {
+    if (IN_TYPE == TYPE_NO && value < 0.0F)
         section.cursor->dur = -section.cursor->dur;
-        if constexpr (told)
-            observer->rest();
-    }
     return true;
 }
 

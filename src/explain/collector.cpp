@@ -70,7 +70,6 @@ constexpr Observer functions = {
     .lasted            = Guarded<told::lasted>::tell,
     .stored            = Guarded<told::stored>::tell,
     .chord_repeated    = Guarded<told::chord_repeated>::tell,
-    .rest              = Guarded<told::rest>::tell,
     .block_done        = Guarded<told::block_done>::tell,
     .event             = Guarded<told::event>::tell,
     .score_begins      = Guarded<told::score_begins>::tell,

@@ -37,19 +37,6 @@ void put_files(Out &out)
     });
 }
 
-std::string_view name_of(Severity severity)
-{
-    switch (severity) {
-    case Severity::error:
-        return "error";
-    case Severity::warning:
-        return "warning";
-    case Severity::note:
-        break;
-    }
-    return "note";
-}
-
 void put_diagnostics(Out &out)
 {
     put_objects(out, "diagnostics", out.piece.diagnostics, [&out](const Diagnostic &diagnostic) {

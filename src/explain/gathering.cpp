@@ -15,14 +15,12 @@ Place here(std::size_t begin, std::size_t end)
     return now.last_place;
 }
 
-// makes a place reach to a column of the present line
 void extend(Place &place, std::size_t end)
 {
     if (end > 0)
         place = now.piece->source.join(place, here(end - 1, end));
 }
 
-// a part of the open section
 Place in_section_here(std::size_t begin, std::size_t end)
 {
     const Place place = here(begin, end);

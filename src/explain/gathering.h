@@ -17,7 +17,7 @@ namespace orlo::explain {
 
 using Names = std::map<std::string, std::int32_t, std::less<>>; // an index by its name
 
-// What a value is of, until something else is told.
+/// What a value is of, until something else is told.
 struct Source {
     Kind          kind    = Kind::literal;
     std::size_t   command = 0; // of a generator
@@ -37,13 +37,13 @@ struct Gathering {
     bool                     in_block   = false;
     bool                     in_section = false;
     bool                     in_command = false;
-    std::size_t              reported   = 0; // diagnostics that the open block had none of before
-    Place                    definition;     // of a macro: where it begins
+    Place                    definition; // of a macro: where it begins
     Macro                    macro;
     std::vector<std::size_t> open_conditionals;
     Names                    macros; // by name: index of the one that is in force
     Names                    constants;
-    Place                    last_place; // of what was read last
+    std::string              defined_twice; // the name that a definition could not have
+    Place                    last_place;    // of what was read last
 
     // of the line
     Place       failed_call;      // a call in the text of another one, which could not be made
@@ -61,7 +61,6 @@ struct Gathering {
     std::uint64_t                       members   = 0; // its values, and how many of them have been repeated
     std::uint64_t                       repeated  = 0;
     std::vector<std::uint64_t>          looped;    // values in loops
-    std::uint64_t                       turns = 0; // values that a loop has filled
     std::uint64_t                       drawn = 0; // draws of the sequence so far
     std::vector<Refused>                refused;   // of the next value
     Ring                                ring;

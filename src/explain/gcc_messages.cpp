@@ -1,5 +1,7 @@
 #include "explain/gcc_messages.h"
 
+#include "explain/words.h"
+
 #include <algorithm>
 
 namespace orlo::explain {
@@ -61,19 +63,6 @@ void put_chain(Out &out, Place place)
                 put_line(out, place, "note", "included here");
         }
     }
-}
-
-const char *name_of(Severity severity)
-{
-    switch (severity) {
-    case Severity::error:
-        return "error";
-    case Severity::warning:
-        return "warning";
-    case Severity::note:
-        break;
-    }
-    return "note";
 }
 
 } // namespace

@@ -10,7 +10,7 @@ void Ring::clear()
     field = 2;
 }
 
-void Ring::add_start(std::uint32_t value, bool)
+void Ring::add_start(std::uint32_t value)
 {
     const auto event = static_cast<std::uint32_t>(next.size());
     if (event == 0) {

@@ -13,7 +13,7 @@ class Ring {
     void clear();
 
     /// A new event behind the last, a chord member as well, with its value of p2.
-    void add_start(std::uint32_t value, bool member);
+    void add_start(std::uint32_t value);
 
     /// A section of a p-field begins: before the first event.
     void begin_section(std::size_t pfield);

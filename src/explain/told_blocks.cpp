@@ -7,9 +7,7 @@
 #include "events/pfields.h"
 #include "explain/gathering.h"
 
-namespace orlo::explain {
-
-namespace told {
+namespace orlo::explain::told {
 
 void block_begins(std::size_t column)
 {
@@ -70,7 +68,7 @@ void section_begins(std::int32_t pfield, std::size_t begin, std::size_t end)
     now.in_section = true;
     now.source     = {};
     now.new_source = true;
-    now.last_read = now.chord = now.members = now.repeated = now.turns = 0;
+    now.last_read = now.chord = now.members = now.repeated = 0;
     now.looped.clear();
     now.refused.clear();
     now.distinct.clear();
@@ -95,6 +93,4 @@ void input_type(std::int32_t code, std::size_t begin, std::size_t end)
 
 void section_ends() { end_section(); }
 
-} // namespace told
-
-} // namespace orlo::explain
+} // namespace orlo::explain::told

@@ -16,8 +16,7 @@ Set &set_of(Command &command, const Place &place)
     return command.sets.back();
 }
 
-void add_operation(Set &set, char op) { set.terms.push_back({op, 0, 0.0}); }
-
+// the term that an operation waits for, or the first
 Term &open_term(Set &set)
 {
     if (set.terms.empty())
@@ -74,7 +73,7 @@ void add_number_to_set(Set &set, Part part, double value)
         open_term(set).number = value;
         break;
     case Part::operation:
-        add_operation(set, static_cast<char>(value));
+        set.terms.push_back({static_cast<char>(value), 0, 0.0});
         break;
     case Part::rounding:
         set.rounded = value != 0.0;
@@ -98,6 +97,7 @@ void add_tempo_change(const Command &command)
                                 static_cast<int>(segment.type), static_cast<double>(segment.vcurve)});
 }
 
+// lists that were begun for a value that did not come
 void drop_empty_lists(Command &command)
 {
     for (Set &set : command.sets)
@@ -172,7 +172,7 @@ void command_read(std::size_t end)
         now.drawn = 0;
     }
     now.new_source = true;
-    if (!command.span && command.code != CMD_HO)
+    if (!command.span) // no generator
         return;
     command.first = now.in_section ? section().count : 0;
     now.source    = {Kind::generator, commands().size() - 1, {}, 0, 1};

@@ -13,6 +13,7 @@
 namespace orlo::explain {
 namespace {
 
+// where something is wrong that is said without a place
 Place usual_place(Severity severity)
 {
     if (!now.piece->source.has_lines())
@@ -26,7 +27,7 @@ Place usual_place(Severity severity)
 
 void add_definition(Diagnostic &diagnostic, const Names &names, bool of_constant)
 {
-    const std::int32_t found = find(names, now.macro.name);
+    const std::int32_t found = find(names, now.defined_twice);
     if (found == NONE)
         return;
     const auto index = static_cast<std::size_t>(found);
@@ -36,6 +37,7 @@ void add_definition(Diagnostic &diagnostic, const Names &names, bool of_constant
 
 bool belongs_to_word(char c) { return is_letter(c) || is_digit(c) || c == '_' || c == '.'; }
 
+// behind the line is where its line end stands
 Place end_of_line(const char *line)
 {
     const std::size_t length = now.piece->source.line().length;

@@ -1,19 +1,17 @@
+// The events of a block come in the order of the ring that its sections have made; rests are among them and are not written.
 
 #include "explain/told.h"
 
 #include "events/tempo_map.h"
 #include "explain/gathering.h"
 
-namespace orlo::explain {
-
-namespace told {
+namespace orlo::explain::told {
 
 void block_done(std::int32_t pfields)
 {
     now.told = 0;
-    if (!wants_values()) {
+    if (!wants_values())
         return;
-    }
     Events &events = block().notes.emplace();
     events.values.resize(static_cast<std::size_t>(pfields) - 1);
     events.origins.resize(events.values.size());
@@ -75,6 +73,4 @@ void score_text(const char *text, std::size_t length)
     now.piece->score.back().text.append(text, length);
 }
 
-} // namespace told
-
-} // namespace orlo::explain
+} // namespace orlo::explain::told

@@ -7,9 +7,7 @@
 
 #include <algorithm>
 
-namespace orlo::explain {
-
-namespace told {
+namespace orlo::explain::told {
 
 void include_met(std::uint64_t begin, std::uint64_t end) { now.piece->source.include_met(begin, end); }
 
@@ -83,6 +81,7 @@ void macro_name(std::size_t begin, std::size_t end) { now.macro.name_place = her
 
 void macro_parameter(const char *name, std::size_t length) { now.macro.parameters.emplace_back(name, length); }
 
+// a line end stands for the blank that the line ends with
 void body_part(std::size_t begin, std::size_t end)
 {
     const TextMap &line = now.piece->source.line();
@@ -93,12 +92,14 @@ void body_part(std::size_t begin, std::size_t end)
 
 void macro_defined(const char *name, const char *body, std::size_t end, bool stored)
 {
+    if (!stored) {
+        now.defined_twice = name;
+        return;
+    }
     now.macro.name  = name;
     now.macro.body  = body;
     now.macro.place = now.definition;
     extend(now.macro.place, end);
-    if (!stored)
-        return;
     now.macros[now.macro.name] = static_cast<std::int32_t>(now.piece->macros.size());
     now.piece->macros.push_back(std::move(now.macro));
     now.macro = {};
@@ -116,8 +117,7 @@ void macro_undefined(const char *name, std::size_t length, std::size_t end)
 void constant_defined(const char *name, double value, std::size_t begin, std::size_t end, bool stored)
 {
     if (!stored) {
-        here(begin, end);
-        now.macro.name = name;
+        now.defined_twice = name;
         return;
     }
     now.constants[name] = static_cast<std::int32_t>(now.piece->constants.size());
@@ -152,6 +152,4 @@ void equation_drew()
     now.new_source = true;
 }
 
-} // namespace told
-
-} // namespace orlo::explain
+} // namespace orlo::explain::told

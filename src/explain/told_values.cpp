@@ -63,6 +63,7 @@ void count_value(double result)
     ++statistics.count;
 }
 
+// the draws of a value; of a walk all between the choice of its set and its place came to nothing
 void take_draws(Section &section, Run &run)
 {
     const std::uint64_t made = draws_made() - now.drawn;
@@ -74,34 +75,44 @@ void take_draws(Section &section, Run &run)
     now.refused.clear();
 }
 
+// whether "rd", "dv" or "pf" have changed since a run began
+bool has_other_settings(const Section &section, const Run &run)
+{
+    return run.deviation != MAX_DEV + MAX_DEV2 || (section.pfield > 2 && run.factor != PFACTOR);
+}
+
+// the run that the next value belongs to
+Run &open_run(Section &section)
+{
+    if (now.new_source || section.runs.empty() || has_other_settings(section, section.runs.back()))
+        begin_run(section);
+    return section.runs.back();
+}
+
+void keep_value(Section &section, float value, float deviated, float result)
+{
+    Run &run = open_run(section);
+    ++run.count;
+    section.read.push_back(value);
+    section.deviated.push_back(deviated);
+    section.result.push_back(result);
+    take_draws(section, run);
+    if (run.kind == Kind::literal)
+        section.places.push_back(now.source.place);
+    if (run.kind == Kind::generator)
+        run.sets.push_back(static_cast<std::uint8_t>(now.set));
+    if (run.kind == Kind::generator && now.walks) {
+        run.positions.push_back(now.position);
+        run.window_low.push_back(now.window_low);
+        run.window_high.push_back(now.window_high);
+    }
+}
+
 void add_value(float value, float deviated, float result)
 {
-    Section &stored = section();
     now.distinct.add(result);
-    if (wants_values()) {
-        const bool settings_changed = !stored.runs.empty() && (stored.runs.back().deviation != MAX_DEV + MAX_DEV2 ||
-                                                               (stored.pfield > 2 && stored.runs.back().factor != PFACTOR));
-        const bool drew_otherwise   = !stored.runs.empty() && now.source.kind != Kind::generator && now.drawn != draws_made() &&
-                                    stored.runs.back().sequence != now.piece->sequences.size() - 1;
-        if (now.new_source || settings_changed || drew_otherwise)
-            begin_run(stored);
-        Run &run = stored.runs.back();
-        ++run.count;
-        stored.read.push_back(value);
-        stored.deviated.push_back(deviated);
-        stored.result.push_back(result);
-        take_draws(stored, run);
-        if (run.kind == Kind::literal)
-            stored.places.push_back(now.source.place);
-        if (run.kind == Kind::generator) {
-            run.sets.push_back(static_cast<std::uint8_t>(now.set));
-            if (now.walks) {
-                run.positions.push_back(now.position);
-                run.window_low.push_back(now.window_low);
-                run.window_high.push_back(now.window_high);
-            }
-        }
-    }
+    if (wants_values())
+        keep_value(section(), value, deviated, result);
     count_value(static_cast<double>(result));
     now.drawn = draws_made();
 }
@@ -168,10 +179,10 @@ void walked(float position, float low, float high)
     now.window_high = high;
 }
 
-void started(Goes goes, float beats, float deviated, float tempo)
+void started(float beats, float deviated, float tempo)
 {
     if (wants_values()) {
-        now.ring.add_start(static_cast<std::uint32_t>(section().count), goes == Goes::beside);
+        now.ring.add_start(static_cast<std::uint32_t>(section().count));
         section().tempo.push_back(tempo);
     }
     add_value(beats, deviated, deviated);
@@ -230,8 +241,6 @@ void chord_repeated(Goes goes, bool grows, float value)
     const auto original = static_cast<std::size_t>(of);
     add_value(section().read[original], section().deviated[original], value);
 }
-
-void rest() {}
 
 } // namespace told
 

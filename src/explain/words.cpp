@@ -39,6 +39,19 @@ std::string letter_of_curve(int curve)
     return "";
 }
 
+const char *name_of(Severity severity)
+{
+    switch (severity) {
+    case Severity::error:
+        return "error";
+    case Severity::warning:
+        return "warning";
+    case Severity::note:
+        break;
+    }
+    return "note";
+}
+
 std::string_view name_of_distribution(int distribution)
 {
     switch (static_cast<Range>(distribution)) {

@@ -1,6 +1,8 @@
 // words.h: the words of the language by their codes, from the tables that read them.
 #pragma once
 
+#include "base/observer.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,6 +14,9 @@ namespace orlo::explain {
 
 /// Letter of a curve by its code; empty for none.
 [[nodiscard]] std::string letter_of_curve(int curve);
+
+/// As compilers call it.
+[[nodiscard]] const char *name_of(Severity severity);
 
 /// Name of a distribution by its code.
 [[nodiscard]] std::string_view name_of_distribution(int distribution);

@@ -27,6 +27,25 @@ def text(value):
     return bytes.fromhex(value["hex"]) if isinstance(value, dict) else value.encode("utf-8")
 
 
+def leaves(part, path=()):
+    """Paths of all numbers, texts and truths of a document."""
+    if isinstance(part, dict):
+        for key, value in part.items():
+            yield from leaves(value, (*path, key))
+    elif isinstance(part, list):
+        for place, value in enumerate(part):
+            yield from leaves(value, (*path, place))
+    else:
+        yield path
+
+
+def at(part, path):
+    """What stands at a path."""
+    for step in path:
+        part = part[step]
+    return part
+
+
 def number(value):
     if isinstance(value, str):
         return NUMBERS[value]

@@ -16,7 +16,7 @@ Ring ring_of(std::uint32_t events)
     Ring ring;
     ring.clear();
     for (std::uint32_t i = 0; i < events; ++i)
-        ring.add_start(i, false);
+        ring.add_start(i);
     return ring;
 }
 
@@ -129,7 +129,7 @@ TEST(ExplainRing, BlocksHaveNothingOfTheOneBefore)
     ring.store_next(0);
     ring.clear();
     ring.put_in_order(); // of no events
-    ring.add_start(5, false);
+    ring.add_start(5);
     ring.begin_section(3);
     ring.store_next(6);
     EXPECT_EQ((Origins{5}), origins(ring, 1, 2));
