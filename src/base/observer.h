@@ -60,7 +60,7 @@ struct Observer {
     // calls: each puts a text on a pile, whose lowest text is the line; columns are those of the text on top
     void (*call_begins)(CallKind kind, const char *name, std::size_t name_length, std::size_t begin, std::size_t end, double value);
     void (*argument_taken)(const char *name, std::size_t name_length, std::size_t begin, std::size_t end); // of the next call
-    void (*call_failed)(std::size_t begin, std::size_t end); // in the text on top: what is said of it comes before or after
+    void (*call_failed)(const char *text, std::size_t column); // of the text on top: what is said of it comes before or after
     void (*call_replaced)(std::size_t begin, std::size_t end, std::size_t length); // by the text on top, which leaves the pile
 
     // definitions and conditions

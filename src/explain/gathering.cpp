@@ -1,5 +1,7 @@
 #include "explain/gathering.h"
 
+#include "input/line_reader.h"
+
 namespace orlo::explain {
 
 Gathering now;
@@ -19,6 +21,15 @@ void extend(Place &place, std::size_t end)
 {
     if (end > 0)
         place = now.piece->source.join(place, here(end - 1, end));
+}
+
+std::size_t end_of_word(const char *text, std::size_t column)
+{
+    const auto  belongs = [](char c) { return is_letter(c) || is_digit(c) || c == '_' || c == '.'; };
+    std::size_t end     = column;
+    while (belongs(text[end]))
+        ++end;
+    return end == column && text[column] != '\0' ? column + 1 : end;
 }
 
 Place in_section_here(std::size_t begin, std::size_t end)

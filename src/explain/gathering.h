@@ -82,6 +82,9 @@ extern Gathering now;
 /// The commands of the section, of the block, or of neither: where the next one belongs.
 [[nodiscard]] std::vector<Command> &commands();
 
+/// Behind the word, the number or else the character at a column of a text that ends with '\0'; the column at its end.
+[[nodiscard]] std::size_t end_of_word(const char *text, std::size_t column);
+
 /// A part of the line.
 Place here(std::size_t begin, std::size_t end);
 

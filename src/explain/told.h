@@ -13,7 +13,7 @@ void copy_continues(std::uint64_t to, std::uint64_t from);
 void line_read(std::uint64_t number, std::uint64_t offset, std::size_t length);
 void call_begins(CallKind kind, const char *name, std::size_t name_length, std::size_t begin, std::size_t end, double value);
 void argument_taken(const char *name, std::size_t name_length, std::size_t begin, std::size_t end);
-void call_failed(std::size_t begin, std::size_t end);
+void call_failed(const char *text, std::size_t column);
 void call_replaced(std::size_t begin, std::size_t end, std::size_t length);
 void definition_begins(std::size_t column);
 void macro_name(std::size_t begin, std::size_t end);

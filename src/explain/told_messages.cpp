@@ -35,8 +35,6 @@ void add_definition(Diagnostic &diagnostic, const Names &names, bool of_constant
         {"defined here", of_constant ? now.piece->constants[index].place : now.piece->macros[index].name_place});
 }
 
-bool belongs_to_word(char c) { return is_letter(c) || is_digit(c) || c == '_' || c == '.'; }
-
 // behind the line is where its line end stands
 Place end_of_line(const char *line)
 {
@@ -98,10 +96,7 @@ void message_place(const char *line, std::size_t column)
         place = end_of_line(line);
         return;
     }
-    std::size_t end = column + 1;
-    while (end < length && belongs_to_word(line[end - 1]) && belongs_to_word(line[end]))
-        ++end;
-    place = now.piece->source.place_of(column, end);
+    place = now.piece->source.place_of(column, end_of_word(line, column));
     if (now.piece->source.is_line_end(place)) // of a macro's body
         place.end = place.begin;
 }

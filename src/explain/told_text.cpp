@@ -58,11 +58,11 @@ void argument_taken(const char *name, std::size_t length, std::size_t begin, std
 }
 
 // The innermost call of those that fail together is the one that is wrong.
-void call_failed(std::size_t begin, std::size_t end)
+void call_failed(const char *text, std::size_t column)
 {
     if (now.failed_call.file != NONE || !now.piece->source.in_call())
         return;
-    now.failed_call = now.piece->source.place_on_top(begin, end);
+    now.failed_call = now.piece->source.place_on_top(column, end_of_word(text, column));
     if (now.piece->diagnostics.size() > now.said_earlier)
         now.piece->diagnostics.back().place = now.failed_call;
 }

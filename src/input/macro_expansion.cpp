@@ -180,11 +180,11 @@ void tell_call(CallKind kind, std::string_view name, const Call &call)
         observer->call_begins(kind, name.data(), name.size(), call.start, call.end, 0.0);
 }
 
-// an error of a call that has been read up to a position
-int fail(int error, const Call &call, std::size_t pos)
+// an error of a call at a position of its text
+int fail(int error, const char *text, std::size_t pos)
 {
     if (observer != nullptr)
-        observer->call_failed(call.start, pos);
+        observer->call_failed(text, pos);
     return error;
 }
 
@@ -196,9 +196,9 @@ int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Arg
     const std::string_view name = take_name(text, pos);
     const Meaning          what = find_meaning(name, locals);
     if (what.macro == nullptr && what.argument == nullptr)
-        return fail(no_such_macro(name, in), call, pos);
+        return fail(no_such_macro(name, in), text, call.start + 1);
     if (++expansions.done > MAX_EXPANSIONS || depth > MAX_NESTING)
-        return fail(expands_without_end(name, in), call, pos);
+        return fail(expands_without_end(name, in), text, call.start + 1);
     if (const int error = count_expansion(in))
         return error;
 
@@ -208,7 +208,7 @@ int expand(Call &call, const char *text, std::size_t &pos, const std::vector<Arg
     if (what.macro != nullptr && !what.macro->params.empty()) { // without parameters the body is left to the scan after the call
         std::vector<Argument> arguments;
         if (const int error = take_arguments(arguments, *what.macro, text, pos))
-            return fail(error, call, pos);
+            return fail(error, text, pos);
         tell_call(CallKind::macro, name, call);
         call.expanded = what.macro->body;
         if (const int error = expand_body(call.expanded, arguments, depth + 1, in))
