@@ -19,7 +19,6 @@
 #include "platform/whole_file.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <new>
 
@@ -179,8 +178,7 @@ int do_task(int argc, const char *const *argv)
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
+    outlive_lost_writes();
     try {
         return do_task(argc, argv);
     } catch (const std::bad_alloc &) {

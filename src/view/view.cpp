@@ -3,6 +3,7 @@
 #include "view/view.h"
 
 #include "base/visible_text.h"
+#include "platform/standard_streams.h"
 #include "platform/terminal.h"
 #include "view/build_score.h"
 #include "view/files.h"
@@ -15,7 +16,6 @@
 #include "view/run_orlo.h"
 #include "view/score_reader.h"
 
-#include <csignal>
 #include <cstdio>
 #include <new>
 #include <sys/stat.h>
@@ -178,8 +178,7 @@ int print(const char *text)
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
+    outlive_lost_writes();
     Options options;
     switch (read_options(argc, argv, options)) {
     case Command::view:
