@@ -87,8 +87,8 @@ bool replace(const WholeFile &file)
 
 bool is_special(const std::string &name)
 {
-    const DWORD attributes = GetFileAttributesA(name.c_str());
-    return windows::is_device(name) || (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0);
+    FileIdentity identity;
+    return windows::is_device(name) || (identify(name.c_str(), identity) && !identity.regular);
 }
 
 std::string open_whole(WholeFile &file, const std::string &name)
