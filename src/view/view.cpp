@@ -5,6 +5,7 @@
 #include "base/exhaustion.h"
 #include "base/visible_text.h"
 #include "platform/memory_limit.h"
+#include "platform/standard_streams.h"
 #include "platform/terminal.h"
 #include "view/build_score.h"
 #include "view/files.h"
@@ -17,7 +18,6 @@
 #include "view/run_orlo.h"
 #include "view/score_reader.h"
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -191,8 +191,7 @@ int complain_of_memory()
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
+    outlive_lost_writes();
     Options options;
     switch (read_options(argc, argv, options)) {
     case Command::view:
