@@ -2,7 +2,10 @@
 
 #include "view/view.h"
 
+#include "base/exhaustion.h"
 #include "base/visible_text.h"
+#include "platform/memory_limit.h"
+#include "platform/run_orlo.h"
 #include "platform/standard_streams.h"
 #include "platform/terminal.h"
 #include "view/build_score.h"
@@ -13,11 +16,10 @@
 #include "view/options.h"
 #include "view/pictures.h"
 #include "view/pitch.h"
-#include "view/run_orlo.h"
 #include "view/score_reader.h"
 
 #include <cstdio>
-#include <new>
+#include <cstdlib>
 #include <sys/stat.h>
 
 namespace orlo::view {
@@ -26,6 +28,8 @@ namespace {
 constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
 constexpr int USAGE   = 2;
+
+constexpr int EXHAUSTED = -1; // no status: there was not enough memory
 
 bool complain(const std::string &text)
 {
@@ -42,11 +46,20 @@ bool is_regular(const std::string &name)
     return stat(name.c_str(), &about) == 0 && S_ISREG(about.st_mode);
 }
 
+// a name that orlo takes for no option
+std::string name_for_orlo(const std::string &name)
+{
+    if (name == "-")
+        return "/dev/stdin";
+    return name.starts_with('-') ? "./" + name : name;
+}
+
 // text of the score that orlo makes of the file
 bool get_from_orlo(const Options &options, const Limits &limits, std::string &bytes)
 {
     std::string       messages;
-    const std::string fault = make_score(options.in, limits.bytes, bytes, messages);
+    const auto        read  = [&](const std::string &file) { return read_file(file, limits.bytes, bytes); };
+    const std::string fault = make_score(name_for_orlo(options.in), read, messages);
     if (fault.empty())
         return true;
     pass_on(messages);
@@ -174,6 +187,15 @@ int print(const char *text)
     return fault.empty() || complain("can't write the standard output: " + fault) ? SUCCESS : FAILURE;
 }
 
+// without asking for more
+int complain_of_memory()
+{
+    std::fputs("orlo-view: not enough memory\n", stderr);
+    return FAILURE;
+}
+
+[[noreturn]] void end_exhausted() { std::exit(complain_of_memory()); }
+
 } // namespace
 
 int run(int argc, const char *const *argv)
@@ -190,12 +212,9 @@ int run(int argc, const char *const *argv)
     case Command::refuse:
         return USAGE;
     }
-    try {
-        return view(options) ? SUCCESS : FAILURE;
-    } catch (const std::bad_alloc &) {
-        complain("not enough memory");
-        return FAILURE;
-    }
+    on_exhaustion(end_exhausted);
+    const int status = unless_exhausted([&] { return view(options) ? SUCCESS : FAILURE; }, EXHAUSTED);
+    return status == EXHAUSTED ? complain_of_memory() : status;
 }
 
 } // namespace orlo::view

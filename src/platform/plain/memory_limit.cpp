@@ -6,4 +6,6 @@ namespace orlo {
 
 void limit_memory() {}
 
+void on_exhaustion(void (* /*end*/)()) {}
+
 } // namespace orlo

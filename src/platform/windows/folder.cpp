@@ -11,4 +11,6 @@ std::string working_folder()
     return _getcwd(path, PATH_MAX) != nullptr ? path : "";
 }
 
+void enter_folder() {}
+
 } // namespace orlo
