@@ -15,7 +15,9 @@ TEST(WindowsPaths, TheFolderEndsWithTheLastSlashBackslashOrDrive)
     EXPECT_EQ("C:", folder_part("C:out.sco")); // the folder in which the drive is
     EXPECT_EQ("\\\\server\\share\\", folder_part("\\\\server\\share\\out.sco"));
     EXPECT_EQ("\\\\?\\C:\\", folder_part("\\\\?\\C:\\out.sco"));
-    EXPECT_EQ("", folder_part("1:out.sco"));
+    EXPECT_EQ("z:", folder_part("z:out.sco"));
+    for (const char *path : {"1:out.sco", "[:out.sco", "{:out.sco"})
+        EXPECT_EQ("", folder_part(path)) << path;
     EXPECT_EQ("", folder_part(""));
 }
 
@@ -37,8 +39,10 @@ TEST(WindowsPaths, DevicesAreNoFiles)
           "LPT3",       "COM\u00B9", "lpt\u00B3",  "nul.txt",    "NUL.tar.gz",  "con .sco", "COM1:",   "nul. ", "C:\\pieces\\nul",
           "a/com1.sco", "C:aux",     "\\\\.\\NUL", "//./pipe/x", "\\\\.\\COM12"})
         EXPECT_TRUE(is_device(path)) << path;
-    for (const char *path : {"", ".", "null", "nul1", "xnul", "COM", "COM0", "COM10", "COM.1", "comA", "LPT", "com\u00B4", "a.nul",
-                             "con/out.sco", "nul\\out.sco", "CONIN", "\\\\?\\C:\\a", "\\\\server\\a", "co"})
+    for (const char *path : {"",          ".",     "null",        "nul1",         "xnul",  "COM",          "COM0",
+                             "COM10",     "COM.1", "\\a\\b",      "\\\\.a\\b",    "\\\\a", "comA",         "LPT",
+                             "com\u00B4", "a.nul", "con/out.sco", "nul\\out.sco", "CONIN", "\\\\?\\C:\\a", "\\\\server\\a",
+                             "co"})
         EXPECT_FALSE(is_device(path)) << path;
 }
 
@@ -49,6 +53,7 @@ TEST(WindowsPaths, CaseMeansNothingInNames)
     EXPECT_TRUE(same_name("[a]", "[A]"));
     EXPECT_FALSE(same_name("out.sco", "out.sc"));
     EXPECT_FALSE(same_name("out.sco", "out_sco"));
+    EXPECT_FALSE(same_name("{", "["));
     EXPECT_FALSE(same_name("@`[{", "`@{["));     // beside the letters
     EXPECT_FALSE(same_name("\u00E4", "\u00C4")); // the system's own affair
 }
