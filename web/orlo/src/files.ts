@@ -48,6 +48,7 @@ export interface Opening {
 export interface Files {
     open(path: string, how: Opening): OpenFile;
     stat(path: string, follow: boolean): Stat;
+    readLink(path: string): string;
     unlink(path: string): void;
     rename(from: string, to: string): void;
 }

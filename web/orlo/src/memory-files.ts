@@ -86,6 +86,13 @@ export class MemoryFiles implements Files {
         this.makeFolders(parts).entries.set(name, new File(bytes, true));
     }
 
+    /** The bytes of a file. */
+    contents(path: string): Uint8Array {
+        const { node } = this.find(path);
+        if (!(node instanceof File)) throw new Fault(Errno.noent);
+        return node.contents();
+    }
+
     /** All files, by their paths. */
     list(): Map<string, { bytes: Uint8Array; written: boolean }> {
         const found = new Map<string, { bytes: Uint8Array; written: boolean }>();
@@ -122,6 +129,11 @@ export class MemoryFiles implements Files {
         const { node } = this.find(path);
         if (node === undefined) throw new Fault(Errno.noent);
         return statOf(node);
+    }
+
+    readLink(path: string): string {
+        this.stat(path);
+        throw new Fault(Errno.inval); // there are none
     }
 
     unlink(path: string): void {

@@ -213,7 +213,11 @@ export function execute(program: Compiled, guest: Guest): number {
         path_unlink_file: (fd: number, at: number, length: number) => guest.files.unlink(path(fd, at, length)),
         path_rename: (fd: number, at: number, length: number, newFd: number, newAt: number, newLength: number) =>
             guest.files.rename(path(fd, at, length), path(newFd, newAt, newLength)),
-        path_readlink: () => Errno.inval, // links are followed by who keeps the files
+        path_readlink(fd: number, at: number, length: number, buffer: number, size: number, used: number) {
+            const target = encoder.encode(guest.files.readLink(path(fd, at, length))).subarray(0, size);
+            bytes(buffer, target.length).set(target);
+            put32(used, target.length);
+        },
     };
 
     // numbers come as signed, addresses are not

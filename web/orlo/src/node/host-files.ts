@@ -1,5 +1,6 @@
 // Files of the host. A guest's path is made one of the host's, or refused; from there on the host's own rules hold. What the program
-// keeps for itself while it runs is in memory and never on a disk.
+// keeps for itself while it runs is in memory and never on a disk, and so is a file that it has made as nobody else's, until that gets
+// the name of the file that it is to be: a process that is ended by a signal, and can do nothing then, leaves no part of one.
 
 import fs from 'node:fs';
 import path from 'node:path';
@@ -80,39 +81,78 @@ export function hostFile(fd: number, isStream = false): OpenFile {
 }
 
 export class HostFiles implements Files {
-    private readonly temporary = new MemoryFiles();
+    private readonly memory = new MemoryFiles();
+    private readonly unfinished = new Map<string, string>(); // where in memory they are
 
     constructor(private readonly toHost: ToHost) {
-        this.temporary.addFolder(TEMPORARY_FOLDER);
+        this.memory.addFolder(TEMPORARY_FOLDER);
     }
 
     open(guest: string, how: Opening): OpenFile {
-        if (isTemporary(guest)) return this.temporary.open(guest, how);
+        const kept = this.inMemory(guest) ?? (how.create && how.exclusive ? this.begin(guest) : undefined);
+        if (kept !== undefined) return this.memory.open(kept, how);
         const flags = (how.write ? (how.read ? constants.O_RDWR : constants.O_WRONLY) : constants.O_RDONLY)
-            | (how.create ? constants.O_CREAT : 0) | (how.exclusive ? constants.O_EXCL : 0) | (how.truncate ? constants.O_TRUNC : 0)
+            | (how.create ? constants.O_CREAT : 0) | (how.truncate ? constants.O_TRUNC : 0)
             | (how.folder ? constants.O_DIRECTORY ?? 0 : 0);
-        return host(() => hostFile(fs.openSync(this.toHost(guest, true), flags, 0o666)));
+        return host(() => hostFile(fs.openSync(this.toHost(guest, true), flags)));
     }
 
     stat(guest: string, follow: boolean): Stat {
-        if (isTemporary(guest)) return this.temporary.stat(guest);
-        const look = follow ? fs.statSync : fs.lstatSync;
-        return host(() => statOf(look(this.toHost(guest, follow), { bigint: true })));
+        const kept = this.inMemory(guest);
+        if (kept !== undefined) return this.memory.stat(kept);
+        return host(() => statOf((follow ? fs.statSync : fs.lstatSync)(this.toHost(guest, follow), { bigint: true })));
+    }
+
+    readLink(guest: string): string {
+        return host(() => fs.readlinkSync(this.toHost(guest, false)));
     }
 
     unlink(guest: string): void {
-        if (isTemporary(guest)) this.temporary.unlink(guest);
-        else host(() => fs.unlinkSync(this.toHost(guest, false)));
+        const kept = this.inMemory(guest);
+        if (kept === undefined) host(() => fs.unlinkSync(this.toHost(guest, false)));
+        else this.memory.unlink(kept);
+        this.unfinished.delete(guest);
     }
 
     rename(from: string, to: string): void {
-        if (isTemporary(from) !== isTemporary(to)) throw new Fault(Errno.xdev);
-        if (isTemporary(from)) this.temporary.rename(from, to);
-        else host(() => fs.renameSync(this.toHost(from, false), this.toHost(to, false)));
+        const kept = this.inMemory(from);
+        if (kept === undefined) return host(() => fs.renameSync(this.toHost(from, false), this.toHost(to, false)));
+        if (this.inMemory(to) !== undefined) throw new Fault(Errno.xdev);
+        host(() => writeWhole(this.toHost(to, false), this.memory.contents(kept)));
+        this.unlink(from);
+    }
+
+    private inMemory(guest: string): string | undefined {
+        return guest === TEMPORARY_FOLDER || guest.startsWith(`${TEMPORARY_FOLDER}/`) ? guest : this.unfinished.get(guest);
+    }
+
+    // a file that nobody else has: what the host would say against it is said now
+    private begin(guest: string): string {
+        host(() => {
+            const name = this.toHost(guest, false);
+            if (fs.lstatSync(name, { throwIfNoEntry: false }) !== undefined) throw new Fault(Errno.exist);
+            fs.accessSync(path.dirname(name), constants.W_OK);
+        });
+        const kept = `${TEMPORARY_FOLDER}/unfinished-${this.unfinished.size}`;
+        this.unfinished.set(guest, kept);
+        return kept;
     }
 }
 
-const isTemporary = (guest: string) => guest === TEMPORARY_FOLDER || guest.startsWith(`${TEMPORARY_FOLDER}/`);
+// an earlier file is replaced at once, where it may be written, and its mode stays
+function writeWhole(name: string, bytes: Uint8Array): void {
+    const earlier = fs.statSync(name, { throwIfNoEntry: false });
+    if (earlier !== undefined) fs.accessSync(name, constants.W_OK);
+    const beside = `${name}.${process.pid}`;
+    fs.writeFileSync(beside, bytes, { flag: 'wx' });
+    try {
+        if (earlier !== undefined) fs.chmodSync(beside, earlier.mode);
+        fs.renameSync(beside, name);
+    } catch (error) {
+        fs.unlinkSync(beside);
+        throw error;
+    }
+}
 
 /** A folder, which the guest has as its working folder, and nothing else, by whatever links. */
 export function oneFolder(folder: string): ToHost {
