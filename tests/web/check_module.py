@@ -1,9 +1,9 @@
-"""The same bytes as WebAssembly: check_module.py --orlo PROGRAM --package FOLDER [--pieces N] [--jobs N]
+"""The same bytes as WebAssembly: check_module.py --orlo PROGRAM --work FOLDER [--pieces N] [--jobs N]
 
 Runs every case, every example, as a score, as a MIDI file, explained and drawn, and generated pieces: with the programs beside
-PROGRAM, and with the built npm package in FOLDER, where one process of Node works them all off. Compares all that comes out:
-status, screen, standard output and every file of the run. Only the banner's date may differ, and where the folder is that a run
-works in. That the programs do what the cases say is tested elsewhere.
+PROGRAM, and with the npm package, where one process of Node works them all off. Compares all that comes out: status, screen,
+standard output and every file of the run. Only the banner's date may differ, and where the folder is that a run works in. That the
+programs do what the cases say is tested elsewhere.
 What is left out is printed with its reason; what a module can't have is in LEFT_OUT.
 Ends with status 77 where Node or the modules are missing.
 """
@@ -22,14 +22,12 @@ import tempfile
 import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-TESTS = os.path.dirname(HERE)
-ROOT = os.path.dirname(TESTS)
-sys.path[:0] = [TESTS, os.path.join(TESTS, "tools"), HERE]
+sys.path.insert(0, HERE)
+from web_package import PROGRAMS, ROOT, TESTS, add_arguments, package_of
 from case_file import parse_args, parse_case, parse_command, parse_variables, prepare
 from run_case import case_name, difference, environment, find_cases, hide_date, read_file
-from same_everywhere import PIECE_OPTIONS, RANDOM, SHOWN, SKIPPED, need, prepare_piece, skip
+from same_everywhere import PIECE_OPTIONS, RANDOM, SHOWN, prepare_piece
 
-PROGRAMS = ("orlo", "orlo-explain", "orlo-view")
 WORKING_FOLDER = b"/piece"  # of a module whose files are in memory
 PIECES = 1500
 SECONDS = 60  # that a run may take
@@ -162,8 +160,7 @@ def differences(native, module):
 
 def parse_options():
     parser = argparse.ArgumentParser(description="compare the programs with their modules")
-    parser.add_argument("--orlo", required=True, help="the program; the others stand beside it")
-    parser.add_argument("--package", required=True, help="folder of the npm package, built")
+    add_arguments(parser)
     parser.add_argument("--pieces", type=int, default=PIECES, help="generated pieces")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="native runs at the same time")
     return parser.parse_args()
@@ -171,11 +168,8 @@ def parse_options():
 
 def main():
     options = parse_options()
-    need("node")
-    package = os.path.abspath(options.package)
+    package = package_of(options)
     programs = [name for name in PROGRAMS if os.path.isfile(os.path.join(package, "dist", f"{name}.wasm"))]
-    if "orlo" not in programs:
-        skip("the module of orlo is missing")
     runs, left_out = all_runs(options.pieces, programs)
     for reason, count in left_out.items():
         print(f"left out: {count} cases: {reason}")
