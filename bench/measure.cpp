@@ -1,7 +1,7 @@
 // Runs a command and tells what it took: measure SCREEN COMMAND...
 //
-// The command's standard error goes into the file SCREEN, its standard output nowhere. Prints its CPU time in seconds and its peak
-// memory in bytes, and ends as the command ended. The memory that counts is the command's own: a child begins with the peak of
+// The command's standard error goes into the file SCREEN, its standard output nowhere. Prints its CPU time in seconds, its own and the
+// system's for it, and its peak memory in bytes, and ends as the command ended. The memory that counts is the command's own: a child begins with the peak of
 // the process that makes it, which here is small.
 
 #include <cstdio>
@@ -39,6 +39,6 @@ int main(int argc, char **argv)
     rusage usage{};
     if (child < 0 || wait4(child, &status, 0, &usage) != child)
         return CANNOT_RUN;
-    std::printf("%.6f %ld\n", seconds(usage.ru_utime) + seconds(usage.ru_stime), usage.ru_maxrss * 1024);
+    std::printf("%.6f %.6f %ld\n", seconds(usage.ru_utime), seconds(usage.ru_stime), usage.ru_maxrss * 1024);
     return WIFEXITED(status) ? WEXITSTATUS(status) : CANNOT_RUN;
 }

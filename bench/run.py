@@ -2,7 +2,7 @@
 run.py --orlo PROGRAM --explain PROGRAM --floors PROGRAM --measure PROGRAM [--before PROGRAM] [--rounds N] [--only NAME...]
 
 Makes the inputs, then runs orlo and the floor programs in turn, and prints the medians of the CPU time (user and system time of the
-process) and of the peak memory, and whether each target is met. Ends with 1 when one is not.
+process), of the system time in it, and of the peak memory, and whether each target is met. Ends with 1 when one is not.
 A target's two programs run side by side: the quicker one before and after the slower one, so that what changes the speed of the
 machine changes both. Each such round gives a ratio; N of them are made, more where they are short, and their median counts. Beside
 it stand the quartiles, and the ratio of the instructions, where perf or valgrind can count them.
@@ -36,7 +36,7 @@ MOST_BYTES = 44  # an event of five p-fields
 Work = collections.namedtuple("Work", "name options floors most beside")
 WORKS = [
     Work("repeated", ("-s",), ("print", "write"), .20, "print"),
-    Work("many", ("-s",), (), None, None),
+    Work("many", ("-s",), ("write",), None, None),
     Work("drawn", ("-s",), ("print", "write"), .25, "print"),
     *(Work(name, ("-s",), ("print",), {"s2": .25, "ms": .28}.get(name, .20), "print") for name in make_inputs.SECTIONS),
     Work("lines", ("-s",), ("copy",), 2.4, "copy"),
@@ -70,7 +70,7 @@ class Bench:
         return os.path.join(self.folder, name)
 
     def run(self, command, screen):
-        """CPU seconds and peak memory in bytes of a command whose last argument is its result, if it has one, and whose standard
+        """CPU seconds, peak memory in bytes, and the system's seconds of a command whose last argument is its result, if it has one, and whose standard
         error goes into a file. What a run before left there is taken away: emptying a large file takes its time too."""
         for path in (command[-1], screen):
             if path.endswith((".out", ".screen")) and os.path.exists(path):
@@ -78,8 +78,8 @@ class Bench:
         result = subprocess.run([self.measure, screen, *command], stdout=subprocess.PIPE, text=True, check=False)
         if result.returncode != 0:
             sys.exit(f"{' '.join(command)} ended with {result.returncode}")
-        seconds, peak = result.stdout.split()
-        return float(seconds), int(peak)
+        own, systems, peak = result.stdout.split()
+        return float(own) + float(systems), int(peak), float(systems)
 
     def files(self, job):
         """The command of a job and what it reads and writes, and its screen."""
@@ -149,10 +149,13 @@ class Bench:
                 sys.exit(f"{work.name}: the floor \"{floor}\" did not print what orlo printed: {expected}, {printed}")
 
     def seconds(self, job):
-        return statistics.median(seconds for seconds, _ in self.runs[job])
+        return statistics.median(seconds for seconds, _, _ in self.runs[job])
+
+    def systems_seconds(self, job):
+        return statistics.median(systems for _, _, systems in self.runs[job])
 
     def bytes(self, job):
-        return statistics.median(peak for _, peak in self.runs[job])
+        return statistics.median(peak for _, peak, _ in self.runs[job])
 
     def instructions(self, ratio):
         """The ratio of the instructions, in a tenth of the work where the whole takes long; None when they can't be counted."""
@@ -185,11 +188,11 @@ def size_of(name):
 
 
 def print_medians(bench):
-    print(f"{'work':12} {'program':12} {'runs':>4} {'size':>9} {'ms':>8} {'us each':>8} {'MiB':>7} {'bytes each':>10}")
+    print(f"{'work':12} {'program':12} {'runs':>4} {'size':>9} {'ms':>8} {'system':>7} {'us each':>8} {'MiB':>7} {'bytes each':>10}")
     for job in bench.runs:
         size = size_of(job.work.name) // (10 if job.size == TENTH else 1)
         seconds, peak = bench.seconds(job), bench.bytes(job)
-        print(f"{job.work.name:12} {job.program:12} {len(bench.runs[job]):4} {size:9} {seconds * 1e3:8.1f} "
+        print(f"{job.work.name:12} {job.program:12} {len(bench.runs[job]):4} {size:9} {seconds * 1e3:8.1f} {bench.systems_seconds(job) * 1e3:7.1f} "
               f"{seconds / size * 1e6:8.3f} {peak / 2**20:7.1f} {peak / size:10.1f}")
 
 
@@ -200,6 +203,18 @@ def print_target(text, value, most, spread="", counted=None):
     return value <= most
 
 
+def print_growth(bench, ratio):
+    """Beside the target: how much of the growth is the program's own time, and how that of a program grows that writes the bytes."""
+    def own(job):
+        return bench.seconds(job) - bench.systems_seconds(job)
+
+    jobs = ratio.above, ratio.below
+    print(f"  {'its own time, without the system':43} {own(jobs[0]) / own(jobs[1]) / ratio.scale:9.2f}")
+    floors = [job._replace(program="write") for job in jobs]
+    if all(floor in bench.runs for floor in floors):
+        print(f"  {'a program that writes its bytes':43} {bench.seconds(floors[0]) / bench.seconds(floors[1]) / ratio.scale:9.2f}")
+
+
 def print_targets(bench, works):
     """Prints the table of targets; true when all are met."""
     print(f"\n{'target':45} {'measured':>9} {'quartiles':>11} {'instructions':>12} {'at most':>8}")
@@ -208,6 +223,8 @@ def print_targets(bench, works):
         low, _, high = statistics.quantiles(values) if len(values) > 1 else 3 * values
         counted = bench.instructions(ratio) if ratio.scale == 1 else None
         met &= print_target(ratio.text, statistics.median(values), ratio.most, f"{low:.2f}-{high:.2f}", counted)
+        if ratio.scale != 1:
+            print_growth(bench, ratio)
     for work in works:
         if work.name == "repeated":
             peak = bench.bytes(Job(work, FULL, ORLO))
@@ -239,7 +256,7 @@ def measure(bench, works, least):
             if number < rounds[ratio]:
                 bench.round(ratio)
         for work in works:
-            for floor in work.floors[1:] if number < least else ():
+            for floor in (floor for floor in work.floors if floor != work.beside and number < least):
                 bench.do(Job(work, FULL, floor))
             if number < least and work.name in EXPLAINED:
                 bench.do(Job(work, FULL, EXPLAIN))

@@ -7,6 +7,7 @@
 #include "ddf/ddf.h"
 
 #include "base/distributions.h"
+#include "base/exhaustion.h"
 #include "base/numerics.h"
 #include "base/observer.h"
 #include "base/switches.h"
@@ -27,7 +28,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace orlo {
 namespace {
@@ -225,11 +225,7 @@ int generate_by_code(Code code, Section &section, Input &in)
 
 int do_DDF(Code code, Section &section, Input &in)
 {
-    try {
-        return generate_by_code(code, section, in);
-    } catch (const std::bad_alloc &) {
-        return OUT_OF_MEMORY;
-    }
+    return unless_exhausted([&] { return generate_by_code(code, section, in); }, OUT_OF_MEMORY);
 }
 
 std::uint64_t covered_events(float span, const Section &section, const Input &in, float &first, float &last)

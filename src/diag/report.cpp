@@ -225,7 +225,7 @@ void show_line(const char *line, unsigned column)
     show([=](Text &out) { put_line(out, line, column); });
 }
 
-void show_with_line(const char *kind, const char *text, unsigned long line_no, const char *line, unsigned column)
+void show_with_line(const char *kind, const char *text, std::uint64_t line_no, const char *line, unsigned column)
 {
     Mprintf("\n\n%s: Line %d: ", kind, line_no);
     show([=](Text &out) { put_text(out, text); });
@@ -299,7 +299,7 @@ void put_buff(std::FILE *stream, const char *line, unsigned column)
     flush(out);
 }
 
-void error_no(int number, unsigned long line_no, const char *line, unsigned column)
+void error_no(int number, std::uint64_t line_no, const char *line, unsigned column)
 {
     if (number == FULLY_REPORTED)
         return;
@@ -315,7 +315,7 @@ void error_no(int number, unsigned long line_no, const char *line, unsigned colu
         Mprintf("\nERROR: %s\n\n", error_text(number));
 }
 
-void warning_no(int number, unsigned long line_no, const char *line, unsigned column)
+void warning_no(int number, std::uint64_t line_no, const char *line, unsigned column)
 {
     if (SUPRESS)
         return;

@@ -6,6 +6,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 namespace orlo {
@@ -27,13 +28,13 @@ void reset_report();
 struct MprintfArg {
     enum class Kind { whole, single, real, character, text } kind;
     union {
-        long        whole;
-        float       single;
-        double      real;
-        char        character;
-        const char *text;
+        std::int64_t whole;
+        float        single;
+        double       real;
+        char         character;
+        const char  *text;
     };
-    template <std::integral T> MprintfArg(T v) : kind{Kind::whole}, whole{static_cast<long>(v)} {}
+    template <std::integral T> MprintfArg(T v) : kind{Kind::whole}, whole{static_cast<std::int64_t>(v)} {}
     MprintfArg(char v) : kind{Kind::character}, character{v} {}
     MprintfArg(float v) : kind{Kind::single}, single{v} {}
     MprintfArg(double v) : kind{Kind::real}, real{v} {}
@@ -71,7 +72,7 @@ template <class... Args> void tell(Severity severity, const char *lead, const ch
 }
 
 /// As tell, for an error in a line, which is shown by error_no afterwards.
-template <class... Args> void tell_error(unsigned long line_no, const char *format, Args... args)
+template <class... Args> void tell_error(std::uint64_t line_no, const char *format, Args... args)
 {
     Mprintf("\n\nERROR: Line %d: ", line_no);
     tell(Severity::error, "", format, "\n", args...);
@@ -95,9 +96,9 @@ void put_safely(std::FILE *stream, const char *text);
 void put_buff(std::FILE *stream, const char *line, unsigned column);
 
 /// Reports an error number with the line where it was found; 999 prints nothing, 1000 the line and caret alone.
-void error_no(int number, unsigned long line_no, const char *line, unsigned column);
+void error_no(int number, std::uint64_t line_no, const char *line, unsigned column);
 
 /// Reports a warning number with the line where it was found, unless warnings are suppressed.
-void warning_no(int number, unsigned long line_no, const char *line, unsigned column);
+void warning_no(int number, std::uint64_t line_no, const char *line, unsigned column);
 
 } // namespace orlo

@@ -1,8 +1,10 @@
 #include "driver/run.h"
+#include "platform/folder.h"
 #include "platform/memory_limit.h"
 
 int main(int argc, char **argv)
 {
     orlo::limit_memory();
+    orlo::enter_folder();
     return orlo::run(argc, argv);
 }

@@ -20,9 +20,15 @@ namespace {
 constexpr char banner[]  = "\nOrlo (%s, %s, %s)\n";
 constexpr char credits[] = "A score generator for Csound and MIDI\n";
 
+// the build settles them, so that the same sources give the same bytes, or the compiler
+#ifndef ORLO_DATE
+#define ORLO_DATE __DATE__
+#define ORLO_TIME __TIME__
+#endif
+
 void print_version(std::FILE *stream)
 {
-    std::fprintf(stream, banner, ORLO_VERSION, __DATE__, __TIME__);
+    std::fprintf(stream, banner, ORLO_VERSION, ORLO_DATE, ORLO_TIME);
     std::fputs(credits, stream);
 }
 

@@ -26,11 +26,13 @@
 #include "output/midi_conversion.h"
 #include "output/midi_file.h"
 #include "output/score_writer.h"
+#include "platform/memory_limit.h"
 #include "platform/output_files.h"
 #include "platform/screen.h"
 #include "platform/standard_streams.h"
 #include "words/values.h"
 
+#include <cstdlib>
 #include <string_view>
 
 namespace orlo {
@@ -199,6 +201,21 @@ int do_blocks(Input &in, std::FILE *out, Progress &progress)
     return OK;
 }
 
+// What is being run, for an end in the middle.
+struct Running {
+    Files       *files;
+    const Input *in;
+};
+
+Running running{nullptr, nullptr}; // set by run
+
+// where memory that is exhausted can't be thrown
+[[noreturn]] void end_exhausted()
+{
+    error_no(OUT_OF_MEMORY, running.in->line_no, running.in->line, running.in->pos);
+    std::exit(fail(*running.files));
+}
+
 int run_input(Files &files, Input &in, bool look_further)
 {
     in.stream = files.in;
@@ -241,15 +258,17 @@ int run(int argc, const char *const *argv)
 {
     reset();
     secure_standard_streams();
+    Files files{};
+    Input in{};
+    running = {&files, &in};
+    on_exhaustion(end_exhausted);
     if (get_options(argc, argv) != 0 || check_fnames() != 0)
         return FAILURE;
-    Files files{};
     if (!open_files(files, WHOLE))
         return fail_with(FULLY_REPORTED, files);
     print_info(stderr);
     if (const int error = combine_input(files, WHOLE))
         return fail_with(error, files);
-    Input in{};
     return run_input(files, in, false);
 }
 

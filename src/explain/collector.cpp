@@ -2,10 +2,9 @@
 
 #include "explain/collector.h"
 
+#include "base/exhaustion.h"
 #include "explain/gathering.h"
 #include "explain/told.h"
-
-#include <new>
 
 namespace orlo::explain {
 namespace {
@@ -17,11 +16,7 @@ template <class... Arguments, void (*function)(Arguments...)> struct Guarded<fun
     {
         if (now.lost)
             return;
-        try {
-            function(arguments...);
-        } catch (const std::bad_alloc &) {
-            now.lost = true;
-        }
+        now.lost = unless_exhausted([&] { return function(arguments...), false; }, true);
     }
 };
 
@@ -101,7 +96,7 @@ void start_collecting(Piece &piece, Detail detail)
 
 const Observer &collecting_observer(Detail detail) { return detail == Detail::events ? functions : without_events; }
 
-void end_collecting()
+bool end_collecting()
 {
     const bool lost = now.lost;
     if (!lost) {
@@ -109,8 +104,7 @@ void end_collecting()
         now.piece->source.index_files();
     }
     now = {};
-    if (lost)
-        throw std::bad_alloc{};
+    return !lost;
 }
 
 } // namespace orlo::explain

@@ -18,7 +18,7 @@ void start_collecting(Piece &piece, Detail detail);
 /// What the collector is told by, with such detail.
 [[nodiscard]] const Observer &collecting_observer(Detail detail);
 
-/// The run is over: what is still open is closed. Where memory was exhausted, std::bad_alloc comes here, and not into the run.
-void end_collecting();
+/// The run is over: what is still open is closed. @return false when memory was exhausted, which is not told into the run
+[[nodiscard]] bool end_collecting();
 
 } // namespace orlo::explain

@@ -3,6 +3,7 @@
 
 #include "explain/explain.h"
 
+#include "base/exhaustion.h"
 #include "base/observer.h"
 #include "base/visible_text.h"
 #include "driver/run.h"
@@ -13,15 +14,17 @@
 #include "explain/options.h"
 #include "explain/say.h"
 #include "platform/folder.h"
+#include "platform/memory_limit.h"
 #include "platform/output_files.h"
 #include "platform/standard_streams.h"
+#include "platform/temporary_file.h"
 #include "platform/terminal.h"
 #include "platform/whole_file.h"
 
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <new>
+#include <cstdlib>
 
 namespace orlo::explain {
 namespace {
@@ -30,11 +33,20 @@ constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
 constexpr int USAGE   = 2;
 
+constexpr int EXHAUSTED = -1; // no status: there was not enough memory
+
 constexpr char STANDARD_OUTPUT[] = "-";
 
 bool complain(const std::string &text)
 {
     say("orlo-explain: " + text);
+    return false;
+}
+
+// without asking for more
+bool complain_of_memory()
+{
+    std::fputs("orlo-explain: not enough memory\n", stderr);
     return false;
 }
 
@@ -101,33 +113,35 @@ bool write(Piece &piece, const Options &options, const Heading &heading, std::FI
     return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
 
+// what is not complete when it is left goes
+struct Output {
+    WholeFile   file;
+    std::string fault; // empty when the file is open
+
+    explicit Output(const std::string &name) : fault(open_whole(file, name)) {}
+    Output(const Output &)            = delete;
+    Output &operator=(const Output &) = delete;
+    ~Output() { static_cast<void>(close_whole(file, false)); }
+};
+
 bool write_out(Piece &piece, const Options &options, const Heading &heading)
 {
     if (is_input(piece, options.out))
         return complain(options.out + " would be overwritten: name another file with -o");
-    WholeFile   file;
-    std::string fault    = open_whole(file, options.out);
-    bool        complete = false;
-    try {
-        complete = fault.empty() && write(piece, options, heading, file.stream);
-    } catch (...) {
-        static_cast<void>(close_whole(file, false));
-        throw;
-    }
-    const std::string lost = close_whole(file, complete);
-    if (fault.empty())
-        fault = lost;
-    if (complete && fault.empty())
+    Output            out(options.out);
+    const bool        complete = out.fault.empty() && write(piece, options, heading, out.file.stream);
+    const std::string lost     = close_whole(out.file, complete);
+    if (complete && lost.empty())
         return true;
-    return cant_write(options.out, fault);
+    return cant_write(options.out, out.fault.empty() ? lost : out.fault);
 }
 
-void run_piece(const Options &options, Heading &heading, Extent extent, Detail detail)
+bool run_piece(const Options &options, Heading &heading, Extent extent, Detail detail)
 {
     observer       = &collecting_observer(detail);
     heading.status = explain_run(options.piece.c_str(), options.midi, extent);
     observer       = nullptr;
-    end_collecting();
+    return end_collecting() || complain_of_memory();
 }
 
 bool explain(const Options &options)
@@ -145,8 +159,8 @@ bool explain(const Options &options)
     if (heading.csd)
         piece.source.skip_in_piece(score.begin, score.line);
     start_collecting(piece, detail);
-    run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail);
-    return write_out(piece, options, heading);
+    return run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail) &&
+           write_out(piece, options, heading);
 }
 
 bool print(const char *text)
@@ -175,18 +189,26 @@ int do_task(int argc, const char *const *argv)
     return USAGE;
 }
 
+[[noreturn]] void end_exhausted()
+{
+    remove_temporary_file();
+    remove_unfinished();
+    complain_of_memory();
+    std::exit(FAILURE);
+}
+
 } // namespace
 
 int run(int argc, const char *const *argv)
 {
     std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
     std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
-    try {
-        return do_task(argc, argv);
-    } catch (const std::bad_alloc &) {
-        std::fputs("orlo-explain: not enough memory\n", stderr); // without asking for more
-        return FAILURE;
-    }
+    on_exhaustion(end_exhausted);
+    const int status = unless_exhausted([&] { return do_task(argc, argv); }, EXHAUSTED);
+    if (status != EXHAUSTED)
+        return status;
+    complain_of_memory();
+    return FAILURE;
 }
 
 } // namespace orlo::explain

@@ -3,6 +3,7 @@
 #include "input/constants.h"
 
 #include "base/clock.h"
+#include "base/exhaustion.h"
 #include "base/numerics.h"
 #include "base/switches.h"
 #include "diag/messages.h"
@@ -15,7 +16,6 @@
 #include "input/scanners.h"
 
 #include <charconv>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -204,24 +204,23 @@ void skip_plain(Input &in)
         ++in.pos;
 }
 
+int define(Input &in)
+{
+    Constant      constant{{}, 0.0};
+    std::uint32_t begin = 0;
+    if (const int error = get_var(constant, begin, in))
+        return error;
+    if (observer != nullptr)
+        observer->constant_defined(constant.name.c_str(), constant.value, begin, in.pos,
+                                   find_named(var_list, constant.name) == nullptr);
+    return add_named(var_list, std::move(constant)) ? OK : DUPLICATE_CONSTANT;
+}
+
 } // namespace
 
 int parse_var(Input &in)
 {
-    if (peek(in) != 'c')
-        return OK;
-    try {
-        Constant      constant{{}, 0.0};
-        std::uint32_t begin = 0;
-        if (const int error = get_var(constant, begin, in))
-            return error;
-        if (observer != nullptr)
-            observer->constant_defined(constant.name.c_str(), constant.value, begin, in.pos,
-                                       find_named(var_list, constant.name) == nullptr);
-        return add_named(var_list, std::move(constant)) ? OK : DUPLICATE_CONSTANT;
-    } catch (const std::bad_alloc &) {
-        return NO_MEMORY_CONSTANT;
-    }
+    return peek(in) == 'c' ? unless_exhausted([&] { return define(in); }, NO_MEMORY_CONSTANT) : OK;
 }
 
 int parse_variables(Input &in, const DefinitionMarks &marks)
@@ -247,11 +246,7 @@ int parse_variables(Input &in, const DefinitionMarks &marks)
 
 int expand_variables(Input &in)
 {
-    try {
-        return expand_reference(in);
-    } catch (const std::bad_alloc &) {
-        return OUT_OF_MEMORY;
-    }
+    return unless_exhausted([&] { return expand_reference(in); }, OUT_OF_MEMORY);
 }
 
 int find_vname(double &value, Input &in)

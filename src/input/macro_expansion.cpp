@@ -5,6 +5,7 @@
 
 #include "input/macro_expansion.h"
 
+#include "base/exhaustion.h"
 #include "base/switches.h"
 #include "diag/messages.h"
 #include "diag/report.h"
@@ -13,7 +14,6 @@
 #include "input/names.h"
 
 #include <cstring>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -319,11 +319,7 @@ int parse_macros(Input &in, DefinitionMarks &marks)
 
 int expand_macro(Input &in)
 {
-    try {
-        return expand_in_line(in);
-    } catch (const std::bad_alloc &) {
-        return OUT_OF_MEMORY;
-    }
+    return unless_exhausted([&] { return expand_in_line(in); }, OUT_OF_MEMORY);
 }
 
 int replace_in_line(Input &in, std::size_t start, std::size_t end, const char *text, std::size_t length)

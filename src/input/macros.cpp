@@ -3,6 +3,7 @@
 
 #include "input/macros.h"
 
+#include "base/exhaustion.h"
 #include "diag/messages.h"
 #include "diag/report.h"
 #include "input/comment_flags.h"
@@ -11,7 +12,6 @@
 #include "input/names.h"
 
 #include <cstring>
-#include <new>
 #include <utility>
 
 namespace orlo {
@@ -200,11 +200,7 @@ int run_directive(Input &in)
 
 int parse_macro(Input &in)
 {
-    try {
-        return run_directive(in);
-    } catch (const std::bad_alloc &) {
-        return OUT_OF_MEMORY;
-    }
+    return unless_exhausted([&] { return run_directive(in); }, OUT_OF_MEMORY);
 }
 
 const Macro *find_macro(std::string_view name) { return find_named(macro_list, name); }

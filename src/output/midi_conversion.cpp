@@ -134,7 +134,7 @@ int List2MIDI(Event *&list, std::int32_t n, std::uint64_t &length)
         tell(Severity::warning, "\n\n", "Oops i-block %d is all rests!", " ", I_NO);
         return 0;
     }
-    PendingHeap heap{static_cast<Pending *>(std::malloc(count_notes(list) * sizeof(Pending))), 0};
+    PendingHeap heap{static_cast<Pending *>(std::malloc(static_cast<std::size_t>(count_notes(list)) * sizeof(Pending))), 0};
     if (heap.items == nullptr)
         return -1;
     Track  track{nullptr, 0.0F, 0};

@@ -8,4 +8,7 @@ namespace orlo {
 /// Path of the working folder; empty when the system doesn't tell.
 [[nodiscard]] std::string working_folder();
 
+/// Goes to the folder that the program is meant to work in, where the system doesn't start it there.
+void enter_folder();
+
 } // namespace orlo

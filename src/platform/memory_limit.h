@@ -8,4 +8,8 @@ namespace orlo {
 /// the limits of its control groups. Where the system doesn't tell, or a lower limit is set already, nothing changes.
 void limit_memory();
 
+/// Has the program end through a function, which must not return, when memory is exhausted and that can't be thrown; where it can,
+/// nothing changes.
+void on_exhaustion(void (*end)());
+
 } // namespace orlo

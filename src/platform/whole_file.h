@@ -21,9 +21,12 @@ struct WholeFile {
 /// @return what went wrong, as the system says it; empty when nothing did
 [[nodiscard]] std::string open_whole(WholeFile &file, const std::string &name);
 
-/// Closes the file, and gives it its name.
+/// Closes the file, and gives it its name. A second time nothing is done.
 /// @param complete all was written; if not, it goes, and an earlier file stays
 /// @return what went wrong; empty when nothing did
 [[nodiscard]] std::string close_whole(WholeFile &file, bool complete);
+
+/// Removes what is not complete, if there is anything; to be called where the program ends in the middle.
+void remove_unfinished();
 
 } // namespace orlo

@@ -2,7 +2,9 @@
 
 #include "view/view.h"
 
+#include "base/exhaustion.h"
 #include "base/visible_text.h"
+#include "platform/memory_limit.h"
 #include "platform/terminal.h"
 #include "view/build_score.h"
 #include "view/files.h"
@@ -17,7 +19,7 @@
 
 #include <csignal>
 #include <cstdio>
-#include <new>
+#include <cstdlib>
 #include <sys/stat.h>
 
 namespace orlo::view {
@@ -26,6 +28,8 @@ namespace {
 constexpr int SUCCESS = 0;
 constexpr int FAILURE = 1;
 constexpr int USAGE   = 2;
+
+constexpr int EXHAUSTED = -1; // no status: there was not enough memory
 
 bool complain(const std::string &text)
 {
@@ -174,6 +178,15 @@ int print(const char *text)
     return fault.empty() || complain("can't write the standard output: " + fault) ? SUCCESS : FAILURE;
 }
 
+// without asking for more
+int complain_of_memory()
+{
+    std::fputs("orlo-view: not enough memory\n", stderr);
+    return FAILURE;
+}
+
+[[noreturn]] void end_exhausted() { std::exit(complain_of_memory()); }
+
 } // namespace
 
 int run(int argc, const char *const *argv)
@@ -191,12 +204,9 @@ int run(int argc, const char *const *argv)
     case Command::refuse:
         return USAGE;
     }
-    try {
-        return view(options) ? SUCCESS : FAILURE;
-    } catch (const std::bad_alloc &) {
-        complain("not enough memory");
-        return FAILURE;
-    }
+    on_exhaustion(end_exhausted);
+    const int status = unless_exhausted([&] { return view(options) ? SUCCESS : FAILURE; }, EXHAUSTED);
+    return status == EXHAUSTED ? complain_of_memory() : status;
 }
 
 } // namespace orlo::view

@@ -30,6 +30,8 @@ struct Deaf {
 
 template <std::size_t... each> constexpr orlo::Observer all_deaf(std::index_sequence<each...>) { return {((void)each, Deaf{})...}; }
 
+constexpr int NOT_ENOUGH_MEMORY = 3; // a status of its own
+
 constexpr std::size_t    FUNCTIONS = sizeof(orlo::Observer) / sizeof(Function<>);
 constexpr orlo::Observer deaf      = all_deaf(std::make_index_sequence<FUNCTIONS>{});
 
@@ -42,8 +44,7 @@ int run_gathered(const std::vector<const char *> &arguments, Detail detail)
     orlo::observer   = &orlo::explain::collecting_observer(detail);
     const int status = run(arguments);
     orlo::observer   = nullptr;
-    orlo::explain::end_collecting();
-    return status;
+    return orlo::explain::end_collecting() ? status : NOT_ENOUGH_MEMORY;
 }
 
 } // namespace

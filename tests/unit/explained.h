@@ -49,7 +49,8 @@ inline int explain(const std::string &name, explain::Piece &piece, explain::Deta
     const int status = explain_run(name.c_str(), false, {0, WHOLE_FILE});
     observer         = nullptr;
     show_screen(true); // tests may share a process
-    explain::end_collecting();
+    if (!explain::end_collecting())
+        throw std::bad_alloc{};
     return status;
 }
 

@@ -11,4 +11,6 @@ std::string working_folder()
     return getcwd(path, sizeof path) != nullptr ? path : "";
 }
 
+void enter_folder() {}
+
 } // namespace orlo

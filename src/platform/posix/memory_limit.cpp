@@ -41,4 +41,6 @@ void limit_memory()
     static_cast<void>(setrlimit(RLIMIT_DATA, &limit));
 }
 
+void on_exhaustion(void (*)()) {}
+
 } // namespace orlo

@@ -1,9 +1,9 @@
-// mkstemp makes a file that nobody else has or can read (POSIX.1-2017), whatever the umask says. The folder that the user names
-// comes first; where no file can be made in it, the system's own.
+// The folder that the user names comes first; where no file can be made in it, the system's own.
 
 #include "platform/temporary_file.h"
 
 #include "platform/ending_signals.h"
+#include "platform/new_file.h"
 #include "platform/output_files.h"
 #include "platform/screen.h"
 
@@ -16,6 +16,7 @@ namespace orlo {
 namespace {
 
 constexpr char NAME_PATTERN[] = "/fileXXXXXX";
+constexpr char USUAL_FOLDER[] = "/tmp"; // which there always is (POSIX.1-2017, 10.1)
 
 char                       tmp_fname[PATH_MAX];      // settled before file_exists is set
 char                       large_piece[LARGE_WRITE]; // of the file, on its way to it
@@ -33,14 +34,14 @@ void remove_in_signal()
 int make_file(const char *folder)
 {
     const int length = std::snprintf(tmp_fname, sizeof tmp_fname, "%s%s", folder, NAME_PATTERN);
-    return length < static_cast<int>(sizeof tmp_fname) ? mkstemp(tmp_fname) : -1;
+    return length < static_cast<int>(sizeof tmp_fname) ? make_new_file(tmp_fname) : -1;
 }
 
 int make_file_somewhere()
 {
     const char *named = std::getenv("TMPDIR");
     const int   file  = named != nullptr && *named != '\0' ? make_file(named) : -1;
-    return file >= 0 ? file : make_file(P_tmpdir);
+    return file >= 0 ? file : make_file(USUAL_FOLDER);
 }
 
 // the open file as a stream, null without one

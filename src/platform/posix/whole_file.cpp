@@ -1,16 +1,16 @@
-// The name for the time being is made by mkstemp in the folder of the file, so that rename, which replaces a file at once
+// The name for the time being is one in the folder of the file, so that rename, which replaces a file at once
 // (POSIX.1-2017), stays within a file system. A link is followed first: what it leads to is replaced, not the link.
 
 #include "platform/whole_file.h"
 
 #include "platform/ending_signals.h"
+#include "platform/new_file.h"
 
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,20 +24,11 @@ volatile std::sig_atomic_t file_exists = 0;
 
 std::string last_error() { return std::strerror(errno); } // NOLINT(concurrency-mt-unsafe)
 
-// called by a signal, which may come at any time
-void remove_in_signal()
-{
-    if (file_exists != 0)
-        static_cast<void>(unlink(unfinished));
-}
-
 // the file that a name leads to, also where that is not there yet; empty where links lead in a circle
 std::string resolved(std::string name)
 {
     for (int links = 0; links < MOST_LINKS; ++links) {
-        char path[PATH_MAX];
-        if (realpath(name.c_str(), path) != nullptr)
-            return path;
+        char          path[PATH_MAX];
         const ssize_t length = readlink(name.c_str(), path, sizeof path);
         if (length < 0)
             return name;
@@ -47,20 +38,6 @@ std::string resolved(std::string name)
     }
     errno = ELOOP;
     return "";
-}
-
-// what rename would replace all the same
-bool is_protected(const std::string &name) { return faccessat(AT_FDCWD, name.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT; }
-
-// the mode that a new file of the name has: that of the earlier one, or what the user's mask leaves
-mode_t mode_of(const std::string &name)
-{
-    struct stat about {};
-    if (stat(name.c_str(), &about) == 0)
-        return about.st_mode & 07777U;
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666U & ~mask;
 }
 
 std::string open_in_place(WholeFile &file, const std::string &name)
@@ -76,13 +53,13 @@ std::string open_beside(WholeFile &file)
     if (pattern.size() >= sizeof unfinished)
         return std::strerror(ENAMETOOLONG); // NOLINT(concurrency-mt-unsafe)
     std::memcpy(unfinished, pattern.c_str(), pattern.size() + 1);
-    const int number = mkstemp(unfinished);
+    const int number = make_new_file(unfinished);
     if (number < 0)
         return last_error();
     file.temporary = unfinished;
     file_exists    = 1;
-    on_ending_signal(remove_in_signal);
-    static_cast<void>(fchmod(number, mode_of(file.name)));
+    on_ending_signal(remove_unfinished);
+    share_as(number, file.name);
     file.stream = fdopen(number, "w");
     return file.stream != nullptr ? "" : last_error();
 }
@@ -94,6 +71,13 @@ void forget()
 }
 
 } // namespace
+
+// called by a signal as well, which may come at any time
+void remove_unfinished()
+{
+    if (file_exists != 0)
+        static_cast<void>(unlink(unfinished));
+}
 
 bool is_special(const std::string &name)
 {
@@ -112,7 +96,7 @@ std::string open_whole(WholeFile &file, const std::string &name)
     if (is_special(name))
         return open_in_place(file, name);
     file.name = resolved(name);
-    if (file.name.empty() || is_protected(file.name))
+    if (file.name.empty() || is_protected(file.name)) // which rename would replace all the same
         return last_error();
     hold_ending_signals();
     std::string fault = open_beside(file);
@@ -135,6 +119,7 @@ std::string close_whole(WholeFile &file, bool complete)
         fault = last_error();
     if (!complete || !fault.empty())
         static_cast<void>(unlink(file.temporary.c_str()));
+    file.temporary.clear();
     forget();
     release_ending_signals();
     return fault;
