@@ -2,7 +2,11 @@
 
 include(GNUInstallDirs)
 
-install(TARGETS orlo orlo-explain orlo-view RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+set(programs orlo orlo-explain)
+if(TARGET orlo-view)
+  list(APPEND programs orlo-view)
+endif()
+install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(FILES docs/man/orlo.1 docs/man/orlo-explain.1 docs/man/orlo-view.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/orlo.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)

@@ -1,6 +1,5 @@
 // A 32-bit float is a mantissa of 24 bits times a power of two, so that value * 10^decimals is the mantissa times 10^decimals,
-// shifted: below 2^39 it fits into 64 bits, and the bits shifted out tell how to round. Larger values, infinities and what is no
-// number go through the C library.
+// shifted: below 2^39 it fits into 64 bits, and the bits shifted out tell how to round. Larger values go through the C library.
 
 #include "base/number_text.h"
 
@@ -10,7 +9,10 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <string>
+#include <version>
 
 namespace orlo {
 namespace {
@@ -108,9 +110,52 @@ char *put_group(char *end, std::uint64_t number, int digits, int decimals)
     return start;
 }
 
+char *put_not_finite(char *text, double value, int width)
+{
+    const std::string_view word = not_finite_text(value);
+    for (int blanks = width - static_cast<int>(word.size()); blanks > 0; --blanks)
+        *text++ = ' ';
+    return std::copy(word.begin(), word.end(), text);
+}
+
+// takes one of two characters off a text that begins with it
+bool take(std::string_view &text, char one, char other)
+{
+    const bool taken = text.starts_with(one) || text.starts_with(other);
+    text.remove_prefix(taken ? 1 : 0);
+    return taken;
+}
+
+// takes digits off a text; returns whether there are any
+bool take_digits(std::string_view &text)
+{
+    const std::size_t count = std::min(text.find_first_not_of("0123456789"), text.size());
+    text.remove_prefix(count);
+    return count > 0;
+}
+
+// decimal -> [ "-" ] ( digits [ "." [ digits ] ] | "." digits ) [ ( "e" | "E" ) [ "+" | "-" ] digits ]
+bool is_decimal(std::string_view text)
+{
+    take(text, '-', '-');
+    bool digits = take_digits(text);
+    if (take(text, '.', '.'))
+        digits = take_digits(text) || digits;
+    if (digits && take(text, 'e', 'E')) {
+        take(text, '+', '-');
+        digits = take_digits(text);
+    }
+    return digits && text.empty();
+}
+
 } // namespace
 
-double printable(double value) { return std::isnan(value) ? std::copysign(value, -1.0) : value; }
+std::string_view not_finite_text(double value)
+{
+    if (std::isnan(value))
+        return "-nan";
+    return value < 0.0 ? "-inf" : "inf";
+}
 
 char *put_real(char *text, float value, int width, int decimals)
 {
@@ -118,7 +163,7 @@ char *put_real(char *text, float value, int width, int decimals)
     const auto exponent = static_cast<int>(bits >> MANTISSA_BITS & 0xFF);
     const int  shift    = exponent - EXPONENT_BIAS;
     if (shift > LARGEST_SHIFT)
-        return text + std::snprintf(text, LONGEST_NUMBER, "%*.*f", width, decimals, printable(static_cast<double>(value)));
+        return put_double(text, static_cast<double>(value), width, decimals);
 
     // of numbers that have no hidden bit, 0 among them, nothing is left by the shift
     const std::uint64_t mantissa = (bits & (HIDDEN_BIT - 1)) | HIDDEN_BIT;
@@ -136,6 +181,20 @@ char *put_real(char *text, float value, int width, int decimals)
     return end;
 }
 
+char *put_double(char *text, double value, int width, int decimals)
+{
+    if (!std::isfinite(value))
+        return put_not_finite(text, value, width);
+    return text + std::snprintf(text, LONGEST_DOUBLE, "%*.*f", width, decimals, value);
+}
+
+void print_real(std::FILE *stream, float value, int width, int decimals)
+{
+    char        text[LONGEST_NUMBER];
+    const char *end = put_real(text, value, width, decimals);
+    std::fwrite(text, 1, static_cast<std::size_t>(end - text), stream);
+}
+
 char *put_whole(char *text, std::int32_t value, int width)
 {
     char                       buffer[LONGEST_NUMBER];
@@ -145,6 +204,28 @@ char *put_whole(char *text, std::int32_t value, int width)
         *text++ = ' ';
     std::memcpy(text, buffer, static_cast<std::size_t>(length));
     return text + length;
+}
+
+#ifdef __cpp_lib_to_chars
+bool read_double(std::string_view text, double &value)
+{
+    if (!is_decimal(text))
+        return false;
+    if (std::from_chars(text.data(), text.data() + text.size(), value).ec == std::errc{})
+        return true;
+    return read_double_by_library(text, value); // out of range
+}
+#else
+bool read_double(std::string_view text, double &value) { return read_double_by_library(text, value); }
+#endif
+
+// its point is that of the locale, which no program of ours sets
+bool read_double_by_library(std::string_view text, double &value)
+{
+    if (!is_decimal(text))
+        return false;
+    value = std::strtod(std::string{text}.c_str(), nullptr);
+    return true;
 }
 
 } // namespace orlo

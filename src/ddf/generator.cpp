@@ -260,7 +260,8 @@ float curve_at(const Place &place, float curve, float exponent, float start, flo
     const float time = place.event->beat - place.first;
     if (screen_is_shown()) {
         flush_screen();
-        std::printf("\ntime = %f", printable(static_cast<double>(time)));
+        std::fputs("\ntime = ", stdout);
+        print_real(stdout, time, 0, 6);
     }
     return tplot_val(code - TIME_CURVE, time, place.last + place.first, start, end, power);
 }

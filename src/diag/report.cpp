@@ -116,7 +116,7 @@ void put_foreign(Text &out, std::string_view text, std::string_view layout)
 
 void put_conversion(Text &out, const MprintfArg &arg)
 {
-    char number[400]; // the longest double has 309 digits before its point
+    char number[LONGEST_DOUBLE];
     switch (arg.kind) {
     case MprintfArg::Kind::whole:
         put_block(out, number, std::to_chars(number, number + sizeof number, arg.whole).ptr);
@@ -125,7 +125,7 @@ void put_conversion(Text &out, const MprintfArg &arg)
         put_block(out, number, put_real(number, arg.single, 7, 2));
         break;
     case MprintfArg::Kind::real:
-        put_block(out, number, number + std::snprintf(number, sizeof number, "%7.2f", printable(arg.real)));
+        put_block(out, number, put_double(number, arg.real, 7, 2));
         break;
     case MprintfArg::Kind::character:
         put(out, arg.character);

@@ -4,6 +4,7 @@
 
 #include "base/switches.h"
 #include "diag/report.h"
+#include "platform/file_identity.h"
 #include "platform/output_files.h"
 
 #include <cstring>

@@ -3,6 +3,7 @@
 
 #include "events/event_list.h"
 
+#include "base/number_text.h"
 #include "base/numerics.h"
 #include "base/observer.h"
 #include "events/arena.h"
@@ -280,12 +281,17 @@ void TraverseList(const Event *list, std::FILE *stream, std::int32_t n)
         return;
     const Event *event = list->next;
     do {
-        std::fprintf(stream, "\nST %7.3f\t", static_cast<double>(event->start));
-        std::fprintf(stream, "D %7.3f\t", static_cast<double>(event->dur));
-        std::fprintf(stream, "BT%7.3f\t", static_cast<double>(event->beat));
-        std::fprintf(stream, "CODE %d\t", event->code);
-        for (std::int32_t i = 0; i < n - 3; ++i)
-            std::printf("%9.4f\t", static_cast<double>(event->pf[i]));
+        std::fputs("\nST ", stream);
+        print_real(stream, event->start, 7, 3);
+        std::fputs("\tD ", stream);
+        print_real(stream, event->dur, 7, 3);
+        std::fputs("\tBT", stream);
+        print_real(stream, event->beat, 7, 3);
+        std::fprintf(stream, "\tCODE %d\t", event->code);
+        for (std::int32_t i = 0; i < n - 3; ++i) {
+            print_real(stdout, event->pf[i], 9, 4);
+            std::putchar('\t');
+        }
         event = event->next;
     } while (event != list->next);
 }

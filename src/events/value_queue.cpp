@@ -3,6 +3,8 @@
 
 #include "events/value_queue.h"
 
+#include "base/number_text.h"
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -71,7 +73,9 @@ void TraverseQ(const QueueNode *queue, int direction)
     const QueueNode *start = direction != 0 ? queue : queue->next;
     const QueueNode *node  = start;
     do {
-        std::printf("\n%f %d", static_cast<double>(node->value), node->code);
+        std::putchar('\n');
+        print_real(stdout, node->value, 0, 6);
+        std::printf(" %d", node->code);
         node = direction != 0 ? node->prev : node->next;
     } while (node != start);
 }

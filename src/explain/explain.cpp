@@ -13,16 +13,15 @@
 #include "explain/gcc_messages.h"
 #include "explain/options.h"
 #include "explain/say.h"
+#include "platform/file_identity.h"
 #include "platform/folder.h"
 #include "platform/memory_limit.h"
-#include "platform/output_files.h"
 #include "platform/standard_streams.h"
 #include "platform/temporary_file.h"
 #include "platform/terminal.h"
 #include "platform/whole_file.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -201,8 +200,7 @@ int do_task(int argc, const char *const *argv)
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
+    outlive_lost_writes();
     on_exhaustion(end_exhausted);
     const int status = unless_exhausted([&] { return do_task(argc, argv); }, EXHAUSTED);
     if (status != EXHAUSTED)

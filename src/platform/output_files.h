@@ -1,5 +1,5 @@
-// output_files.h: the files that a run writes, and which file is which. An earlier file of the same name is opened as it is and
-// emptied when the first byte for it is on its way, so that a run that fails before leaves it. Writes nothing itself.
+// output_files.h: the files that a run writes. An earlier file of the same name is opened as it is and emptied when the first byte
+// for it is on its way, so that a run that fails before leaves it. Writes nothing itself.
 #pragma once
 
 #include <cstddef>
@@ -8,12 +8,6 @@
 namespace orlo {
 
 inline constexpr int MOST_OUTPUTS = 3; // score, trace and log
-
-/// Whether two names lead to one regular file, also by links. Devices and pipes are nobody's files.
-[[nodiscard]] bool same_file(const char *a, const char *b);
-
-/// Whether two names would make one file: neither exists, and their folders and last parts are the same.
-[[nodiscard]] bool same_new_file(const char *a, const char *b);
 
 /// Opens a file for writing, and makes it when there is none. @return the stream, or null
 [[nodiscard]] std::FILE *open_output(const char *name);

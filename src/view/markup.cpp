@@ -2,6 +2,7 @@
 // the whole document unreadable, so every sequence is measured before it is copied.
 #include "view/markup.h"
 
+#include "base/number_text.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -72,6 +73,8 @@ std::string number_text(double value, int digits)
     std::array<char, 64> text{};
     if (value == 0)
         return "0";
+    if (!std::isfinite(value))
+        return std::string{not_finite_text(value)};
     const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits).ptr;
     return {text.data(), end};
 }

@@ -2,9 +2,10 @@
 
 #include "view/score_text.h"
 
+#include "base/number_text.h"
+
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 
 namespace orlo::view {
 namespace {
@@ -90,9 +91,6 @@ Field take_enclosed(Text &text, char close, Mark mark)
     return {Mark::no_end, 0, {start, static_cast<std::size_t>(text.at - start)}};
 }
 
-// a number that is too large for a double, or too near to 0
-double far_number(std::string_view word) { return std::strtod(std::string{word}.c_str(), nullptr); }
-
 // what a program prints for a number that is none
 bool is_not_finite(std::string_view digits) { return digits == "inf" || digits == "nan" || digits == "-inf" || digits == "-nan"; }
 
@@ -104,14 +102,8 @@ Field read_number(std::string_view word, Mark mark)
     const bool       plus   = digits.starts_with('+');
     if (plus)
         digits.remove_prefix(1);
-    const std::size_t sign = !plus && digits.starts_with('-') ? 1 : 0;
-    if (digits.size() <= sign || (!is_digit(digits[sign]) && digits[sign] != '.'))
+    if ((plus && digits.starts_with('-')) || !read_double(digits, field.value))
         return {is_not_finite(digits) ? Mark::not_finite : Mark::unknown, 0, word};
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), field.value);
-    if (error == std::errc::invalid_argument || end != digits.data() + digits.size())
-        return {Mark::unknown, 0, word};
-    if (error == std::errc::result_out_of_range)
-        field.value = far_number(digits);
     if (!std::isfinite(field.value))
         field.mark = Mark::not_finite;
     return field;

@@ -5,6 +5,8 @@
 #include "base/exhaustion.h"
 #include "base/visible_text.h"
 #include "platform/memory_limit.h"
+#include "platform/run_orlo.h"
+#include "platform/standard_streams.h"
 #include "platform/terminal.h"
 #include "view/build_score.h"
 #include "view/files.h"
@@ -14,10 +16,8 @@
 #include "view/options.h"
 #include "view/pictures.h"
 #include "view/pitch.h"
-#include "view/run_orlo.h"
 #include "view/score_reader.h"
 
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -46,11 +46,20 @@ bool is_regular(const std::string &name)
     return stat(name.c_str(), &about) == 0 && S_ISREG(about.st_mode);
 }
 
+// a name that orlo takes for no option
+std::string name_for_orlo(const std::string &name)
+{
+    if (name == "-")
+        return "/dev/stdin";
+    return name.starts_with('-') ? "./" + name : name;
+}
+
 // text of the score that orlo makes of the file
 bool get_from_orlo(const Options &options, const Limits &limits, std::string &bytes)
 {
     std::string       messages;
-    const std::string fault = make_score(options.in, limits.bytes, bytes, messages);
+    const auto        read  = [&](const std::string &file) { return read_file(file, limits.bytes, bytes); };
+    const std::string fault = make_score(name_for_orlo(options.in), read, messages);
     if (fault.empty())
         return true;
     pass_on(messages);
@@ -191,8 +200,7 @@ int complain_of_memory()
 
 int run(int argc, const char *const *argv)
 {
-    std::signal(SIGPIPE, SIG_IGN); // a closed pipe is reported as what can't be written
-    std::signal(SIGXFSZ, SIG_IGN); // and so is a file that has reached its limit of size
+    outlive_lost_writes();
     Options options;
     switch (read_options(argc, argv, options)) {
     case Command::view:

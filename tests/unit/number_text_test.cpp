@@ -11,6 +11,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -18,6 +19,12 @@ std::string real_text(float value, int width, int decimals)
 {
     char text[orlo::LONGEST_NUMBER];
     return {text, orlo::put_real(text, value, width, decimals)};
+}
+
+std::string double_text(double value, int width, int decimals)
+{
+    char text[orlo::LONGEST_DOUBLE];
+    return {text, orlo::put_double(text, value, width, decimals)};
 }
 
 std::string whole_text(std::int32_t value, int width)
@@ -80,17 +87,88 @@ TEST(NumberText, WhatIsNoNumberIsWrittenOneWay)
     for (const float value : {std::nanf(""), -std::nanf(""), std::nanf("1"), -std::nanf("1")}) {
         EXPECT_EQ(real_text(value, 9, 3), "     -nan");
         EXPECT_EQ(real_text(value, 0, 0), "-nan");
-        EXPECT_TRUE(std::isnan(orlo::printable(static_cast<double>(value))));
-        EXPECT_TRUE(std::signbit(orlo::printable(static_cast<double>(value))));
+        EXPECT_EQ(double_text(static_cast<double>(value), 7, 2), "   -nan");
     }
 }
 
-TEST(NumberText, WhatIsANumberIsPrintable)
+TEST(NumberText, DoublesAgreeWithTheLibrary)
 {
-    for (const double value : {0.0, 1.5, -1.5, std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()})
-        EXPECT_EQ(orlo::printable(value), value);
-    EXPECT_FALSE(std::signbit(orlo::printable(0.0)));
-    EXPECT_TRUE(std::signbit(orlo::printable(-0.0)));
+    using limits = std::numeric_limits<double>;
+    for (const double value :
+         {0.0, -0.0, 1.5, -1.005, limits::max(), limits::lowest(), limits::denorm_min(), limits::infinity(), -limits::infinity()}) {
+        char      expected[orlo::LONGEST_DOUBLE];
+        const int length = std::snprintf(expected, sizeof expected, "%7.2f", value);
+        EXPECT_EQ(double_text(value, 7, 2), std::string(expected, static_cast<std::size_t>(length)));
+    }
+}
+
+TEST(NumberText, WhatIsPrintedIsWhatIsPut)
+{
+    std::FILE *file = std::tmpfile();
+    orlo::print_real(file, 1.25F, 7, 1);
+    orlo::print_real(file, std::nanf(""), 0, 6);
+    std::rewind(file);
+    char              text[32];
+    const std::size_t length = std::fread(text, 1, sizeof text, file);
+    std::fclose(file);
+    EXPECT_EQ((std::string{text, length}), "    1.2-nan");
+}
+
+TEST(NumberText, NumbersAreReadInAWholeTextAlone)
+{
+    for (const auto read : {orlo::read_double, orlo::read_double_by_library}) {
+        double value = 0;
+        for (const auto &[text, expected] : std::initializer_list<std::pair<const char *, double>>{
+                 {"0", 0},
+                 {"-0.5", -0.5},
+                 {".25", .25},
+                 {"3.", 3},
+                 {"1e3", 1000},
+                 {"1E+3", 1000},
+                 {"-2.5e-1", -.25},
+                 {"1e400", HUGE_VAL},
+                 {"-1e400", -HUGE_VAL},
+                 {"1e-400", 0},
+                 {"4.9e-324", 5e-324},
+                 {"007", 7},
+                 {"0.1", 0.1},
+                 {"123456789012345678901234567890", 123456789012345678901234567890.0}}) {
+            EXPECT_TRUE(read(text, value)) << text;
+            EXPECT_EQ(value, expected) << text;
+        }
+        value = 5;
+        for (const char *text : {"",    "-",    ".",   "-.",  "+1",   "--1", "1e", "1e+", "e1", ".e1",  "1.2.3",
+                                 "1,5", "0x10", "inf", "nan", "-nan", " 1",  "1 ", "1d",  "1f", "1e5.0"})
+            EXPECT_FALSE(read(text, value)) << text;
+        EXPECT_EQ(value, 5);
+    }
+}
+
+TEST(NumberText, ANumberEndsWithItsTextWhateverFollows)
+{
+    const std::string_view text = "1.2345";
+    for (const auto read : {orlo::read_double, orlo::read_double_by_library}) {
+        double value = 0;
+        EXPECT_TRUE(read(text.substr(0, 4), value));
+        EXPECT_EQ(value, 1.23);
+    }
+}
+
+TEST(NumberText, BothReadersGiveTheDoubleThatWasPrinted)
+{
+    std::mt19937_64 random{20};
+    for (int i = 0; i < 100'000; ++i) {
+        const auto printed = std::bit_cast<double>(random());
+        if (!std::isfinite(printed))
+            continue;
+        char text[32];
+        std::snprintf(text, sizeof text, "%.17g", printed);
+        double one   = 0;
+        double other = 0;
+        ASSERT_TRUE(orlo::read_double(text, one) && orlo::read_double_by_library(text, other)) << text;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(one), std::bit_cast<std::uint64_t>(printed)) << text;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(other), std::bit_cast<std::uint64_t>(printed)) << text;
+    }
 }
 
 TEST(NumberText, ThreeThousandthsAreRightAlignedInEight) { EXPECT_EQ(real_text(1.5F, 8, 3), "   1.500"); }

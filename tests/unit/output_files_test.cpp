@@ -1,5 +1,6 @@
 #include "platform/output_files.h"
 
+#include "platform/file_identity.h"
 #include "support.h"
 
 #include <filesystem>

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace orlo::view {
@@ -81,6 +82,8 @@ TEST(ShortNumber, IsShort)
     EXPECT_EQ("-3.14159", number_text(-3.14159265));
     EXPECT_EQ("3.1", number_text(3.14159265, 2));
     EXPECT_EQ("-0.30000000000000004", number_text(-0.1 - 0.2, 17));
+    EXPECT_EQ("-nan", number_text(std::nan("")));
+    EXPECT_EQ("-inf", number_text(-HUGE_VAL));
 }
 
 TEST(JsonNumber, GivesTheSameDoubleBack)

@@ -2,6 +2,6 @@
 
 namespace orlo {
 
-void prefer_large_pages(void *, std::size_t) {}
+void prefer_large_pages(void * /*memory*/, std::size_t /*bytes*/) {}
 
 } // namespace orlo

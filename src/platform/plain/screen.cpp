@@ -1,11 +1,14 @@
-// Without signals nothing can end the program while text is gathered but the program itself, which flushes it.
+// Text goes out by the C library. What ends a program may come in a thread of its own: who is about to write a piece takes it
+// first, so that each byte goes out once, and what is gathered is put back to its start only while the end is held back.
 
 #include "platform/screen.h"
 
+#include "platform/ending_signals.h"
 #include "platform/output_files.h"
 #include "platform/terminal.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 
@@ -14,10 +17,19 @@ namespace {
 
 constexpr std::size_t MOST_GATHERED = 32768; // bytes
 
-bool        shown     = true;
-bool        gathering = false;
-char        gathered[MOST_GATHERED];
-std::size_t used = 0;
+bool                     shown     = true;
+bool                     gathering = false;
+char                     gathered[MOST_GATHERED];
+std::atomic<std::size_t> begin = 0; // of what is gathered and not written
+std::atomic<std::size_t> end   = 0;
+
+void write_gathered()
+{
+    const std::size_t last  = end;
+    const std::size_t first = begin.exchange(last);
+    if (first < last)
+        std::fwrite(gathered + first, 1, last - first, stderr);
+}
 
 } // namespace
 
@@ -34,21 +46,18 @@ void put_on_screen(const char *text, std::size_t length)
         return;
     }
     while (length > 0) { // each round takes a part of the text
+        const std::size_t used  = end;
         const std::size_t piece = std::min(length, MOST_GATHERED - used);
         std::memcpy(gathered + used, text, piece);
-        used += piece;
-        if (used == MOST_GATHERED)
+        end = used + piece;
+        if (used + piece == MOST_GATHERED)
             flush_screen();
         text += piece;
         length -= piece;
     }
 }
 
-void gather_screen()
-{
-    if (!is_terminal(stderr) && !is_output(stderr))
-        gathering = true;
-}
+void gather_screen() { gathering = gathering || (!is_terminal(stderr) && !is_output(stderr)); }
 
 void end_gathering()
 {
@@ -58,10 +67,13 @@ void end_gathering()
 
 void flush_screen()
 {
-    std::fwrite(gathered, 1, used, stderr);
-    used = 0;
+    write_gathered();
+    hold_ending_signals();
+    begin = 0;
+    end   = 0;
+    release_ending_signals();
 }
 
-void flush_screen_in_signal() {}
+void flush_screen_in_signal() { write_gathered(); }
 
 } // namespace orlo

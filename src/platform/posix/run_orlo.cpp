@@ -1,10 +1,10 @@
-// orlo writes to a file that was created for this run alone, by mkstemp, which takes no file that exists. Signals that end the
+// orlo writes to a file that was created for this run alone. Signals that end the
 // program are held back while the file or the child comes into being or goes, so that what clears them away always knows both.
 
-#include "view/run_orlo.h"
+#include "platform/run_orlo.h"
 
 #include "platform/ending_signals.h"
-#include "view/files.h"
+#include "platform/new_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,7 +18,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace orlo::view {
+namespace orlo {
 namespace {
 
 constexpr int CANT_RUN = 127;  // status of a child that has not become orlo, as the shell has it
@@ -85,7 +85,7 @@ std::string create_temporary_file()
         return "the name of TMPDIR is too long";
     std::copy_n(name.c_str(), name.size() + 1, temporary_name);
     hold_ending_signals();
-    const int file = mkstemp(temporary_name);
+    const int file = make_new_file(temporary_name);
     if (file >= 0) {
         close(file);
         file_exists = 1;
@@ -182,25 +182,17 @@ std::string run_child(const std::string &in, std::string &messages)
     return fault;
 }
 
-// a name that orlo takes for no option
-std::string name_for_orlo(const std::string &name)
-{
-    if (name == "-")
-        return "/dev/stdin";
-    return name.starts_with('-') ? "./" + name : name;
-}
-
 } // namespace
 
-std::string make_score(const std::string &name, std::size_t most, std::string &score, std::string &messages)
+std::string make_score(const std::string &name, const TakeScore &take_score, std::string &messages)
 {
     const Clearing clearing;
     std::string    fault = create_temporary_file();
     if (fault.empty())
-        fault = run_child(name_for_orlo(name), messages);
+        fault = run_child(name, messages);
     if (fault.empty())
-        fault = read_file(temporary_name, most, score);
+        fault = take_score(temporary_name);
     return fault;
 }
 
-} // namespace orlo::view
+} // namespace orlo

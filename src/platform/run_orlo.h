@@ -3,18 +3,21 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
-namespace orlo::view {
+namespace orlo {
+
+/// Takes the score from a file. @return what went wrong, empty when nothing did
+using TakeScore = std::function<std::string(const std::string &file)>;
 
 /// Runs the orlo that lies beside this program, else the one on PATH.
-/// @param name the input; "-" is the standard input
-/// @param most bytes that the score may have
-/// @param score the score that came out
+/// @param name the input, as it stands on orlo's command line
+/// @param take_score gets the score that came out
 /// @param messages what orlo has said, at most MOST_MESSAGES bytes
 /// @return what went wrong, empty when nothing did
-[[nodiscard]] std::string make_score(const std::string &name, std::size_t most, std::string &score, std::string &messages);
+[[nodiscard]] std::string make_score(const std::string &name, const TakeScore &take_score, std::string &messages);
 
 inline constexpr std::size_t MOST_MESSAGES = 1'000'000;
 
-} // namespace orlo::view
+} // namespace orlo
