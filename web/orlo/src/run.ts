@@ -1,9 +1,9 @@
 // What a run is given and what it gives, and a run on files in memory.
 
 import type { Compiled } from './compiled.js';
-import type { Files } from './files.js';
+import type { Files, OpenFile } from './files.js';
 import { MemoryFiles, sink, source } from './memory-files.js';
-import { execute } from './wasi.js';
+import { execute, type Guest } from './wasi.js';
 
 export const programs = ['orlo', 'orlo-explain', 'orlo-view'] as const;
 export type Program = (typeof programs)[number];
@@ -62,21 +62,44 @@ const pathOf = (name: string) => (name.startsWith('/') ? name : `${WORKING_FOLDE
 
 const nameOf = (path: string) => (path.startsWith(`${WORKING_FOLDER}/`) ? path.slice(WORKING_FOLDER.length + 1) : path);
 
+/** Runs a program, which may have orlo run for it. */
+export function executeWithOrlo(program: Compiled, guest: Guest, orlo: () => Compiled): number {
+    return execute(program, {
+        ...guest,
+        runOrlo(args, name) {
+            const screen = appending(guest.files, name);
+            const status = execute(orlo(), { ...guest, args, streams: [guest.streams[0], screen, screen] });
+            screen.close();
+            return status;
+        },
+    });
+}
+
+// a file as a stream that is written at its end
+function appending(files: Files, name: string): OpenFile {
+    const file = files.open(name, { read: false, write: true, create: false, exclusive: false, truncate: false, folder: false });
+    return { ...file, seekable: false, write: from => file.write(from, Number(file.stat().size)) };
+}
+
 /** What a run gives besides files. */
 export type Shown = Pick<Result, 'status' | 'screen' | 'output'>;
 
 /** Runs a program, which must have been brought, on whatever files. */
 export function runOn(files: Files, temporaryFolder: string, modules: Modules, run: PlainRun): Shown {
-    const program = modules[run.program];
-    if (program === undefined) throw new Error(`there is no module of ${run.program}`);
+    const module = (program: Program) => {
+        const found = modules[program];
+        if (found === undefined) throw new Error(`there is no module of ${program}`);
+        return found;
+    };
     const output = sink(), screen = sink();
-    const status = execute(program, {
+    const guest: Guest = {
         args: [run.program, ...(run.args ?? [])],
         env: { ...run.env, PWD: WORKING_FOLDER, TMPDIR: temporaryFolder },
         streams: [source(bytesOf(run.stdin ?? '')), output, screen],
         files,
         memoryPages: run.memoryPages,
-    });
+    };
+    const status = executeWithOrlo(module(run.program), guest, () => module('orlo'));
     return { status, screen: screen.contents(), output: output.contents() };
 }
 

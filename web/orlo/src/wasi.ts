@@ -11,11 +11,11 @@ export interface Guest {
     streams: [OpenFile, OpenFile, OpenFile];
     files: Files;
     memoryPages?: number | undefined; // the most that it may have, of 64 KiB each
-    programs?: Programs | undefined;
+    runOrlo?: RunOrlo | undefined;
 }
 
-/** Runs another program on the same files. @returns its exit status */
-export type Programs = (args: string[], screen: string) => number;
+/** Runs orlo on the same files; what it shows is added to a file. @returns its exit status */
+export type RunOrlo = (args: string[], screen: string) => number;
 
 interface Descriptor {
     file: OpenFile;
@@ -29,10 +29,13 @@ class Exit extends Error {
     }
 }
 
+const STDIN = '/dev/stdin'; // what programs call their standard input where they need a name
 const MOST_PAGES = 65536; // all that a module can address
 const ROOT = 3; // the one folder that is open from the start
 const CREATE = 1, FOLDER = 2, EXCLUSIVE = 4, TRUNCATE = 8; // how a path is opened
 const READ = 1n << 1n, WRITE = 1n << 6n, SEEK_AND_TELL = (1n << 2n) | (1n << 5n), ALL_RIGHTS = (1n << 30n) - 1n;
+
+const CANT_RUN = -1;
 
 const encoder = new TextEncoder();
 const decoder = new TextDecoder('utf-8', { fatal: true });
@@ -202,14 +205,17 @@ export function execute(program: Compiled, guest: Guest): number {
                 read: (rights & READ) !== 0n, write: (rights & WRITE) !== 0n, create: (how & CREATE) !== 0,
                 exclusive: (how & EXCLUSIVE) !== 0, truncate: (how & TRUNCATE) !== 0, folder: (how & FOLDER) !== 0,
             };
-            const file = guest.files.open(path(folder, at, length), opening);
+            const name = path(folder, at, length);
+            const file = name === STDIN ? guest.streams[0] : guest.files.open(name, opening);
             const free = descriptors.findIndex(each => each === undefined);
             const fd = free < 0 ? descriptors.length : free;
             descriptors[fd] = { file, position: 0, append: (flags & 1) !== 0 };
             put32(result, fd);
         },
-        path_filestat_get: (fd: number, follow: number, at: number, length: number, result: number) =>
-            putStat(result, guest.files.stat(path(fd, at, length), (follow & 1) !== 0)),
+        path_filestat_get(fd: number, follow: number, at: number, length: number, result: number) {
+            const name = path(fd, at, length);
+            putStat(result, name === STDIN ? guest.streams[0].stat() : guest.files.stat(name, (follow & 1) !== 0));
+        },
         path_unlink_file: (fd: number, at: number, length: number) => guest.files.unlink(path(fd, at, length)),
         path_rename: (fd: number, at: number, length: number, newFd: number, newAt: number, newLength: number) =>
             guest.files.rename(path(fd, at, length), path(newFd, newAt, newLength)),
@@ -219,6 +225,10 @@ export function execute(program: Compiled, guest: Guest): number {
             put32(used, target.length);
         },
     };
+
+    // the one call that is not of WASI; each argument is ended by a zero
+    const run = (at: number, length: number, screenAt: number, screenLength: number) =>
+        guest.runOrlo?.(text(at, length).split('\0').slice(0, -1), text(screenAt, screenLength)) ?? CANT_RUN;
 
     // numbers come as signed, addresses are not
     const guarded = (call: (...values: never[]) => number | void) => (...values: (number | bigint)[]) => {
@@ -231,7 +241,8 @@ export function execute(program: Compiled, guest: Guest): number {
     };
     const imports: Record<string, Record<string, WebAssembly.ImportValue>> = {};
     for (const { module: room, name, kind } of WebAssembly.Module.imports(program.module)) {
-        const value = kind === 'memory' ? memory : guarded(calls[name] ?? (() => Errno.nosys));
+        const call = room === 'orlo' && name === 'run' ? run : calls[name];
+        const value = kind === 'memory' ? memory : guarded(call ?? (() => Errno.nosys));
         (imports[room] ??= {})[name] = value;
     }
     const instance = new WebAssembly.Instance(program.module, imports);

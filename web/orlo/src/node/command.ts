@@ -1,8 +1,7 @@
 // A command line: the process's own streams, and all files of the system.
 
 import fs from 'node:fs';
-import type { Program } from '../run.js';
-import { execute } from '../wasi.js';
+import { executeWithOrlo, type Program } from '../run.js';
 import { hostFile, HostFiles, TEMPORARY_FOLDER, wholeSystem } from './host-files.js';
 import { readModule } from './modules.js';
 
@@ -16,12 +15,12 @@ export function command(program: Program): never {
     try {
         const compiled = readModule(program);
         status = CRASHED;
-        status = execute(compiled, {
+        status = executeWithOrlo(compiled, {
             args: [program, ...process.argv.slice(2)],
             env: { ...process.env as Record<string, string>, PWD: workingFolder, TMPDIR: TEMPORARY_FOLDER },
             streams: [hostFile(0, true), hostFile(1, true), hostFile(2, true)],
             files: new HostFiles(toHost),
-        });
+        }, () => readModule('orlo'));
     } catch (fault) {
         fs.writeSync(2, `${program}: ${status === CRASHED ? 'ended by a fault of its own: ' : ''}${(fault as Error).message}\n`);
     }

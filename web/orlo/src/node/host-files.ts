@@ -62,7 +62,7 @@ function statOf(about: fs.BigIntStats): Stat {
 
 /**
  * An open file of the host, by its number. A stream that the process was started with is written where it stands, for others may
- * write to it, too.
+ * write to it, too; and it stays open.
  */
 export function hostFile(fd: number, isStream = false): OpenFile {
     const stat = () => host(() => statOf(fs.fstatSync(fd, { bigint: true })));
@@ -76,7 +76,7 @@ export function hostFile(fd: number, isStream = false): OpenFile {
         read: (into, position) => host(() => waiting(() => fs.readSync(fd, into, 0, into.length, place(position)))),
         write: (from, position) => host(() => waiting(() => fs.writeSync(fd, from, 0, from.length, place(position)))),
         resize: bytes => host(() => fs.ftruncateSync(fd, bytes)),
-        close: () => host(() => fs.closeSync(fd)),
+        close: () => host(() => isStream || fs.closeSync(fd)),
     };
 }
 
