@@ -105,7 +105,7 @@ def packed(package, folder):
 
 def check_names(checks, names):
     expected = {"LICENSE", "README.md", "package.json", *(f"bin/{name}.js" for name in PROGRAMS), "dist/index.d.ts",
-                "dist/index.js", "dist/worker.js", "dist/node/index.js", "dist/node/index.d.ts", "dist/orlo.wasm"}
+                "dist/index.js", "dist/worker.js", "dist/node/index.js", "dist/node/index.d.ts", *(f"dist/{name}.wasm" for name in PROGRAMS)}
     checks.must(f"the package lacks {sorted(expected - set(names))}", expected <= set(names))
     strange = [name for name in names if name not in expected and not
                (name.startswith("dist/") and name.endswith((".js", ".d.ts", ".wasm")))]
@@ -130,6 +130,10 @@ def check_command_lines(checks):
     checks.same("orlo", "quartet.orlo", "/dev/null")
     checks.same("orlo", "/dev/stdin", "/dev/stdout", given=PIECE)
     checks.same("orlo", "quartet.orlo", "out.sco", earlier={"out.sco": b"earlier" * 10000})
+    checks.same("orlo-view", "quartet.orlo", by_npx=True)
+    checks.same("orlo-view", "-o", "-", "../first.orlo", earlier={"first.html": b"earlier"})
+    checks.same("orlo-view", "-f", "txt", "-", given=b"i1 0 1 8.00\n")
+    checks.same("orlo-view", "missing.orlo")
     checks.same("orlo-explain", "--format=gcc", "wrong.orlo", by_npx=True)
     checks.same("orlo-explain", "-o", "out.json", "../first.orlo", earlier={"out.json": b"earlier"})
     checks.same("orlo-explain", "-o", "link.orlo", "../first.orlo")
