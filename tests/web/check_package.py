@@ -2,13 +2,15 @@
 
 Packs the package, installs the tarball without a network into an empty folder, and compares there what the command lines do with
 what the native programs do: by npx and directly, from another working folder, by relative and absolute names, with errors, devices,
-streams, a pipe that is closed, a signal, and when Csound calls orlo. Then a program in TypeScript is checked against the types.
+streams, a pipe that is closed, a signal, and when Csound calls orlo. Then the README's program is run, and programs in TypeScript are
+checked against the types.
 Ends with status 77 where npm or the modules are missing.
 """
 
 import argparse
-import glob
+import json
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -175,19 +177,38 @@ def check_missing_module(checks, site):
                 done.returncode == 126 and "cmake --build --preset wasm" in done.stderr)
 
 
-def check_csound(checks, site, folder):
+def check_csound(checks, site):
     if not shutil.which("csound"):
         print("left out: csound is not here")
         return
-    for document in ("first", "quartet"):
-        for source in glob.glob(os.path.join(EXAMPLES, "csd", f"{document}.csd")):
-            shutil.copy(source, folder)
-        path = os.path.join(site, "node_modules", ".bin")
-        done = subprocess.run(["csound", "-d", "-W", "-o", "out.wav", f"{document}.csd"], cwd=folder, stdout=subprocess.PIPE,
+    path = os.path.join(site, "node_modules", ".bin")
+    with open(os.path.join(EXAMPLES, "csd", "first.csd"), encoding="ascii") as file:
+        document = file.read()
+    for name, command in (("path", "orlo"), ("npx", "npx --offline orlo")):
+        with open(os.path.join(site, f"{name}.csd"), "w", encoding="ascii") as file:
+            file.write(document.replace('bin="orlo"', f'bin="{command}"'))
+        wave = os.path.join(site, f"{name}.wav")
+        done = subprocess.run(["csound", "-d", "-W", "-o", wave, f"{name}.csd"], cwd=site, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, env=os.environ | {"PATH": f"{path}:{os.environ['PATH']}"}, check=False)
-        wave = os.path.join(folder, "out.wav")
-        checks.must(f"csound, {document}: {done.stdout.decode(errors='replace')}",
+        checks.must(f"csound, by {name}: {done.stdout.decode(errors='replace')}",
                     done.returncode == 0 and os.path.isfile(wave) and os.path.getsize(wave) > 100_000)
+
+
+def check_readme(checks, package, site):
+    """The first program of the README writes the score of its piece."""
+    text = read_file(os.path.join(package, "README.md")).decode("utf-8")
+    program = re.search(r"^```js\n(.*?)^```", text, re.M | re.S)[1]
+    done = subprocess.run(["node", "--input-type=module", "-e", program], cwd=site, capture_output=True, check=False)
+    checks.must(f"the program of the README: {done.stdout} {done.stderr}",
+                done.returncode == 0 and done.stdout.startswith(b"\n;I-block #1 (i1):\ni1    0.000  1.000"))
+
+
+def check_version(checks, package):
+    """The package has the version of the programs."""
+    with open(os.path.join(package, "package.json"), encoding="utf-8") as file:
+        version = json.load(file)["version"]
+    usage = subprocess.run(checks.command("native", "orlo", False), stderr=subprocess.PIPE, check=False).stderr
+    checks.must(f"the package's version is {version}", f"\nOrlo ({version}, ".encode() in usage)
 
 
 def check_types(checks, package, site):
@@ -217,7 +238,9 @@ def main():
             check_command_lines(checks)
             check_streams(checks, folder)
             check_missing_module(checks, site)
-            check_csound(checks, site, folder)
+            check_csound(checks, site)
+            check_readme(checks, package, site)
+            check_version(checks, package)
             check_types(checks, package, site)
     except Failed as failed:
         print(failed)

@@ -1,5 +1,5 @@
-// The system that a module sees: the calls of WASI (preview 1) that the programs make. A module that imports others gets them too,
-// but is told that there is no such call.
+// The system that a module sees: the calls of WASI (preview 1) that the programs make. One that imports others is told that there is
+// no such call.
 
 import type { Compiled } from './compiled.js';
 import { Errno, Fault, Kind, type Files, type OpenFile, type Opening, type Stat } from './files.js';
@@ -34,11 +34,10 @@ const MOST_PAGES = 65536; // all that a module can address
 const ROOT = 3; // the one folder that is open from the start
 const CREATE = 1, FOLDER = 2, EXCLUSIVE = 4, TRUNCATE = 8; // how a path is opened
 const READ = 1n << 1n, WRITE = 1n << 6n, SEEK_AND_TELL = (1n << 2n) | (1n << 5n), ALL_RIGHTS = (1n << 30n) - 1n;
-
-const CANT_RUN = -1;
+const CANT_RUN = -1; // instead of a status
 
 const encoder = new TextEncoder();
-const decoder = new TextDecoder('utf-8', { fatal: true });
+const decoder = new TextDecoder('utf-8', { fatal: true, ignoreBOM: true }); // names are taken as they are
 
 /** Runs a program to its end. @returns the exit status; a trap is thrown as it is */
 export function execute(program: Compiled, guest: Guest): number {
@@ -77,11 +76,11 @@ export function execute(program: Compiled, guest: Guest): number {
     };
 
     // goes over the pieces of memory of one call until one is not filled, or not taken, as a whole
-    const transfer = (pieces: number, count: number, done: number, move: (piece: Uint8Array, before: number) => number) => {
+    const transfer = (pieces: number, count: number, done: number, move: (piece: Uint8Array) => number) => {
         let total = 0;
         for (let i = 0; i < count; ++i) {
             const piece = bytes(view().getUint32(pieces + 8 * i, true), view().getUint32(pieces + 8 * i + 4, true));
-            const moved = piece.length > 0 ? move(piece, total) : 0;
+            const moved = piece.length > 0 ? move(piece) : 0;
             total += moved;
             if (moved < piece.length) break;
         }
@@ -130,7 +129,6 @@ export function execute(program: Compiled, guest: Guest): number {
         random_get(at: number, length: number) {
             bytes(at, length).forEach((_, i, all) => (all[i] = Math.random() * 256));
         },
-        sched_yield: () => 0,
         proc_exit(status: number) {
             throw new Exit(status);
         },
@@ -174,14 +172,6 @@ export function execute(program: Compiled, guest: Guest): number {
                 return moved;
             });
         },
-        fd_pread(fd: number, pieces: number, count: number, position: bigint, done: number) {
-            const { file } = sought(fd);
-            transfer(pieces, count, done, (piece, before) => file.read(piece, Number(position) + before));
-        },
-        fd_pwrite(fd: number, pieces: number, count: number, position: bigint, done: number) {
-            const { file } = sought(fd);
-            transfer(pieces, count, done, (piece, before) => file.write(piece, Number(position) + before));
-        },
         fd_seek(fd: number, offset: bigint, from: number, at: number) {
             const descriptor = sought(fd);
             const base = [0, descriptor.position, Number(descriptor.file.stat().size)][from];
@@ -196,8 +186,6 @@ export function execute(program: Compiled, guest: Guest): number {
             descriptors[fd] = undefined;
             file.close();
         },
-        fd_sync: (fd: number) => void open(fd),
-        fd_datasync: (fd: number) => void open(fd),
 
         path_open(folder: number, _follow: number, at: number, length: number, how: number, rights: bigint, _inherited: bigint,
             flags: number, result: number) {
@@ -239,6 +227,7 @@ export function execute(program: Compiled, guest: Guest): number {
             throw fault;
         }
     };
+
     const imports: Record<string, Record<string, WebAssembly.ImportValue>> = {};
     for (const { module: room, name, kind } of WebAssembly.Module.imports(program.module)) {
         const call = room === 'orlo' && name === 'run' ? run : calls[name];
