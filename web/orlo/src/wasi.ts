@@ -20,7 +20,6 @@ export type RunOrlo = (args: string[], screen: string) => number;
 interface Descriptor {
     file: OpenFile;
     position: number;
-    append: boolean;
 }
 
 class Exit extends Error {
@@ -32,7 +31,7 @@ class Exit extends Error {
 const STDIN = '/dev/stdin'; // what programs call their standard input where they need a name
 const MOST_PAGES = 65536; // all that a module can address
 const ROOT = 3; // the one folder that is open from the start
-const CREATE = 1, FOLDER = 2, EXCLUSIVE = 4, TRUNCATE = 8; // how a path is opened
+const CREATE = 1, FOLDER = 2, EXCLUSIVE = 4, TRUNCATE = 8, APPEND = 1; // how a path is opened
 const READ = 1n << 1n, WRITE = 1n << 6n, SEEK_AND_TELL = (1n << 2n) | (1n << 5n), ALL_RIGHTS = (1n << 30n) - 1n;
 const CANT_RUN = -1; // instead of a status
 
@@ -42,8 +41,8 @@ const decoder = new TextDecoder('utf-8', { fatal: true, ignoreBOM: true }); // n
 /** Runs a program to its end. @returns the exit status; a trap is thrown as it is */
 export function execute(program: Compiled, guest: Guest): number {
     let memory = new WebAssembly.Memory({ initial: program.pages, maximum: guest.memoryPages ?? MOST_PAGES });
-    const descriptors: (Descriptor | undefined)[] = guest.streams.map(file => ({ file, position: 0, append: false }));
-    descriptors[ROOT] = { file: folderItself, position: 0, append: false };
+    const descriptors: (Descriptor | undefined)[] = guest.streams.map(file => ({ file, position: 0 }));
+    descriptors[ROOT] = { file: folderItself, position: 0 };
 
     const view = () => new DataView(memory.buffer);
     const bytes = (at: number, length: number) => new Uint8Array(memory.buffer, at, length);
@@ -146,10 +145,9 @@ export function execute(program: Compiled, guest: Guest): number {
         },
         // a terminal is a character device without the rights to seek and to tell
         fd_fdstat_get(fd: number, at: number) {
-            const { file, append } = open(fd);
+            const { file } = open(fd);
             bytes(at, 24).fill(0);
             view().setUint8(at, file.stat().kind);
-            view().setUint16(at + 2, append ? 1 : 0, true);
             put64(at + 8, file.terminal ? ALL_RIGHTS & ~SEEK_AND_TELL : ALL_RIGHTS);
             put64(at + 16, ALL_RIGHTS);
         },
@@ -165,7 +163,6 @@ export function execute(program: Compiled, guest: Guest): number {
         },
         fd_write(fd: number, pieces: number, count: number, done: number) {
             const descriptor = open(fd);
-            if (descriptor.append) descriptor.position = Number(descriptor.file.stat().size);
             transfer(pieces, count, done, piece => {
                 const moved = descriptor.file.write(piece, descriptor.position);
                 descriptor.position += moved;
@@ -189,6 +186,7 @@ export function execute(program: Compiled, guest: Guest): number {
 
         path_open(folder: number, _follow: number, at: number, length: number, how: number, rights: bigint, _inherited: bigint,
             flags: number, result: number) {
+            if ((flags & APPEND) !== 0) return Errno.notsup;
             const opening: Opening = {
                 read: (rights & READ) !== 0n, write: (rights & WRITE) !== 0n, create: (how & CREATE) !== 0,
                 exclusive: (how & EXCLUSIVE) !== 0, truncate: (how & TRUNCATE) !== 0, folder: (how & FOLDER) !== 0,
@@ -197,8 +195,9 @@ export function execute(program: Compiled, guest: Guest): number {
             const file = name === STDIN ? guest.streams[0] : guest.files.open(name, opening);
             const free = descriptors.findIndex(each => each === undefined);
             const fd = free < 0 ? descriptors.length : free;
-            descriptors[fd] = { file, position: 0, append: (flags & 1) !== 0 };
+            descriptors[fd] = { file, position: 0 };
             put32(result, fd);
+            return 0;
         },
         path_filestat_get(fd: number, follow: number, at: number, length: number, result: number) {
             const name = path(fd, at, length);

@@ -94,6 +94,11 @@ test('a run is stopped at once', async () => {
     stopping.abort();
     await assert.rejects(running, { name: 'AbortError' });
     assert.ok(performance.now() - start < 100);
+    await new Promise(resolve => setTimeout(resolve, 100));
+    const before = process.cpuUsage();
+    await new Promise(resolve => setTimeout(resolve, 300));
+    const { user, system } = process.cpuUsage(before);
+    assert.ok(user + system < 100_000, `${user + system} microseconds of work`);
     await assert.rejects(run({ program: 'orlo', signal: stopping.signal }), { name: 'AbortError' });
     const next = await run({ program: 'orlo', args: ['in.orlo', 'out.sco'], files: { 'in.orlo': piece }, signal: new AbortController().signal });
     assert.equal(next.status, 0);
@@ -105,7 +110,7 @@ test('what a worker can\'t do rejects the run', async () => {
     await assert.rejects(run({ program: 'orlo', folder: '/nowhere/at/all', signal }), /ENOENT/);
 });
 
-// module: a memory that is imported, and a start that is unreachable, or a loop without end
+// a module that imports a memory, and whose start is a trap
 const trapping = new Uint8Array([
     0, 0x61, 0x73, 0x6d, 1, 0, 0, 0, 1, 4, 1, 0x60, 0, 0, 2, 15, 1, 3, 0x65, 0x6e, 0x76, 6, 0x6d, 0x65, 0x6d, 0x6f, 0x72, 0x79, 2, 0, 3,
     3, 2, 1, 0, 7, 10, 1, 6, 0x5f, 0x73, 0x74, 0x61, 0x72, 0x74, 0, 0, 10, 5, 1, 3, 0, 0, 0xb,
@@ -114,10 +119,12 @@ const trapping = new Uint8Array([
 test('a trap is no result', async () => {
     const compiled = compileAtOnce(trapping);
     assert.equal(compiled.pages, 3);
+    let threads = 0;
     const runner = makeRunner({
         bring: async () => compiled,
         execute: runInMemory,
         newThread: () => {
+            ++threads;
             let tell: (answer: Answer) => void;
             return {
                 post: task => setImmediate(() => tell(answerTo(task as Parameters<typeof answerTo>[0], runInMemory))),
@@ -128,6 +135,7 @@ test('a trap is no result', async () => {
         },
     });
     await assert.rejects(runner.run({ program: 'orlo' }), WebAssembly.RuntimeError);
-    await assert.rejects(runner.run({ program: 'orlo', signal: new AbortController().signal }), /unreachable/);
+    for (let i = 0; i < 3; ++i) await assert.rejects(runner.run({ program: 'orlo', signal: new AbortController().signal }), /unreachable/);
+    assert.equal(threads, 1);
     assert.throws(() => runner.runSync({ program: 'orlo' }), WebAssembly.RuntimeError);
 });
