@@ -54,6 +54,10 @@ needs_for_all=(
     "clang=clang++"
     "g++-aarch64-linux-gnu=aarch64-linux-gnu-g++"
     "qemu-user=qemu-aarch64"
+    "libc++-14-dev=/usr/lib/llvm-14/include/c++/v1/version"
+    "libc++abi-14-dev=/usr/lib/llvm-14/lib/libc++abi.a"
+    "g++-mingw-w64-x86-64-posix=x86_64-w64-mingw32-g++-posix"
+    "wine64=/usr/lib/wine/wine64"
 )
 # scripts/test --coverage
 needs_for_coverage=(

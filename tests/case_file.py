@@ -187,15 +187,18 @@ def parse_variables(sections):
     return dict(line.split("=", 1) for line in lines)
 
 
+def command_beside(command, name):
+    """The command of a program in the folder of the one that a command runs: its file is the last word."""
+    *before, own = command
+    return [*before, os.path.join(os.path.dirname(own), name + os.path.splitext(own)[1])]
+
+
 def parse_command(sections, command):
     """The command of the case's program; command is that of the program under test, its file the last word."""
     names = [section.name for section in sections if section.kind == "program"]
     if len(names) > 1:
         raise CaseError("one program at a time")
-    if not names:
-        return command
-    *before, own = command
-    return [*before, os.path.join(os.path.dirname(own), names[0] + os.path.splitext(own)[1])]
+    return command_beside(command, names[0]) if names else command
 
 
 def prepare(sections, folder):

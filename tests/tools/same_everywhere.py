@@ -1,8 +1,8 @@
 """The same bytes everywhere: same_everywhere.py --orlo PROGRAM --folder FOLDER VARIANT
 
 Runs every case, every example as a score and as a MIDI file, and random pieces, with the program and with a variant of it, and
-compares all that comes out: status, screen, standard output and every file of the run. Only the banner's date may differ.
-That the program itself does what the cases say is tested elsewhere.
+compares all that comes out: status, screen, standard output and every file of the run. Only the banner's date may differ, and the
+name of the folder in a document. That the program itself does what the cases say is tested elsewhere.
 
 Variants, which are built in FOLDER/VARIANT:
   COMPILER-O0, COMPILER-O2, COMPILER-O3    by another compiler, with another optimisation
@@ -10,10 +10,14 @@ Variants, which are built in FOLDER/VARIANT:
   aarch64                                  for 64-bit Arm, run by an emulator
   no-fma                                   the program itself, with the mathematical functions that the C library has for
                                            processors which can't multiply and add in one step: their last bit differs
+  static                                   one file each, without libraries; orlo-explain, orlo-view and orlo-tables, too
+  libc++                                   by the C++ library of macOS and BSD; the others, too
+  wine                                     for Windows; orlo-explain, too. What can't be the same there is told in not-on-windows
 Ends with status 77 where a variant can't be had.
 """
 
 import argparse
+import contextlib
 import glob
 import multiprocessing
 import os
@@ -27,7 +31,8 @@ TESTS = os.path.abspath(os.path.join(os.path.dirname(__file__), ".."))
 ROOT = os.path.dirname(TESTS)
 
 sys.path[:0] = [TESTS, os.path.join(TESTS, "fuzz")]
-from run_case import difference, environment, hide_date, parse_args, parse_case, prepare, read_file
+from case_file import command_beside, parse_args, parse_case, parse_command, prepare
+from run_case import difference, environment, hide_date, leave_out, read_exclusions, read_file
 from generate_pieces import make_piece
 from pieces import included_files
 
@@ -38,7 +43,16 @@ ARM_LIBRARIES = "/usr/aarch64-linux-gnu"
 NO_FMA = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-FMA,-FMA4,-AVX2"}
 SINES = "import math; print([math.sin(i / 1000) for i in range(10000)])"
 RANDOM_PIECES = 400
-PIECE_OPTIONS = {"score": ["-t", "-l", "run.log", "-x", "trace.txt"], "midi": ["-m", "-l", "run.log", "-x", "trace.txt"]}
+WAYS = {  # in which a piece is run, or none is: program and arguments
+    "score": ("orlo", ["-t", "-l", "run.log", "-x", "trace.txt", "in.orlo", "out"]),
+    "midi": ("orlo", ["-m", "-l", "run.log", "-x", "trace.txt", "in.orlo", "out"]),
+    "document": ("orlo-explain", ["-o", "out.json", "in.orlo"]),
+    "page": ("orlo-view", ["-o", "out.html", "in.orlo"]),
+    "tables": ("orlo-tables", []),
+}
+COMPANIONS = "orlo-explain", "orlo-view", "orlo-tables"
+WINE, WINE_SERVER = "/usr/lib/wine/wine64", "/usr/lib/wine/wineserver64"  # the first of them asks for packages as wine
+NOT_ON_WINDOWS = os.path.join(TESTS, "not-on-windows")
 
 reference, other = None, None  # of a worker
 
@@ -46,10 +60,12 @@ reference, other = None, None  # of a worker
 class Program:
     """A way to run the program."""
 
-    def __init__(self, command, seconds=60, variables=None):
+    def __init__(self, command, seconds=60, variables=None, companions=(), exclusions=None):
         self.command = command  # what stands before the arguments
         self.seconds = seconds  # that a run may take
         self.variables = variables or {}
+        self.companions = companions  # that stand beside it
+        self.exclusions = exclusions  # file with the cases that are not run
 
 
 def skip(reason):
@@ -63,17 +79,64 @@ def need(*commands):
             skip(f"{command} is missing")
 
 
-def build(folder, compiler, flags, *settings):
+def build(folder, compiler, flags, *settings, companions=()):
     """Builds the program; returns its path."""
     need(compiler)
-    configure = ["cmake", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DORLO_TESTS=OFF",
+    configure = ["cmake", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DORLO_TESTS=OFF", "-DORLO_WERROR=ON",
                  f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_CXX_FLAGS_RELEASE={flags}", *settings]
-    make = ["cmake", "--build", folder, "--target", "orlo", "--parallel", str(os.cpu_count())]
+    make = ["cmake", "--build", folder, "--parallel", str(os.cpu_count()), "--target", "orlo", *companions]
     for command in (configure, make):
         run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
         if run.returncode != 0:
             sys.exit(f"{run.stdout}\n{' '.join(command)}: failed")
     return os.path.join(folder, "orlo")
+
+
+def static(folder):
+    orlo = build(folder, "g++", "-O3", "-DCMAKE_EXE_LINKER_FLAGS=-static", companions=COMPANIONS)
+    for name in "orlo", *COMPANIONS:
+        if b"/ld-linux" in read_file(os.path.join(folder, name)):
+            sys.exit(f"{name} needs libraries")
+    return Program([orlo], companions=COMPANIONS)
+
+
+def libcxx(folder):
+    need("clang++")
+    if subprocess.run(["clang++", "-stdlib=libc++", "-E", "-x", "c++", "-", "-o", os.devnull], input="#include <version>", text=True,
+                      stderr=subprocess.DEVNULL, check=False).returncode:
+        skip("libc++ is missing")
+    flags = "-DCMAKE_CXX_FLAGS=-stdlib=libc++"
+    return Program([build(folder, "clang++", "-O3", flags, companions=COMPANIONS)], companions=COMPANIONS)
+
+
+def wine(folder):
+    need("x86_64-w64-mingw32-g++-posix", WINE)
+    companions = COMPANIONS[:1]
+    toolchain = os.path.join(ROOT, "cmake", "mingw.cmake")
+    orlo = build(folder, "x86_64-w64-mingw32-g++-posix", "-O3", f"-DCMAKE_TOOLCHAIN_FILE={toolchain}", companions=companions)
+    variables = {"WINEPREFIX": os.path.join(folder, "wine"), "WINEDEBUG": "-all", "WINEDLLOVERRIDES": "mscoree,mshtml=",
+                 "LC_ALL": "C.UTF-8"}  # of the names of files
+    return Program([WINE, f"{orlo}.exe"], variables=variables, companions=companions, exclusions=NOT_ON_WINDOWS)
+
+
+OWN = {"static": static, "libc++": libcxx, "wine": wine}
+
+
+@contextlib.contextmanager
+def wine_server(program):
+    """Has one server of Wine for all runs, where they need one, which makes its folder first."""
+    if WINE not in program.command:
+        yield
+        return
+    variables = os.environ | program.variables
+    os.makedirs(program.variables["WINEPREFIX"], exist_ok=True)
+    try:
+        subprocess.run([WINE_SERVER, "-p"], env=variables, stdin=subprocess.DEVNULL, check=True)
+        subprocess.run(program.command, env=variables, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, check=False)
+        yield
+    finally:
+        subprocess.run([WINE_SERVER, "-k"], env=variables, check=False)
 
 
 def variant(name, orlo, folder):
@@ -87,6 +150,8 @@ def variant(name, orlo, folder):
         need("aarch64-linux-gnu-g++", "qemu-aarch64")
         arm = build(folder, "aarch64-linux-gnu-g++", "-O3", "-DCMAKE_SYSTEM_NAME=Linux", "-DCMAKE_SYSTEM_PROCESSOR=aarch64")
         return Program(["qemu-aarch64", "-L", ARM_LIBRARIES, arm], seconds=300)
+    if name in OWN:
+        return OWN[name](folder)
     if name == "no-fma":
         sines = [subprocess.check_output([sys.executable, "-I", "-S", "-c", SINES], env=os.environ | variables)
                  for variables in ({}, NO_FMA)]
@@ -110,36 +175,52 @@ def prepare_piece(name, folder):
         prepare_example(name, folder)
 
 
-def all_runs():
+def all_runs(program):
     """What is run: pairs of a case or piece and the way a piece is run."""
-    cases = sorted(glob.glob(os.path.join(TESTS, "cases", "*", "*.case")))
+    folders = ["cases/*", *(name.removeprefix("orlo-") for name in program.companions)]
+    cases = sorted(case for folder in folders for case in glob.glob(os.path.join(TESTS, folder, "*.case")))
     pieces = sorted(glob.glob(os.path.join(ROOT, "examples", "*.orlo")))
     if not cases or not pieces:
         sys.exit("there are no cases or no examples")
+    if program.exclusions:
+        cases = leave_out(cases, read_exclusions(program.exclusions))
     drawn = [(f"{RANDOM}{seed}", "score") for seed in range(RANDOM_PIECES)]
-    return [(piece, way) for piece in pieces for way in PIECE_OPTIONS] + drawn + [(case, None) for case in cases]
+    ways = [way for way, (name, args) in WAYS.items() if args and name in ("orlo", *program.companions)]
+    tables = [(pieces[0], "tables")] if "orlo-tables" in program.companions else []
+    return [(piece, way) for piece in pieces for way in ways] + tables + drawn + [(case, None) for case in cases]
+
+
+def hide_places(text):
+    """Text without what differs from run to run."""
+    text = re.sub(rb"/orlo-view-\w{6}", b"/orlo-view-XXXXXX", hide_date(text))
+    return re.sub(rb'("folder": ?)"[^"]*"', rb"\1FOLDER", text, count=1)
 
 
 def outcome(program, path, way):
-    """All that a run leaves behind, by name, without the banner's date."""
-    with tempfile.TemporaryDirectory(prefix="orlo-same-") as folder:
+    """All that a run leaves behind, by name. Its streams are files: a program for Windows waits for ever for some pipes."""
+    with tempfile.TemporaryDirectory(prefix="orlo-same-") as folder, tempfile.TemporaryFile() as screen, \
+         tempfile.TemporaryFile() as stdout:
         if way is None:
             _, sections = parse_case(read_file(path))
             prepare(sections, folder)
-            args = parse_args(sections)
+            command, args = parse_command(sections, program.command), parse_args(sections)
         else:
             prepare_piece(path, folder)
-            args = [*PIECE_OPTIONS[way], "in.orlo", "out"]
+            name, args = WAYS[way]
+            command = command_beside(program.command, name)
         try:
-            run = subprocess.run([*program.command, *args], cwd=folder, env=environment() | program.variables,
-                                 stdin=subprocess.DEVNULL, capture_output=True, timeout=program.seconds, check=False)
+            run = subprocess.run([*command, *args], cwd=folder, env=environment() | program.variables,
+                                 stdin=subprocess.DEVNULL, stdout=stdout, stderr=screen, timeout=program.seconds, check=False)
         except subprocess.TimeoutExpired:
             return {"status": f"still running after {program.seconds} seconds".encode()}
-        result = {"status": str(run.returncode).encode(), "screen": hide_date(run.stderr), "stdout": run.stdout}
+        result = {"status": str(run.returncode).encode()}
+        for name, stream in ("screen", screen), ("stdout", stdout):
+            stream.seek(0)
+            result[name] = hide_places(stream.read())
         for place, _, names in os.walk(folder):
             for name in names:
                 file = os.path.join(place, name)
-                result[os.path.relpath(file, folder)] = hide_date(read_file(file))
+                result[os.path.relpath(file, folder)] = hide_places(read_file(file))
     return result
 
 
@@ -151,6 +232,9 @@ def start_worker(*programs):
 def compare(run):
     """Makes a run with both programs; returns it with how they differ."""
     one, two = (outcome(program, *run) for program in (reference, other))
+    if one != two and WINE in other.command:  # which fails to start a program once in ten thousand times, with status 1
+        print(f"once more: {run[0]}", flush=True)
+        two = outcome(other, *run)
     report = ["the piece has a fault"] if run[0].startswith(RANDOM) and one["status"] != b"0" else []
     for name in sorted(one.keys() | two.keys()):
         if name in one and name in two:
@@ -170,8 +254,8 @@ def main():
     orlo = os.path.abspath(options.orlo)
     programs = Program([orlo]), variant(options.variant, orlo, os.path.abspath(os.path.join(options.folder, options.variant)))
 
-    runs, differing = all_runs(), 0
-    with multiprocessing.Pool(options.jobs, start_worker, programs) as pool:
+    runs, differing = all_runs(programs[1]), 0
+    with wine_server(programs[1]), multiprocessing.Pool(options.jobs, start_worker, programs) as pool:
         for (path, way), report in pool.imap(compare, runs, chunksize=16):
             if report:
                 differing += 1

@@ -12,11 +12,14 @@
 namespace orlo {
 namespace {
 
-// devices and pipes have none
+// devices and pipes can't be told apart
 bool identity_of(HANDLE handle, FileIdentity &identity)
 {
     BY_HANDLE_FILE_INFORMATION about{};
-    if (GetFileType(handle) != FILE_TYPE_DISK || GetFileInformationByHandle(handle, &about) == 0)
+    identity = {};
+    if (handle == INVALID_HANDLE_VALUE || GetFileType(handle) != FILE_TYPE_DISK)
+        return handle != INVALID_HANDLE_VALUE;
+    if (GetFileInformationByHandle(handle, &about) == 0)
         return false;
     identity.volume  = about.dwVolumeSerialNumber;
     identity.number  = std::uint64_t{about.nFileIndexHigh} << 32 | about.nFileIndexLow;

@@ -23,13 +23,6 @@ bool file_exists = false;      // changed while ending signals are held back
 
 std::string last_error() { return std::strerror(errno); }
 
-// called in the thread of the ending signal
-void remove_in_signal()
-{
-    if (file_exists)
-        DeleteFileA(unfinished);
-}
-
 // the file that a name leads to; the name where there is no link
 std::string resolved(const std::string &name)
 {
@@ -64,7 +57,7 @@ std::string open_beside(WholeFile &file)
         return last_error();
     file.temporary = unfinished;
     file_exists    = true;
-    on_ending_signal(remove_in_signal);
+    on_ending_signal(remove_unfinished);
     file.stream = _fdopen(number, "w");
     return file.stream != nullptr ? "" : last_error();
 }
@@ -85,10 +78,17 @@ bool replace(const WholeFile &file)
 
 } // namespace
 
+// called in the thread of an ending signal as well
+void remove_unfinished()
+{
+    if (file_exists)
+        DeleteFileA(unfinished);
+}
+
 bool is_special(const std::string &name)
 {
-    const DWORD attributes = GetFileAttributesA(name.c_str());
-    return windows::is_device(name) || (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0);
+    FileIdentity identity;
+    return windows::is_device(name) || (identify(name.c_str(), identity) && !identity.regular);
 }
 
 std::string open_whole(WholeFile &file, const std::string &name)
@@ -125,6 +125,7 @@ std::string close_whole(WholeFile &file, bool complete)
         fault = last_error();
     if (!complete || !fault.empty())
         DeleteFileA(file.temporary.c_str());
+    file.temporary.clear();
     forget();
     release_ending_signals();
     return fault;
