@@ -109,7 +109,8 @@ def packed(package, folder):
 
 def check_names(checks, names):
     expected = {"LICENSE", "README.md", "package.json", *(f"bin/{name}.js" for name in PROGRAMS), "dist/index.d.ts",
-                "dist/index.js", "dist/worker.js", "dist/node/index.js", "dist/node/index.d.ts", *(f"dist/{name}.wasm" for name in PROGRAMS)}
+                "dist/index.js", "dist/worker.js", "dist/node/index.js", "dist/node/index.d.ts",
+                *(f"dist/{name}.wasm" for name in PROGRAMS)}
     checks.must(f"the package lacks {sorted(expected - set(names))}", expected <= set(names))
     strange = [name for name in names if name not in expected and not
                (name.startswith("dist/") and name.endswith((".js", ".d.ts", ".wasm")))]
