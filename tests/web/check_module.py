@@ -11,7 +11,6 @@ Ends with status 77 where Node or the modules are missing.
 import argparse
 import base64
 import collections
-import fnmatch
 import glob
 import json
 import multiprocessing
@@ -26,16 +25,12 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, HERE)
 from web_package import PROGRAMS, ROOT, TESTS, add_arguments, package_of
 from case_file import parse_args, parse_case, parse_command, parse_variables, prepare
-from run_case import case_name, difference, environment, find_cases, hide_date, read_file
-from same_everywhere import PIECE_OPTIONS, RANDOM, SHOWN, prepare_piece
+from run_case import difference, environment, find_cases, hide_date, leave_out, read_file
+from same_everywhere import RANDOM, SHOWN, WAYS, prepare_piece
 
 WORKING_FOLDER = b"/piece"  # of a module whose files are in memory
 PIECES = 1500
 SECONDS = 60  # that a run may take
-WAYS = {way: ["orlo", *options, "in.orlo", "out"] for way, options in PIECE_OPTIONS.items()} | {
-    "document": ["orlo-explain", "-o", "out.json", "in.orlo"],
-    "page": ["orlo-view", "-o", "out.html", "in.orlo"],
-}
 
 # patterns of cases, and what a run on files in memory has not
 LEFT_OUT = {
@@ -77,7 +72,8 @@ def prepare_run(run, folder):
     what, way = run
     if way is not None:
         prepare_piece(what, folder)
-        return WAYS[way], {}, b""
+        program, args = WAYS[way]
+        return [program, *args], {}, b""
     _, sections = parse_case(read_file(what))
     prepare(sections, folder)
     given = b"".join(section.text() for section in sections if section.kind == "stdin")
@@ -127,17 +123,13 @@ def start_worker(folder):
 def all_runs(pieces, programs):
     """What is run, and how many cases are left out for which reason."""
     runs, left_out = [], collections.Counter()
-    for path in find_cases([os.path.join(TESTS, folder) for folder in ("cases", "explain", "view")]):
-        name = case_name(path)
+    for path in leave_out(find_cases([os.path.join(TESTS, folder) for folder in ("cases", "explain", "view")]), LEFT_OUT):
         _, sections = parse_case(read_file(path))
-        reasons = [reason for pattern, reason in LEFT_OUT.items() if fnmatch.fnmatchcase(name, pattern)]
         [program] = parse_command(sections, ["orlo"])
-        if program not in programs:
-            reasons.append(f"there is no module of {program}")
-        if reasons:
-            left_out[reasons[0]] += 1
-        else:
+        if program in programs:
             runs.append((path, None))
+        else:
+            left_out[f"there is no module of {program}"] += 1
     examples = sorted(glob.glob(os.path.join(ROOT, "examples", "*.orlo")))
     if not examples:
         sys.exit("there are no examples")
