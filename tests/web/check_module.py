@@ -112,7 +112,7 @@ def module_outcome(task, answer):
 
 def without_chance(data):
     """What is the same in every run."""
-    return re.sub(rb"/tmp/orlo-view-(score-)?\w{6}", b"/tmp/SCORE", hide_date(data))
+    return re.sub(rb"/(tmp|\.orlo-temporary)/orlo-view-(score-)?\w{6}", b"/tmp/SCORE", hide_date(data))
 
 
 def start_worker(folder):

@@ -48,7 +48,8 @@ export type PlainRun = Omit<Run, 'signal'>;
 export type Modules = Partial<Record<Program, Compiled>>;
 
 export const WORKING_FOLDER = '/piece';
-const TEMPORARY_FOLDER = '/tmp';
+/** What the programs keep here while they run is nobody's, and gone with the run. */
+export const TEMPORARY_FOLDER = '/.orlo-temporary';
 
 const encoder = new TextEncoder();
 const decoder = new TextDecoder();
@@ -113,7 +114,7 @@ export function runInMemory(modules: Modules, run: PlainRun): Result {
         if (name.endsWith('/')) files.addFolder(pathOf(name));
         else files.addFile(pathOf(name), bytesOf(contents));
     const shown = runOn(files, TEMPORARY_FOLDER, modules, run);
-    const left = files.list();
+    const left = new Map([...files.list()].filter(([path]) => !path.startsWith(`${TEMPORARY_FOLDER}/`)));
     return {
         ...shown,
         files: Object.fromEntries([...left].filter(([, { written }]) => written).map(([path, { bytes }]) => [nameOf(path), bytes])),

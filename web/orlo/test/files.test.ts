@@ -7,7 +7,8 @@ import path from 'node:path';
 import test from 'node:test';
 import { Errno, Fault, Kind, type Files, type Opening } from '../dist/files.js';
 import { MemoryFiles } from '../dist/memory-files.js';
-import { HostFiles, oneFolder, TEMPORARY_FOLDER, wholeSystem } from '../dist/node/host-files.js';
+import { HostFiles, oneFolder, wholeSystem } from '../dist/node/host-files.js';
+import { TEMPORARY_FOLDER } from '../dist/run.js';
 
 const closed: Opening = { read: false, write: false, create: false, exclusive: false, truncate: false, folder: false };
 const reading = { ...closed, read: true }, writing = { ...closed, write: true }, making = { ...writing, create: true };

@@ -63,6 +63,40 @@ test('memory that runs out is an error of the run', () => {
     assert.match(text(result.screen), /ERROR: Line 3: Yikes, out of memory!/);
 });
 
+const lines = (count: number, line: (at: number) => string) => Array.from({ length: count }, (_, at) => line(at)).join('');
+
+// pieces that need memory in different rooms, and where orlo's own part of the output stands when it does not end well
+const greedy = {
+    events: 'i1 = 4 0 -9000 {\np2 .01\np3 1\np4 RA(T 1 [0 1])\n}\n',
+    constants: lines(9000, at => `#const c${at} ${at}\n`) + piece,
+    macros: lines(900, at => `#define m${at} #${'x'.repeat(1500)}#\n`) + piece,
+    calls: `#define m(x) #$x $x#\ni1 = 4 0 3000 {\np2 1\np3 1\np4 ${'$m(1) '.repeat(200)}\n}\n`,
+};
+const commands = {
+    orlo: [['in.orlo', 'out'], /ERROR: .*Yikes, out of memory!/],
+    'orlo-explain': [['-o', 'out', 'in.orlo'], /^orlo-explain: not enough memory$/m],
+    'orlo-view': [['-o', 'out', 'in.orlo'], /not enough memory$|Yikes, out of memory!/m],
+} as const;
+
+for (const [program, [args, told]] of Object.entries(commands) as [keyof typeof commands, (typeof commands)[keyof typeof commands]][])
+    test(`wherever memory runs out, ${program} says so`, () => {
+        for (const [name, contents] of Object.entries(greedy)) {
+            let complete = 0, exhausted = 0;
+            for (let pages = 24; pages < 160; pages += pages < 64 ? 2 : 12) {
+                const { status, screen, files } = runSync({ program, args, files: { 'in.orlo': contents }, memoryPages: pages });
+                if (status === 0) {
+                    ++complete;
+                    continue;
+                }
+                ++exhausted;
+                assert.equal(status, 1, `${name}, ${pages} pages`);
+                assert.match(text(screen), told, `${name}, ${pages} pages`);
+                assert.deepEqual(Object.keys(files).filter(file => file !== 'out'), [], 'what is left');
+            }
+            assert.ok(complete > 0 && exhausted > 0, `${name}: ${complete} runs are complete, ${exhausted} are not`);
+        }
+    });
+
 test('a run in a folder reads and writes there', async () => {
     const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'orlo-run-'));
     test.after(() => fs.rmSync(folder, { recursive: true }));

@@ -1,8 +1,8 @@
 // A command line: the process's own streams, and all files of the system.
 
 import fs from 'node:fs';
-import { executeWithOrlo, type Program } from '../run.js';
-import { hostFile, HostFiles, TEMPORARY_FOLDER, wholeSystem } from './host-files.js';
+import { executeWithOrlo, TEMPORARY_FOLDER, type Program } from '../run.js';
+import { hostFile, HostFiles, wholeSystem } from './host-files.js';
 import { readModule } from './modules.js';
 
 const CANT_RUN = 126; // as shells have it

@@ -7,9 +7,7 @@ import path from 'node:path';
 import tty from 'node:tty';
 import { Errno, Fault, Kind, type Files, type OpenFile, type Opening, type Stat } from '../files.js';
 import { MemoryFiles } from '../memory-files.js';
-import { WORKING_FOLDER } from '../run.js';
-
-export const TEMPORARY_FOLDER = '/.orlo-temporary';
+import { TEMPORARY_FOLDER, WORKING_FOLDER } from '../run.js';
 
 /** The host's path for a guest's one; throws a Fault when there is none. A link that the path itself names is followed, or is not. */
 export type ToHost = (guest: string, follow: boolean) => string;

@@ -1,7 +1,7 @@
 // Runs in Node: on files in memory, as in a page, or in a folder.
 
-import { runInMemory, runOn, type Modules, type PlainRun, type Result } from '../run.js';
-import { HostFiles, oneFolder, TEMPORARY_FOLDER } from './host-files.js';
+import { runInMemory, runOn, TEMPORARY_FOLDER, type Modules, type PlainRun, type Result } from '../run.js';
+import { HostFiles, oneFolder } from './host-files.js';
 
 /** What a run in Node is given. */
 export interface PlainNodeRun extends PlainRun {
