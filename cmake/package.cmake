@@ -44,6 +44,6 @@ set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};${PROJECT_NAME};Unspecif
 set(CPACK_SOURCE_GENERATOR TGZ)
 set(CPACK_SOURCE_PACKAGE_FILE_NAME orlo-${PROJECT_VERSION})
 set(CPACK_SOURCE_STRIP_FILES OFF)
-set(CPACK_SOURCE_IGNORE_FILES "^${PROJECT_SOURCE_DIR}/build/" "/[.]git(/|$)" "/__pycache__/" "/[.]cache/" "/_CPack_Packages/" "[.]pyc$")
+set(CPACK_SOURCE_IGNORE_FILES "^${PROJECT_SOURCE_DIR}/build/" "/[.]git(/|$)" "/__pycache__/" "/[.]cache/" "/_CPack_Packages/" "/node_modules/" "^${PROJECT_SOURCE_DIR}/web/orlo/(build|dist)/" "[.]pyc$")
 
 include(CPack)

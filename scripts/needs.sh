@@ -35,6 +35,15 @@ needs_for_more=(
     "python3-selenium=/usr/lib/python3/dist-packages/selenium/__init__.py"
     "python3-jsonschema=/usr/lib/python3/dist-packages/jsonschema/__init__.py"
 )
+# the modules of the npm package
+needs_for_modules=(
+    "clang=clang++"
+    "lld=wasm-ld"
+    "wasi-libc=/usr/lib/wasm32-wasi/libc.a"
+    "libc++-dev-wasm32=/usr/lib/wasm32-wasi/libc++.a"
+    "libclang-rt-dev-wasm32=/usr/share/doc/libclang-rt-dev-wasm32"
+    "binaryen=wasm-opt"
+)
 # the bench target counts instructions with it, where perf can not
 needs_for_bench=(
     "valgrind=valgrind"

@@ -18,8 +18,10 @@ Place usual_place(Severity severity)
 {
     if (!now.piece->source.has_lines())
         return now.piece->source.last_include();
-    if (now.in_section)
+    if (now.in_section) {
+        reach_last_literal();
         return section().place;
+    }
     if (now.in_block || (severity == Severity::warning && now.block != NONE && !block().written))
         return block().place;
     return severity == Severity::warning ? now.last_place : Place{}; // the rest is of the run as a whole

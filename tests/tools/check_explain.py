@@ -26,7 +26,7 @@ sys.path[:0] = [HERE, os.path.join(HERE, "../../src/tables")]
 import check_midi
 import literals
 import tables
-from explain_document import Fault, number, number32, range_indexes, single, text
+from explain_document import Fault, number, number32, range_indexes, single, text, without_values
 from explain_pieces import ROOT, add_options, check_all
 from explain_texts import COMPOSED, Source, check_texts, replaced_text
 from literals import divided, same
@@ -752,6 +752,16 @@ def check_midi_notes(outcome):
     return [] if told == notes else [f"midi: the notes are {notes[:5]}..., told are {told[:5]}..."]
 
 
+def check_summary(outcome):
+    """Without events all the rest is the same, and single values are asked for nowhere."""
+    whole, summary = without_values(outcome.document), without_values(outcome.summary)
+    faults = [f"without events: {key} is {str(summary.get(key))[:300]}, with them {str(whole.get(key))[:300]}"
+              for key in whole.keys() | summary.keys() if whole.get(key) != summary.get(key)]
+    if any("events" in block or any("values" in section for section in block["sections"]) for block in outcome.summary.fields["blocks"]):
+        faults.append("without events: there are events or values")
+    return faults
+
+
 def make_check(schema, screen):
     def check(outcome):
         document, source = outcome.document, Source(outcome)
@@ -761,7 +771,7 @@ def make_check(schema, screen):
         if faults:
             return faults
         faults += check_diagnostics(outcome, screen, source) + check_failures(document, screen)
-        faults += check_texts(outcome, source) + check_spans(outcome, source) + check_generated(outcome)
+        faults += check_texts(outcome, source) + check_spans(outcome, source) + check_generated(outcome) + check_summary(outcome)
         for block in document.blocks:
             faults += check_block(block, document, source, outcome.piece.midi)
         return faults

@@ -274,8 +274,7 @@ def range_indexes(fields):
                 yield from range_indexes(each)
     elif isinstance(fields, dict):
         for key, value in fields.items():
-            if key in ("range", "name_range", "span_range", "included", "undefined", "end") and isinstance(value, int) \
-                    and not is_a_time(fields, key):
+            if is_range(fields, key):
                 yield key, value
             elif key == "ranges" and isinstance(value, int):
                 yield from zip(itertools.repeat(key), range(value, value + fields["count"]))
@@ -285,6 +284,21 @@ def range_indexes(fields):
                 yield from range_indexes(value["runs"])
 
 
-def is_a_time(fields, key):
-    """"end" is a range of a condition, and a time of a block or of a change of tempo."""
-    return key == "end" and "taken" not in fields
+def is_range(fields, key):
+    """Whether a key holds the index of a range. "end" is one of a condition, and a time of a block or of a change of tempo."""
+    return (key in ("range", "name_range", "span_range", "included", "undefined") or key == "end" and "taken" in fields) \
+        and isinstance(fields[key], int)
+
+
+def without_values(document):
+    """The parts of a document that are the same without events, with ranges in the places of their indexes."""
+    def part(fields):
+        if isinstance(fields, list):
+            return [part(each) for each in fields]
+        if not isinstance(fields, dict):
+            return fields
+        kept = {key: value for key, value in fields.items() if key not in ("values", "events")}
+        return {key: tuple(document.ranges[value]) if is_range(fields, key) else
+                [tuple(document.ranges[use]) for use in value] if key == "uses" else part(value) for key, value in kept.items()}
+
+    return part({key: value for key, value in document.fields.items() if key not in ("ranges", "score")})

@@ -51,6 +51,7 @@ class Outcome(NamedTuple):
     score: bytes      # None when no file was written
     document: Document
     data: bytes       # of the document
+    summary: Document # what is said without events
 
 
 def case_pieces(places=(os.path.join(TESTS, "cases"),)):
@@ -114,9 +115,9 @@ def run_program(command, folder):
     return run
 
 
-def explain(program, piece, folder, out):
+def explain(program, piece, folder, out, *options):
     """The document that orlo-explain writes of a piece, as bytes."""
-    run = run_program([program, *["-m"] * piece.midi, piece.main, "-o", out], folder)
+    run = run_program([program, *options, *["-m"] * piece.midi, piece.main, "-o", out], folder)
     if run.returncode != 0 or not os.path.isfile(out):
         raise Fault(f"orlo-explain ended with {run.returncode} and wrote no document: {run.stderr.decode(errors='replace')}")
     if run.stdout or run.stderr:
@@ -140,7 +141,8 @@ def outcome(programs, piece):
         run = run_program([orlo, *["-m"] * piece.midi, name, score], folders[0])
         written = run_case.read_file(score) if os.path.isfile(score) else None
         data = explain(explainer, piece, folders[1], os.path.join(top, "explain.json"))
-    return Outcome(piece, run.returncode, run_case.cut_banner(run.stderr), written, Document(data), data)
+        summary = explain(explainer, piece, folders[1], os.path.join(top, "summary.json"), "--no-events")
+    return Outcome(piece, run.returncode, run_case.cut_banner(run.stderr), written, Document(data), data, Document(summary))
 
 
 def add_options(parser):

@@ -1,0 +1,4 @@
+#!/usr/bin/env node
+import { command } from '../dist/node/command.js';
+
+command('orlo-view');
