@@ -50,8 +50,10 @@ WAYS = {  # in which a piece is run, or none is: program and arguments
     "page": ("orlo-view", ["-o", "out.html", "in.orlo"]),
     "tables": ("orlo-tables", []),
 }
+STRICT = "-DORLO_WERROR=ON"
 COMPANIONS = "orlo-explain", "orlo-view", "orlo-tables"
 WINE, WINE_SERVER = "/usr/lib/wine/wine64", "/usr/lib/wine/wineserver64"  # the first of them asks for packages as wine
+NOT_STARTED = b"wine: failed to map the shared user data"  # once in some thousand times: the system has put something there
 NOT_ON_WINDOWS = os.path.join(TESTS, "not-on-windows")
 
 reference, other = None, None  # of a worker
@@ -82,7 +84,7 @@ def need(*commands):
 def build(folder, compiler, flags, *settings, companions=()):
     """Builds the program; returns its path."""
     need(compiler)
-    configure = ["cmake", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DORLO_TESTS=OFF", "-DORLO_WERROR=ON",
+    configure = ["cmake", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DORLO_TESTS=OFF",
                  f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_CXX_FLAGS_RELEASE={flags}", *settings]
     make = ["cmake", "--build", folder, "--parallel", str(os.cpu_count()), "--target", "orlo", *companions]
     for command in (configure, make):
@@ -93,7 +95,7 @@ def build(folder, compiler, flags, *settings, companions=()):
 
 
 def static(folder):
-    orlo = build(folder, "g++", "-O3", "-DCMAKE_EXE_LINKER_FLAGS=-static", companions=COMPANIONS)
+    orlo = build(folder, "g++", "-O3", "-DCMAKE_EXE_LINKER_FLAGS=-static", STRICT, companions=COMPANIONS)
     for name in "orlo", *COMPANIONS:
         if b"/ld-linux" in read_file(os.path.join(folder, name)):
             sys.exit(f"{name} needs libraries")
@@ -106,15 +108,16 @@ def libcxx(folder):
                       stderr=subprocess.DEVNULL, check=False).returncode:
         skip("libc++ is missing")
     flags = "-DCMAKE_CXX_FLAGS=-stdlib=libc++"
-    return Program([build(folder, "clang++", "-O3", flags, companions=COMPANIONS)], companions=COMPANIONS)
+    return Program([build(folder, "clang++", "-O3", flags, STRICT, companions=COMPANIONS)], companions=COMPANIONS)
 
 
 def wine(folder):
     need("x86_64-w64-mingw32-g++-posix", WINE)
     companions = COMPANIONS[:1]
     toolchain = os.path.join(ROOT, "cmake", "mingw.cmake")
-    orlo = build(folder, "x86_64-w64-mingw32-g++-posix", "-O3", f"-DCMAKE_TOOLCHAIN_FILE={toolchain}", companions=companions)
-    variables = {"WINEPREFIX": os.path.join(folder, "wine"), "WINEDEBUG": "-all", "WINEDLLOVERRIDES": "mscoree,mshtml=",
+    orlo = build(folder, "x86_64-w64-mingw32-g++-posix", "-O3", f"-DCMAKE_TOOLCHAIN_FILE={toolchain}", STRICT,
+                 companions=companions)
+    variables = {"WINEPREFIX": os.path.join(folder, "wine"), "WINEDEBUG": "err+all,fixme-all", "WINEDLLOVERRIDES": "mscoree,mshtml=",
                  "LC_ALL": "C.UTF-8"}  # of the names of files
     return Program([WINE, f"{orlo}.exe"], variables=variables, companions=companions, exclusions=NOT_ON_WINDOWS)
 
@@ -232,8 +235,7 @@ def start_worker(*programs):
 def compare(run):
     """Makes a run with both programs; returns it with how they differ."""
     one, two = (outcome(program, *run) for program in (reference, other))
-    if one != two and WINE in other.command:  # which fails to start a program once in ten thousand times, with status 1
-        print(f"once more: {run[0]}", flush=True)
+    if NOT_STARTED in two.get("screen", b""):
         two = outcome(other, *run)
     report = ["the piece has a fault"] if run[0].startswith(RANDOM) and one["status"] != b"0" else []
     for name in sorted(one.keys() | two.keys()):
