@@ -158,6 +158,21 @@ class Mutations(unittest.TestCase):
         self.assertEqual(sorted(set(UNSEEN) - used), [])
 
 
+    def test_every_leaf_without_events(self):
+        outcome = explain_pieces.outcome([OPTIONS.orlo, OPTIONS.explain], PIECES[0])
+        self.assertEqual(check_explain.check_summary(outcome), [])
+        fields = outcome.summary.fields
+        for path in leaves(fields):
+            if path[0] == "score":  # the same in both, which the scores show
+                continue
+            try:
+                summary = Document(with_change(fields, path))
+                self.assertTrue(check_explain.check_summary(outcome._replace(summary=summary)), path)
+            except (Fault, KeyError, IndexError, ValueError, TypeError):
+                continue  # seen when it was read
+        self.assertTrue(check_explain.check_summary(outcome._replace(summary=outcome.document)))
+
+
 class Screens(unittest.TestCase):
     def setUp(self):
         self.screen = check_explain.Screen(OPTIONS.tables)
