@@ -46,6 +46,9 @@ def sanitizer_report(text):
     return b"Sanitizer" in text or b": runtime error: " in text
 
 
+NO_LEAKS = {"ASAN_OPTIONS": "detect_leaks=0:exitcode=99"}  # the search for leaks opens files, and is a process of its own for a while
+
+
 def environment():
     """The environment for a run of the program, also one that is built with sanitizers."""
     return {name: value for name, value in os.environ.items() if name != "COLUMNS"} | {

@@ -87,7 +87,8 @@ def one_run(place, program, number, moment, name):
         with open(out, "wb") as file:
             file.write(YESTERDAY)
     args = {"orlo": ["-s", name, out], "orlo-view": ["-i", "orlo", "-o", "picture.svg", name], "orlo-explain": ["-o", out, name]}[program]
-    with subprocess.Popen([place.programs[program], *args], cwd=place.path, env=run_case.environment() | {"TMPDIR": temporary},
+    variables = run_case.environment() | run_case.NO_LEAKS | {"TMPDIR": temporary}
+    with subprocess.Popen([place.programs[program], *args], cwd=place.path, env=variables,
                           stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, pass_fds=[writer]) as run:
         os.close(writer)
         end = time.perf_counter() + moment
