@@ -36,7 +36,15 @@ set(CPACK_DEBIAN_PACKAGE_SUGGESTS csound)
 string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH, where it is set
 configure_file(packaging/changelog.in ${PROJECT_BINARY_DIR}/packaging/changelog @ONLY)
 set(CPACK_ORLO_DEBIAN_FILES ${PROJECT_BINARY_DIR}/packaging/changelog ${PROJECT_SOURCE_DIR}/packaging/copyright)
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/finish_deb.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/finish_deb.cmake ${PROJECT_SOURCE_DIR}/cmake/settle_times.cmake)
+
+# CPack is a program of its own, which has to know the time of the commit too
+set(times)
+if(NOT "$ENV{SOURCE_DATE_EPOCH}" STREQUAL "")
+  set(times "set(ENV{SOURCE_DATE_EPOCH} $ENV{SOURCE_DATE_EPOCH})\n")
+endif()
+file(WRITE ${PROJECT_BINARY_DIR}/packaging/times.cmake "${times}")
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/packaging/times.cmake)
 
 # by its component, so that install_manifest.txt goes on listing what "cmake --install" did, perhaps as root
 set(CPACK_INSTALL_CMAKE_PROJECTS "${PROJECT_BINARY_DIR};${PROJECT_NAME};Unspecified;/")
