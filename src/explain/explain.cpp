@@ -14,6 +14,7 @@
 #include "explain/options.h"
 #include "explain/say.h"
 #include "platform/file_identity.h"
+#include "platform/file_names.h"
 #include "platform/folder.h"
 #include "platform/memory_limit.h"
 #include "platform/standard_streams.h"

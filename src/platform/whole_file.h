@@ -7,9 +7,6 @@
 
 namespace orlo {
 
-/// Whether a name is that of something else than a regular file: a device, a pipe, a folder.
-[[nodiscard]] bool is_special(const std::string &name);
-
 struct WholeFile {
     std::FILE  *stream = nullptr;
     std::string name;      // that it gets

@@ -2,6 +2,8 @@
 
 #include "platform/new_file.h"
 
+#include "platform/file_names.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -24,9 +26,20 @@ mode_t mode_of(const std::string &name)
 
 } // namespace
 
-int make_new_file(char *pattern) { return mkstemp(pattern); }
+std::FILE *make_new_file(char *pattern)
+{
+    const int  file   = mkstemp(pattern);
+    std::FILE *stream = file >= 0 ? fdopen(file, "w") : nullptr;
+    if (file >= 0 && stream == nullptr) {
+        const int error = errno;
+        close(file);
+        remove_file(pattern);
+        errno = error;
+    }
+    return stream;
+}
 
-void share_as(int file, const std::string &earlier) { static_cast<void>(fchmod(file, mode_of(earlier))); }
+void share_as(std::FILE *file, const std::string &earlier) { static_cast<void>(fchmod(fileno(file), mode_of(earlier))); }
 
 bool is_protected(const std::string &name) { return faccessat(AT_FDCWD, name.c_str(), W_OK, AT_EACCESS) != 0 && errno != ENOENT; }
 

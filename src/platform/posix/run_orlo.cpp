@@ -4,6 +4,7 @@
 #include "platform/run_orlo.h"
 
 #include "platform/ending_signals.h"
+#include "platform/folder.h"
 #include "platform/new_file.h"
 
 #include <algorithm>
@@ -76,23 +77,23 @@ struct Clearing {
 
 std::string last_error() { return std::strerror(errno); } // NOLINT(concurrency-mt-unsafe)
 
-// TMPDIR/orlo-view-XXXXXX, or in /tmp
+// TMPDIR/orlo-view-XXXXXX, or in the usual folder
 std::string create_temporary_file()
 {
     const char       *folder = std::getenv("TMPDIR");
-    const std::string name   = std::string{folder != nullptr && *folder != '\0' ? folder : "/tmp"} + "/orlo-view-XXXXXX";
+    const std::string name   = (folder != nullptr && *folder != '\0' ? folder : temporary_folder()) + "/orlo-view-XXXXXX";
     if (name.size() >= sizeof temporary_name)
         return "the name of TMPDIR is too long";
     std::copy_n(name.c_str(), name.size() + 1, temporary_name);
     hold_ending_signals();
-    const int file = make_new_file(temporary_name);
-    if (file >= 0) {
-        close(file);
+    std::FILE *file = make_new_file(temporary_name);
+    if (file != nullptr) {
+        std::fclose(file);
         file_exists = 1;
         on_ending_signal(clear_away);
     }
     release_ending_signals();
-    return file < 0 ? "can't create a temporary file " + name + ": " + last_error() : "";
+    return file == nullptr ? "can't create a temporary file " + name + ": " + last_error() : "";
 }
 
 // the orlo beside this program; empty when there is none

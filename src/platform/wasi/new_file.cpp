@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <string_view>
 #include <sys/random.h>
 #include <unistd.h>
@@ -28,19 +27,18 @@ void choose(char *letters)
 
 } // namespace
 
-int make_new_file(char *pattern)
+std::FILE *make_new_file(char *pattern)
 {
-    int file = -1;
-    for (int tries = 0; file < 0 && tries < TRIES; ++tries) {
+    std::FILE *file = nullptr;
+    errno           = EEXIST;
+    for (int tries = 0; file == nullptr && errno == EEXIST && tries < TRIES; ++tries) {
         choose(pattern + std::strlen(pattern) - CHOSEN);
-        file = open(pattern, O_WRONLY | O_CREAT | O_EXCL, 0600);
-        if (file < 0 && errno != EEXIST)
-            return -1;
+        file = std::fopen(pattern, "wx");
     }
     return file;
 }
 
-void share_as(int, const std::string &) {}
+void share_as(std::FILE *, const std::string &) {}
 
 bool is_protected(const std::string &name) { return access(name.c_str(), W_OK) != 0 && errno != ENOENT; }
 

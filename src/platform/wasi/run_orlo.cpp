@@ -2,6 +2,8 @@
 
 #include "platform/run_orlo.h"
 
+#include "platform/file_names.h"
+#include "platform/folder.h"
 #include "platform/new_file.h"
 
 #include <cerrno>
@@ -9,7 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <unistd.h>
 
 // Runs a program. arguments: the first is its name, each is ended by a NUL; screen: the file that what it says is added to.
 // Answers with its status.
@@ -31,13 +32,13 @@ struct Temporary {
     explicit Temporary(const char *kind)
     {
         const char *folder = std::getenv("TMPDIR");
-        name               = std::string{folder != nullptr ? folder : "/tmp"} + "/orlo-view-" + kind + "-XXXXXX";
-        const int file     = make_new_file(name.data());
-        made               = file >= 0 && close(file) == 0;
+        name               = (folder != nullptr ? folder : temporary_folder()) + "/orlo-view-" + kind + "-XXXXXX";
+        std::FILE *file    = make_new_file(name.data());
+        made               = file != nullptr && std::fclose(file) == 0;
     }
     Temporary(const Temporary &)            = delete;
     Temporary &operator=(const Temporary &) = delete;
-    ~Temporary() { static_cast<void>(unlink(name.c_str())); }
+    ~Temporary() { remove_file(name.c_str()); }
 };
 
 std::string messages_in(const std::string &name)

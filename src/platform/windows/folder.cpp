@@ -2,6 +2,7 @@
 
 #include <direct.h>
 #include <limits.h>
+#include <windows.h>
 
 namespace orlo {
 
@@ -9,6 +10,12 @@ std::string working_folder()
 {
     char path[PATH_MAX];
     return _getcwd(path, PATH_MAX) != nullptr ? path : "";
+}
+
+std::string temporary_folder()
+{
+    char path[MAX_PATH + 1];
+    return GetTempPathA(sizeof path, path) != 0 ? path : "";
 }
 
 void enter_folder() {}

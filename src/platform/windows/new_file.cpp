@@ -3,6 +3,8 @@
 
 #include "platform/new_file.h"
 
+#include "platform/file_names.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -53,7 +55,7 @@ HANDLE create(const char *name)
 
 } // namespace
 
-int make_new_file(char *pattern)
+std::FILE *make_new_file(char *pattern)
 {
     HANDLE handle = INVALID_HANDLE_VALUE;
     errno         = EEXIST;
@@ -61,10 +63,18 @@ int make_new_file(char *pattern)
         choose(pattern + std::strlen(pattern) - CHOSEN);
         handle = create(pattern);
     }
-    return handle != INVALID_HANDLE_VALUE ? _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_WRONLY | _O_BINARY) : -1;
+    if (handle == INVALID_HANDLE_VALUE)
+        return nullptr;
+    const int  file   = _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_WRONLY | _O_BINARY);
+    std::FILE *stream = file >= 0 ? _fdopen(file, "w") : nullptr;
+    if (stream == nullptr) {
+        file >= 0 ? static_cast<void>(_close(file)) : static_cast<void>(CloseHandle(handle));
+        remove_file(pattern);
+    }
+    return stream;
 }
 
-void share_as(int, const std::string &) {}
+void share_as(std::FILE *, const std::string &) {}
 
 bool is_protected(const std::string &name) { return _access(name.c_str(), W_OK) != 0 && errno != ENOENT; }
 

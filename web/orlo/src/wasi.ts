@@ -75,11 +75,13 @@ export function execute(program: Compiled, guest: Guest): number {
     };
 
     // goes over the pieces of memory of one call until one is not filled, or not taken, as a whole
-    const transfer = (pieces: number, count: number, done: number, move: (piece: Uint8Array) => number) => {
+    const transfer = (way: 'read' | 'write', fd: number, pieces: number, count: number, done: number) => {
+        const descriptor = open(fd);
         let total = 0;
         for (let i = 0; i < count; ++i) {
             const piece = bytes(view().getUint32(pieces + 8 * i, true), view().getUint32(pieces + 8 * i + 4, true));
-            const moved = piece.length > 0 ? move(piece) : 0;
+            const moved = piece.length > 0 ? descriptor.file[way](piece, descriptor.position) : 0;
+            descriptor.position += moved;
             total += moved;
             if (moved < piece.length) break;
         }
@@ -153,22 +155,8 @@ export function execute(program: Compiled, guest: Guest): number {
         },
         fd_filestat_get: (fd: number, at: number) => putStat(at, open(fd).file.stat()),
         fd_filestat_set_size: (fd: number, size: bigint) => open(fd).file.resize(Number(size)),
-        fd_read(fd: number, pieces: number, count: number, done: number) {
-            const descriptor = open(fd);
-            transfer(pieces, count, done, piece => {
-                const moved = descriptor.file.read(piece, descriptor.position);
-                descriptor.position += moved;
-                return moved;
-            });
-        },
-        fd_write(fd: number, pieces: number, count: number, done: number) {
-            const descriptor = open(fd);
-            transfer(pieces, count, done, piece => {
-                const moved = descriptor.file.write(piece, descriptor.position);
-                descriptor.position += moved;
-                return moved;
-            });
-        },
+        fd_read: (fd: number, pieces: number, count: number, done: number) => transfer('read', fd, pieces, count, done),
+        fd_write: (fd: number, pieces: number, count: number, done: number) => transfer('write', fd, pieces, count, done),
         fd_seek(fd: number, offset: bigint, from: number, at: number) {
             const descriptor = sought(fd);
             const base = [0, descriptor.position, Number(descriptor.file.stat().size)][from];

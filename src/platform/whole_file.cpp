@@ -1,44 +1,23 @@
-// The name for the time being is one in the folder of the file, so that rename, which replaces a file at once
-// (POSIX.1-2017), stays within a file system. A link is followed first: what it leads to is replaced, not the link.
+// The name for the time being is one in the folder of the file, so that the file is replaced within its file system, which can be
+// done at once. A link is followed first: what it leads to is replaced, not the link.
 
 #include "platform/whole_file.h"
 
 #include "platform/ending_signals.h"
+#include "platform/file_names.h"
 #include "platform/new_file.h"
 
 #include <cerrno>
-#include <climits>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace orlo {
 namespace {
 
-constexpr int MOST_LINKS = 40; // that lead to a file, as the system has it
-
-char                       unfinished[PATH_MAX]; // settled before file_exists is set
+char                       unfinished[LONGEST_NAME]; // settled before file_exists is set
 volatile std::sig_atomic_t file_exists = 0;
 
 std::string last_error() { return std::strerror(errno); } // NOLINT(concurrency-mt-unsafe)
-
-// the file that a name leads to, also where that is not there yet; empty where links lead in a circle
-std::string resolved(std::string name)
-{
-    for (int links = 0; links < MOST_LINKS; ++links) {
-        char          path[PATH_MAX];
-        const ssize_t length = readlink(name.c_str(), path, sizeof path);
-        if (length < 0)
-            return name;
-        const std::string target{path, static_cast<std::size_t>(length)};
-        name.resize(target.starts_with('/') ? 0 : name.rfind('/') + 1); // to the folder, which may be none
-        name += target;
-    }
-    errno = ELOOP;
-    return "";
-}
 
 std::string open_in_place(WholeFile &file, const std::string &name)
 {
@@ -53,15 +32,14 @@ std::string open_beside(WholeFile &file)
     if (pattern.size() >= sizeof unfinished)
         return std::strerror(ENAMETOOLONG); // NOLINT(concurrency-mt-unsafe)
     std::memcpy(unfinished, pattern.c_str(), pattern.size() + 1);
-    const int number = make_new_file(unfinished);
-    if (number < 0)
+    file.stream = make_new_file(unfinished);
+    if (file.stream == nullptr)
         return last_error();
     file.temporary = unfinished;
     file_exists    = 1;
     on_ending_signal(remove_unfinished);
-    share_as(number, file.name);
-    file.stream = fdopen(number, "w");
-    return file.stream != nullptr ? "" : last_error();
+    share_as(file.stream, file.name);
+    return "";
 }
 
 void forget()
@@ -76,13 +54,7 @@ void forget()
 void remove_unfinished()
 {
     if (file_exists != 0)
-        static_cast<void>(unlink(unfinished));
-}
-
-bool is_special(const std::string &name)
-{
-    struct stat about {};
-    return stat(name.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
+        remove_file(unfinished);
 }
 
 std::string open_whole(WholeFile &file, const std::string &name)
@@ -95,8 +67,8 @@ std::string open_whole(WholeFile &file, const std::string &name)
     }
     if (is_special(name))
         return open_in_place(file, name);
-    file.name = resolved(name);
-    if (file.name.empty() || is_protected(file.name)) // which rename would replace all the same
+    file.name = led_to(name);
+    if (file.name.empty() || is_protected(file.name)) // which would be replaced all the same
         return last_error();
     hold_ending_signals();
     std::string fault = open_beside(file);
@@ -115,10 +87,10 @@ std::string close_whole(WholeFile &file, bool complete)
     if (file.temporary.empty())
         return fault;
     hold_ending_signals();
-    if (complete && fault.empty() && std::rename(file.temporary.c_str(), file.name.c_str()) != 0)
+    if (complete && fault.empty() && !replace_file(file.name, file.temporary))
         fault = last_error();
     if (!complete || !fault.empty())
-        static_cast<void>(unlink(file.temporary.c_str()));
+        remove_file(file.temporary.c_str());
     file.temporary.clear();
     forget();
     release_ending_signals();

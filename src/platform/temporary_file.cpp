@@ -3,22 +3,22 @@
 #include "platform/temporary_file.h"
 
 #include "platform/ending_signals.h"
+#include "platform/file_names.h"
+#include "platform/folder.h"
 #include "platform/new_file.h"
 #include "platform/output_files.h"
 #include "platform/screen.h"
 
-#include <climits>
 #include <csignal>
 #include <cstdlib>
-#include <unistd.h>
+#include <string>
 
 namespace orlo {
 namespace {
 
 constexpr char NAME_PATTERN[] = "/fileXXXXXX";
-constexpr char USUAL_FOLDER[] = "/tmp"; // which there always is (POSIX.1-2017, 10.1)
 
-char                       tmp_fname[PATH_MAX];      // settled before file_exists is set
+char                       tmp_fname[LONGEST_NAME];  // settled before file_exists is set
 char                       large_piece[LARGE_WRITE]; // of the file, on its way to it
 volatile std::sig_atomic_t file_exists = 0;          // 1 from the file's creation to its removal
 
@@ -27,36 +27,22 @@ void remove_in_signal()
 {
     flush_screen_in_signal();
     if (file_exists != 0)
-        static_cast<void>(unlink(tmp_fname));
+        remove_file(tmp_fname);
 }
 
-// a new file in a folder; its descriptor, or -1
-int make_file(const char *folder)
+// a new file in a folder, or null
+std::FILE *make_file(const char *folder)
 {
     const int length = std::snprintf(tmp_fname, sizeof tmp_fname, "%s%s", folder, NAME_PATTERN);
-    return length < static_cast<int>(sizeof tmp_fname) ? make_new_file(tmp_fname) : -1;
+    return length < static_cast<int>(sizeof tmp_fname) ? make_new_file(tmp_fname) : nullptr;
 }
 
-int make_file_somewhere()
+std::FILE *make_file_somewhere()
 {
-    const char *named = std::getenv("TMPDIR");
-    const int   file  = named != nullptr && *named != '\0' ? make_file(named) : -1;
-    return file >= 0 ? file : make_file(USUAL_FOLDER);
-}
-
-// the open file as a stream, null without one
-std::FILE *make_stream(int file)
-{
-    if (file < 0)
-        return nullptr;
-    std::FILE *stream = fdopen(file, "w");
-    if (stream == nullptr) {
-        close(file);
-        static_cast<void>(unlink(tmp_fname));
-    } else {
-        static_cast<void>(std::setvbuf(stream, large_piece, _IOFBF, sizeof large_piece));
-    }
-    return stream;
+    const char       *named  = std::getenv("TMPDIR");
+    std::FILE        *stream = named != nullptr && *named != '\0' ? make_file(named) : nullptr;
+    const std::string usual  = temporary_folder();
+    return stream != nullptr || usual.empty() ? stream : make_file(usual.c_str());
 }
 
 } // namespace
@@ -64,8 +50,9 @@ std::FILE *make_stream(int file)
 std::FILE *open_temporary_file()
 {
     hold_ending_signals();
-    std::FILE *stream = make_stream(make_file_somewhere());
+    std::FILE *stream = make_file_somewhere();
     if (stream != nullptr) {
+        static_cast<void>(std::setvbuf(stream, large_piece, _IOFBF, sizeof large_piece));
         file_exists = 1;
         on_ending_signal(remove_in_signal);
     }
@@ -73,14 +60,14 @@ std::FILE *open_temporary_file()
     return stream;
 }
 
-std::FILE *reopen_temporary_file() { return std::fopen(tmp_fname, "r"); }
+std::FILE *reopen_temporary_file() { return open_last(tmp_fname); }
 
 void remove_temporary_file()
 {
     if (file_exists == 0)
         return;
     hold_ending_signals();
-    std::remove(tmp_fname);
+    remove_file(tmp_fname); // where it is there still
     file_exists = 0;
     let_signals_end();
     release_ending_signals();
