@@ -35,6 +35,9 @@ enum class Part {
     rounding,  // of an equation, 1 for whole numbers
 };
 
+/// What a number in the header of a block means.
+enum class HeaderPart { pfields, start, length };
+
 /// Where a value of a section from p4 up goes.
 enum class Goes {
     next,   // to the event after the cursor, which becomes the cursor
@@ -78,7 +81,8 @@ struct Observer {
     void (*equation_drew)(); // a "?"
 
     // blocks
-    void (*block_begins)(std::size_t column); // its "i"
+    void (*block_begins)(std::size_t column);                                   // its "i"
+    void (*header_number)(HeaderPart part, std::size_t begin, std::size_t end); // of the block's header, where it is written
     void (*block_header)(std::int32_t instrument, std::int32_t pfields, float start, float beats, std::uint64_t events,
                          std::size_t end);
     void (*block_skipped)(std::int32_t instrument, std::size_t end);
@@ -101,11 +105,12 @@ struct Observer {
     void (*fill)(bool by_loop);                          // the next values fill the block
 
     // values
-    void (*set_chosen)(std::size_t set);                         // of the generator, for the next value
-    void (*refused)(std::uint64_t draws);                        // so many draws that were made last came to nothing: others follow
-    void (*walked)(float position, float low, float high);       // place of the value in its range, and the window of the next one
-    void (*started)(float beats, float deviated, float tempo);   // p2: interval as read, in seconds
-    void (*lasted)(float value, float deviated, float duration); // p3: as read, its amount, in seconds
+    void (*set_chosen)(std::size_t set);                   // of the generator, for the next value
+    void (*refused)(std::uint64_t draws);                  // so many draws that were made last came to nothing: others follow
+    void (*walked)(float position, float low, float high); // place of the value in its range, and the window of the next one
+    void (*started)(float beats, float deviated, float tempo, float beat,
+                    float start);                                         // p2: interval as read, in seconds; the event
+    void (*lasted)(float value, float deviated, float duration);          // p3: as read, its amount, in seconds
     void (*stored)(Goes goes, float value, float deviated, float result); // p4 and up
     void (*chord_repeated)(Goes goes, bool grows, float value);           // of the last chord; grows: the list by an event
 

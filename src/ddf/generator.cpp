@@ -108,7 +108,11 @@ int get_bound(float &bound, Part part, Input &in, int missing)
     return OK;
 }
 
-void tell_type(const RangeData &range, const Input &in) { tell_number(in, Part::range, static_cast<double>(range.type), in.pos); }
+// its letter, where there is one
+void tell_type(const RangeData &range, const Input &in, std::uint32_t begin)
+{
+    tell_number(in, Part::range, static_cast<double>(range.type), begin);
+}
 
 } // namespace
 
@@ -117,7 +121,7 @@ int get_range(RangeData &range, Input &in)
 {
     if (peek(in) != '[') {
         range.type = static_cast<int>(Range::uniform);
-        tell_type(range, in);
+        tell_type(range, in, in.pos);
         const int error = get_bound(range.low, Part::low, in, VALUES_OR_BRACKETS);
         range.high      = range.low;
         return error;
@@ -125,8 +129,9 @@ int get_range(RangeData &range, Input &in)
     ++in.pos;
     if (const int error = skip_items(in))
         return error;
-    range.type = get_rrange_type(in);
-    tell_type(range, in);
+    const std::uint32_t begin = in.pos;
+    range.type                = get_rrange_type(in);
+    tell_type(range, in, begin);
     if (const int error = skip_items(in))
         return error;
     if (const int error = get_bound(range.low, Part::low, in, VALUE_MISSING))

@@ -54,7 +54,7 @@ template <bool told> inline bool store_as_start(Section &section, float value, f
     if (!InsertBegTime(section, deviated))
         return false;
     if constexpr (told)
-        observer->started(value, deviated, TEMPO);
+        observer->started(value, deviated, TEMPO, section.list->beat, section.list->start);
     CBEATS += value;
     return true;
 }

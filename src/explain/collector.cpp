@@ -43,6 +43,7 @@ constexpr Observer functions = {
     .condition_ends    = Guarded<told::condition_ends>::tell,
     .equation_drew     = Guarded<told::equation_drew>::tell,
     .block_begins      = Guarded<told::block_begins>::tell,
+    .header_number     = Guarded<told::header_number>::tell,
     .block_header      = Guarded<told::block_header>::tell,
     .block_skipped     = Guarded<told::block_skipped>::tell,
     .block_starts      = Guarded<told::block_starts>::tell,

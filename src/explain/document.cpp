@@ -55,6 +55,24 @@ void put_diagnostics(Out &out)
     });
 }
 
+void put_hints(Out &out)
+{
+    put_objects(out, "hints", out.piece.hints, [&out](const Hint &hint) {
+        put_text(out, "name", name_of(hint.kind));
+        put_text(out, "text", hint.text);
+        put_text(out, "reason", hint.reason);
+        put_place(out, "range", hint.place);
+        if (hint.block != NONE)
+            put(out, "block", hint.block);
+        if (hint.edits.empty())
+            return;
+        put_objects(out, "edits", hint.edits, [&out](const Edit &edit) {
+            put_place(out, "range", edit.place);
+            put_text(out, "text", edit.text);
+        });
+    });
+}
+
 std::string_view name_of(CallKind kind)
 {
     switch (kind) {
@@ -186,6 +204,7 @@ bool write_document(Piece &piece, const Heading &heading, std::FILE *file)
     put(out, "status", heading.status);
     put_files(out);
     put_diagnostics(out);
+    put_hints(out);
     put_calls(out);
     put_definitions(out);
     put_commands(out, piece.commands);

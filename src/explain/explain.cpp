@@ -11,6 +11,8 @@
 #include "explain/csd.h"
 #include "explain/document.h"
 #include "explain/gcc_messages.h"
+#include "explain/hints/hints.h"
+#include "explain/hints_text.h"
 #include "explain/options.h"
 #include "explain/say.h"
 #include "platform/file_identity.h"
@@ -108,7 +110,7 @@ bool write(Piece &piece, const Options &options, const Heading &heading, std::FI
 {
     if (options.format == Format::json)
         return write_document(piece, heading, file);
-    const std::string messages = gcc_messages(piece);
+    const std::string messages = options.format == Format::gcc ? gcc_messages(piece) : hints_text(piece, heading);
     const std::string text     = is_terminal(file) ? visible_text(messages, "\n") : messages;
     return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
@@ -159,8 +161,10 @@ bool explain(const Options &options)
     if (heading.csd)
         piece.source.skip_in_piece(score.begin, score.line);
     start_collecting(piece, detail);
-    return run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail) &&
-           write_out(piece, options, heading);
+    if (!run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail))
+        return false;
+    find_hints(piece, options.midi);
+    return write_out(piece, options, heading);
 }
 
 bool print(const char *text)
@@ -183,6 +187,8 @@ int do_task(int argc, const char *const *argv)
         return print(help_text()) ? SUCCESS : FAILURE;
     case Task::version:
         return print("orlo-explain " ORLO_VERSION "\n") ? SUCCESS : FAILURE;
+    case Task::list_hints:
+        return print(list_of_hints().c_str()) ? SUCCESS : FAILURE;
     case Task::refuse:
         break;
     }

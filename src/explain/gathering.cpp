@@ -1,5 +1,6 @@
 #include "explain/gathering.h"
 
+#include "base/codes.h"
 #include "input/line_reader.h"
 
 namespace orlo::explain {
@@ -66,6 +67,27 @@ void reach_last_literal()
     if (now.last_literal.second > 0 && now.in_section)
         in_section_here(now.last_literal.first, now.last_literal.second);
     now.last_literal = {0, 0};
+}
+
+std::int32_t input_in_force()
+{
+    if (!now.in_section)
+        return NONE;
+    return section().inputs.empty() ? static_cast<std::int32_t>(TYPE_RE) : section().inputs.back().code;
+}
+
+void join_value(std::size_t begin, std::size_t end)
+{
+    const std::int32_t input = input_in_force();
+    if (now.last_value_end == begin && begin > 0 && input != NONE && now.piece->joined.size() < MOST_JOINED) {
+        const Place first  = now.last_value;
+        const Place second = now.piece->source.place_of(begin, end);
+        if (first.file == second.file && first.call == second.call && first.end == second.begin)
+            now.piece->joined.push_back({first, second, now.block, section().pfield, input, now.last_value_input});
+    }
+    now.last_value_end   = end;
+    now.last_value_input = input;
+    now.last_value       = now.piece->source.place_of(begin, end);
 }
 
 void end_section()

@@ -50,7 +50,11 @@ struct Gathering {
     std::size_t said_earlier = 0; // diagnostics before the line was read
 
     // of the section
-    std::pair<std::size_t, std::size_t> last_literal{0, 0}; // columns of the last one on the line, where each is not asked for
+    std::pair<std::size_t, std::size_t> last_literal{0, 0};   // columns of the last one on the line, where each is not asked for
+    float                               last_start = 0.0F;    // seconds, of the event that p2 made last
+    Place                               last_value;           // on the line, of a list or a generator, and its type
+    std::size_t                         last_value_end   = 0; // its column; 0: there is none
+    std::int32_t                        last_value_input = 0;
     Source                              source;
     bool                                new_source = true; // the next value begins a run
     std::size_t                         set        = 0;
@@ -103,6 +107,12 @@ void               close_loop(Loop &loop, bool open);
 
 /// Makes the section reach to the last literal on the line.
 void reach_last_literal();
+
+/// A value stands in the text, in the section's input type; the text before it may be another value.
+void join_value(std::size_t begin, std::size_t end);
+
+/// Type in which values of the open section are written; NONE outside sections.
+[[nodiscard]] std::int32_t input_in_force();
 
 /// The section is over, if one is open.
 void end_section();

@@ -1,5 +1,6 @@
 #include "explain/gcc_messages.h"
 
+#include "explain/hints_text.h"
 #include "explain/words.h"
 
 #include <algorithm>
@@ -75,6 +76,13 @@ std::string gcc_messages(Piece &piece)
         put_chain(out, diagnostic.place);
         for (const Related &related : diagnostic.related)
             put_line(out, related.place, "note", related.text);
+    }
+    for (const Hint &hint : piece.hints) {
+        put_line(out, hint.place, "warning", hint.text + " [" + std::string{name_of(hint.kind)} + "]");
+        put_chain(out, hint.place);
+        put_line(out, hint.place, "note", hint.reason);
+        for (const Edit &edit : hint.edits)
+            put_line(out, edit.place, "note", fix_text(piece.source, edit));
     }
     return std::move(out.text);
 }

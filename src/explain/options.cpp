@@ -16,6 +16,8 @@ constexpr char help[] = "Usage: orlo-explain [options] PIECE\n"
                         "  --format=json a document with all there is to know (without an option, too)\n"
                         "  --format=gcc  what is wrong, a line each: FILE:LINE:COLUMN: error: TEXT\n"
                         "  -h, --help    show this text\n"
+                        "  --hints       what may not be meant, why, and how to mend it\n"
+                        "  --list-hints  show the names of all hints\n"
                         "  -m            run it as orlo -m does: the first block, for a MIDI file\n"
                         "  --no-events   leave out single values and events\n"
                         "  -o FILE       write to FILE instead of the standard output\n"
@@ -62,6 +64,12 @@ Task take_option(std::string_view option, int argc, const char *const *argv, int
         return Task::help;
     if (option == "-V" || option == "--version")
         return Task::version;
+    if (option == "--list-hints")
+        return Task::list_hints;
+    if (option == "--hints") {
+        options.format = Format::hints;
+        return Task::explain;
+    }
     if (option == "-m") {
         options.midi = true;
         return Task::explain;

@@ -5,7 +5,7 @@
 
 namespace orlo::explain {
 
-enum class Format { json, gcc };
+enum class Format { json, gcc, hints };
 
 /// What the command line asks for.
 struct Options {
@@ -21,6 +21,7 @@ enum class Task {
     explain,
     help,
     version,
+    list_hints,
     refuse, ///< a message was printed to standard error
 };
 

@@ -275,6 +275,9 @@ void put_header(Out &out, const Block &block)
         put_count(out, "events_wanted", block.events);
     else
         put_real(out, "beats", block.beats);
+    put_place(out, "pfields_range", block.header.pfields);
+    put_place(out, "start_range", block.header.start);
+    put_place(out, "length_range", block.header.length);
     if (!block.started)
         return;
     put_real(out, "tempo", block.tempo);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/observer.h"
+#include "explain/hints/hint.h"
 #include "explain/source_map.h"
 
 #include <cstdint>
@@ -12,6 +13,8 @@
 namespace orlo::explain {
 
 inline constexpr std::size_t MOST_DISTINCT = 10000; // values that are told apart in a section
+inline constexpr std::size_t MOST_CODED    = 16;    // codes of p3 that are kept of a section
+inline constexpr std::size_t MOST_JOINED   = 1000;  // pairs of values without a blank between them that are kept of a piece
 
 struct Related {
     std::string text;
@@ -77,6 +80,12 @@ struct Term {
     double number = 0.0;
 };
 
+/// A letter of a set, of its curve or of one of its ranges.
+struct Letter {
+    Part  part;
+    Place place;
+};
+
 struct Set {
     Place                            place;
     std::optional<double>            weight;
@@ -88,6 +97,7 @@ struct Set {
     std::optional<double>            window;
     std::optional<double>            start;
     std::vector<Term>                terms;
+    std::vector<Letter>              letters;
     bool                             rounded = false;
 };
 
@@ -98,8 +108,11 @@ struct Command {
     std::optional<double> span;
     Place                 span_place;
     std::vector<Set>      sets;
-    std::uint64_t         first = 0; // of the values that a generator made
-    std::uint64_t         count = 0;
+    std::uint64_t         first      = 0; // of the values that a generator made
+    std::uint64_t         count      = 0;
+    std::int32_t          input      = NONE; // type in which its values are written; NONE outside sections
+    float                 last_value = 0.0F; // the one that it made last, before deviation
+    double                seconds    = 0.0;  // of all its intervals, in p2
 };
 
 enum class Kind { literal, repeat, generator, fill, loop };
@@ -145,6 +158,14 @@ struct Loop {
     bool          open  = true;
 };
 
+/// A p3 that may be a code or a duration, by the first value of its kind.
+struct Coded {
+    float         value;
+    float         seconds; // what it makes of its event
+    Place         place;
+    std::uint64_t count = 1;
+};
+
 struct Input {
     std::int32_t  code;
     bool          exact; // with "x": values are not rounded
@@ -166,6 +187,13 @@ struct Section {
     bool                 by_loop = false;
     Statistics           statistics;
     std::size_t          distinct = 0; // MOST_DISTINCT + 1: there are more
+
+    // what hints ask for
+    std::uint64_t      no_numbers = 0;  // values that are no finite number
+    Place              no_number;       // what made the first of them
+    std::uint64_t      turned   = 0;    // intervals whose sign deviation has turned
+    float              furthest = 0.0F; // of them, in seconds
+    std::vector<Coded> coded;           // by value, MOST_CODED of them
 
     // of each value, when values are wanted
     std::vector<float>         read;
@@ -194,9 +222,23 @@ struct Events {
     std::vector<Column>                     printed; // by p-field; none for a MIDI file
 };
 
+/// An event's start, in the time of its block.
+struct Moment {
+    float  beat;
+    double second;
+};
+
+/// Where the numbers of a header are written.
+struct HeaderPlaces {
+    Place pfields;
+    Place start;
+    Place length;
+};
+
 struct Block {
     std::uint32_t         number = 0; // among those that were written; 0: it was not
     Place                 place;
+    HeaderPlaces          header;
     std::int32_t          instrument = 0;
     bool                  has_header = false;
     std::int32_t          pfields    = 0;
@@ -216,11 +258,30 @@ struct Block {
     std::vector<Command>  commands;
     std::vector<Section>  sections;
     std::optional<Events> notes;
+
+    // what hints ask for
+    bool                tempo_moves = false; // the tempo map has more than one tempo
+    float               settles     = 0.0F;  // beat from which on it has one
+    double              by_map      = 0.0;   // seconds of its start by the whole map
+    float               reach       = 0.0F;  // beat at which the last interval ends
+    double              reach_time  = 0.0;   // the same in seconds, without deviations
+    bool                steady      = true;  // its beats only go on, one interval after the other
+    std::vector<Moment> moments;             // of its events where the tempo moves, without deviations
 };
 
 struct ScorePart {
     std::string  text;
     std::int32_t block = NONE; // its events instead of a text
+};
+
+/// Two values that are written without a blank between them.
+struct Joined {
+    Place        first;
+    Place        second;
+    std::int32_t block;
+    std::int32_t pfield;
+    std::int32_t input; // type in which the second is written
+    std::int32_t input_of_first;
 };
 
 struct Piece {
@@ -234,6 +295,8 @@ struct Piece {
     std::vector<Command>     commands; // between blocks
     std::vector<Block>       blocks;
     std::vector<ScorePart>   score;
+    std::vector<Joined>      joined;
+    std::vector<Hint>        hints;
 };
 
 } // namespace orlo::explain

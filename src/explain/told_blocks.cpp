@@ -5,7 +5,52 @@
 #include "base/codes.h"
 #include "events/block.h"
 #include "events/pfields.h"
+#include "events/tempo_map.h"
 #include "explain/gathering.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace orlo::explain {
+namespace {
+
+// seconds from beat 0 to a beat, by the middle of pieces between the bounds of the map's segments
+double seconds_to(float beat)
+{
+    constexpr int      PIECES = 16;
+    std::vector<float> bounds{0.0F, beat};
+    for (std::int32_t i = 0; i < TOT_TEMPOS; ++i)
+        for (const float bound : {TEMPO_LIST[i].stime, TEMPO_LIST[i].etime})
+            if (bound > 0.0F && bound < beat)
+                bounds.push_back(bound);
+    std::sort(bounds.begin(), bounds.end());
+    double seconds = 0.0;
+    for (std::size_t i = 0; i + 1 < bounds.size(); ++i) {
+        const float length = (bounds[i + 1] - bounds[i]) / PIECES;
+        for (int piece = 0; piece < PIECES; ++piece)
+            seconds += 60.0 / find_tempo(bounds[i] + length * (static_cast<float>(piece) + 0.5F)) * static_cast<double>(length);
+    }
+    return seconds;
+}
+
+// what the tempo map is when a block starts
+void take_map(Block &block)
+{
+    const float first = TEMPO_LIST[0].stempo;
+    const float last  = TEMPO_LIST[TOT_TEMPOS - 1].etempo;
+    for (std::int32_t i = 0; i < TOT_TEMPOS; ++i) {
+        const TempoSegment &segment = TEMPO_LIST[i];
+        block.tempo_moves           = block.tempo_moves || segment.stempo != first || segment.etempo != first;
+        if (segment.etempo != last)
+            block.settles = TEMPO_LIST[i + 1].stime; // the last one has that tempo
+        else if (segment.stempo != last)
+            block.settles = segment.etime;
+    }
+    block.by_map = block.tempo_moves ? seconds_to(block.start) : static_cast<double>(block.seconds);
+}
+
+} // namespace
+} // namespace orlo::explain
 
 namespace orlo::explain::told {
 
@@ -21,6 +66,22 @@ void block_begins(std::size_t column)
     now.in_section    = false;
     block().place     = place;
     block().recovered = now.recovering;
+}
+
+void header_number(HeaderPart part, std::size_t begin, std::size_t end)
+{
+    HeaderPlaces &header = block().header;
+    switch (part) {
+    case HeaderPart::pfields:
+        header.pfields = here(begin, end);
+        return;
+    case HeaderPart::start:
+        header.start = here(begin, end);
+        return;
+    case HeaderPart::length:
+        header.length = here(begin, end);
+        return;
+    }
 }
 
 void block_header(std::int32_t instrument, std::int32_t pfields, float start, float beats, std::uint64_t events, std::size_t end)
@@ -48,6 +109,9 @@ void block_starts(float tempo, float seconds)
     block().started = true;
     block().tempo   = tempo;
     block().seconds = seconds;
+    take_map(block());
+    block().reach      = block().start;
+    block().reach_time = static_cast<double>(seconds);
 }
 
 void block_ends(std::size_t end)

@@ -97,6 +97,9 @@ void add_tempo_change(const Command &command)
                                 static_cast<int>(segment.type), static_cast<double>(segment.vcurve)});
 }
 
+// whether a number is written in the section's input type
+bool is_value(Part part) { return part == Part::low || part == Part::high || part == Part::value || part == Part::start; }
+
 // lists that were begun for a value that did not come
 void drop_empty_lists(Command &command)
 {
@@ -116,6 +119,7 @@ void command_begins(std::int32_t code, std::size_t column)
     Command &begun = commands().emplace_back();
     begun.code     = code;
     begun.place    = in_section_here(column, column + 2);
+    begun.input    = input_in_force();
     now.in_command = true;
 }
 
@@ -154,6 +158,10 @@ void number_read(Part part, double value, std::size_t begin, std::size_t end)
     Set &set  = set_of(command, place);
     set.place = now.piece->source.join(set.place, place);
     add_number_to_set(set, part, value);
+    if (part == Part::curve || part == Part::range)
+        set.letters.push_back({part, place});
+    if (is_value(part))
+        join_value(begin, end);
 }
 
 void command_read(std::size_t end)

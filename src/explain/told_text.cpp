@@ -23,8 +23,9 @@ void line_read(std::uint64_t, std::uint64_t offset, std::size_t length)
 {
     reach_last_literal();
     now.piece->source.read_line(offset, length);
-    now.failed_call  = {};
-    now.said_earlier = now.piece->diagnostics.size();
+    now.failed_call    = {};
+    now.said_earlier   = now.piece->diagnostics.size();
+    now.last_value_end = 0;
 }
 
 // calls

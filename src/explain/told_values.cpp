@@ -44,6 +44,59 @@ void begin_run(Section &section)
     now.new_source = false;
 }
 
+// what makes the present value, by the innermost text that is known
+Place place_of_value()
+{
+    if (now.source.kind == Kind::generator)
+        return section().commands[now.source.command].place;
+    if (now.source.kind == Kind::literal && now.last_value_end > 0)
+        return now.last_value;
+    return section().place;
+}
+
+// of p2
+void count_interval(float beats, float deviated)
+{
+    Section &starts = section();
+    if (now.source.kind == Kind::generator)
+        starts.commands[now.source.command].seconds += std::fabs(static_cast<double>(deviated));
+    if (beats > 0.0F && deviated < 0.0F) {
+        ++starts.turned;
+        starts.furthest = std::min(starts.furthest, deviated);
+    }
+}
+
+// the event of an interval, in the time of its block
+void place_event(float beats, float tempo, float beat, float start)
+{
+    Block     &open    = block();
+    const bool another = section().count == 0 || start != now.last_start; // no member of a chord
+    now.last_start     = start;
+    if (beats < 0.0F || (!another && beats != 0.0F))
+        open.steady = false;
+    if (!open.steady)
+        return;
+    if (open.tempo_moves)
+        open.moments.push_back({beat, open.reach_time});
+    open.reach = beat + beats;
+    open.reach_time += 60.0 / static_cast<double>(tempo) * static_cast<double>(beats);
+}
+
+// of p3: what may have been meant as milliseconds
+void count_code(float value, float duration)
+{
+    constexpr float FIRST = 200.0F;
+    constexpr float LAST  = 1400.0F;
+    if (value < FIRST || value > LAST)
+        return;
+    std::vector<Coded> &coded = section().coded;
+    const auto known = std::find_if(coded.begin(), coded.end(), [value](const Coded &each) { return each.value == value; });
+    if (known != coded.end())
+        ++known->count;
+    else if (coded.size() < MOST_CODED)
+        coded.push_back({value, duration, place_of_value()});
+}
+
 void count_value(double result)
 {
     Section &stored = section();
@@ -54,8 +107,11 @@ void count_value(double result)
         now.last_read = stored.count - 1;
     if (IN_LOOP && !stored.filled)
         now.looped.push_back(stored.count - 1);
-    if (!std::isfinite(result))
+    if (!std::isfinite(result)) {
+        if (stored.no_numbers++ == 0)
+            stored.no_number = place_of_value();
         return;
+    }
     Statistics &statistics = stored.statistics;
     statistics.least       = statistics.count == 0 ? result : std::min(statistics.least, result);
     statistics.greatest    = statistics.count == 0 ? result : std::max(statistics.greatest, result);
@@ -111,6 +167,8 @@ void keep_value(Section &section, float value, float deviated, float result)
 void add_value(float value, float deviated, float result)
 {
     now.distinct.add(result);
+    if (now.source.kind == Kind::generator)
+        section().commands[now.source.command].last_value = value;
     if (wants_values())
         keep_value(section(), value, deviated, result);
     count_value(static_cast<double>(result));
@@ -135,6 +193,7 @@ void loop_mark(bool opens, std::size_t column)
 
 void literal(std::size_t begin, std::size_t end)
 {
+    join_value(begin, end);
     if (now.source.kind != Kind::literal)
         now.new_source = true;
     now.source.kind = Kind::literal;
@@ -179,12 +238,14 @@ void walked(float position, float low, float high)
     now.window_high = high;
 }
 
-void started(float beats, float deviated, float tempo)
+void started(float beats, float deviated, float tempo, float beat, float start)
 {
     if (wants_values()) {
         now.ring.add_start(static_cast<std::uint32_t>(section().count));
         section().tempo.push_back(tempo);
     }
+    count_interval(beats, deviated);
+    place_event(beats, tempo, beat, start);
     add_value(beats, deviated, deviated);
 }
 
@@ -192,6 +253,7 @@ void lasted(float value, float deviated, float duration)
 {
     if (wants_values())
         now.ring.store_next(static_cast<std::uint32_t>(section().count));
+    count_code(value, duration);
     add_value(value, deviated, duration);
 }
 

@@ -50,6 +50,12 @@ int skip_block(Input &in)
     return END_OF_INPUT;
 }
 
+void tell_header(HeaderPart part, const Input &in, std::uint32_t begin)
+{
+    if (observer != nullptr)
+        observer->header_number(part, begin, in.pos);
+}
+
 // number -> "i" [ "-" ] digits
 int get_i_number(Input &in)
 {
@@ -71,8 +77,10 @@ int get_pfield_count(Input &in)
     ++in.pos;
     if (const int error = skip_space(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (!get_i(MAX_PFIELDS, in))
         return BAD_P_COUNT;
+    tell_header(HeaderPart::pfields, in, begin);
     if (MAX_PFIELDS < LEAST_PFIELDS || MAX_PFIELDS > MOST_PFIELDS) {
         tell(Severity::error, "\n\nERROR: ", "Bad number of p-fields (3 - %d)", "\n", MOST_PFIELDS);
         return TEXT_REPORTED;
@@ -86,8 +94,10 @@ int get_start(Input &in)
 {
     if (const int error = skip_separators(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (!get_f(STIME, in) || STIME < 0.0F)
         return BAD_START_TIME;
+    tell_header(HeaderPart::start, in, begin);
     if (STIME > LATE_START)
         warn(in, W_LATE_START);
     SBEAT = STIME;
@@ -118,8 +128,10 @@ int get_length(Input &in)
 {
     if (const int error = skip_separators(in))
         return error;
+    const std::uint32_t begin = in.pos;
     if (const int error = get_amount(in))
         return error;
+    tell_header(HeaderPart::length, in, begin);
     if (BEATS > MOST_BEATS) {
         complain_here(in, "Maximum number of beats = %f", MOST_BEATS);
         return TEXT_REPORTED;

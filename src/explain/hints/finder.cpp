@@ -1,0 +1,89 @@
+#include "explain/hints/finder.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace orlo::explain {
+
+void add(Finder &finder, Hint hint)
+{
+    const auto same = [&hint](const Hint &other) {
+        return other.kind == hint.kind && other.place.file == hint.place.file && other.place.begin == hint.place.begin &&
+               other.place.end == hint.place.end && hint.place.file != NONE;
+    };
+    if (finder.found.size() < MOST_HINTS && std::none_of(finder.found.begin(), finder.found.end(), same))
+        finder.found.push_back(std::move(hint));
+}
+
+const File &file_of(const Finder &finder, const Place &place)
+{
+    return finder.piece.source.files()[static_cast<std::size_t>(place.file)];
+}
+
+std::string_view text_at(const Finder &finder, const Place &place)
+{
+    if (place.file == NONE)
+        return {};
+    const File &file = file_of(finder, place);
+    return std::string_view{file.text}.substr(place.begin - file.skipped, place.end - place.begin);
+}
+
+std::string_view text_behind(const Finder &finder, const Place &place)
+{
+    if (place.file == NONE)
+        return {};
+    const File            &file = file_of(finder, place);
+    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped);
+    return rest.substr(0, rest.find('\n'));
+}
+
+std::string_view text_before(const Finder &finder, const Place &place)
+{
+    if (place.file == NONE)
+        return {};
+    const File            &file = file_of(finder, place);
+    const std::string_view rest = std::string_view{file.text}.substr(0, place.begin - file.skipped);
+    return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
+}
+
+Place outermost(const Finder &finder, Place place)
+{
+    while (place.call != NONE) // a call stands in a text that was there before it
+        place = finder.piece.source.calls()[static_cast<std::size_t>(place.call)].place;
+    return place;
+}
+
+Place before(const Place &place) { return {place.file, place.begin, place.begin, place.call}; }
+
+Place behind(const Place &place) { return {place.file, place.end, place.end, place.call}; }
+
+std::int32_t index_of(const Finder &finder, const Block &block)
+{
+    return static_cast<std::int32_t>(&block - finder.piece.blocks.data());
+}
+
+std::string name_of(const Finder &finder, const Block &block)
+{
+    const std::uint32_t number = block.written ? block.number : static_cast<std::uint32_t>(index_of(finder, block)) + 1;
+    return "block " + std::to_string(number) + " (i" + std::to_string(block.instrument) + ")";
+}
+
+std::string short_number(double number, int digits)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, number);
+    std::string shown{text};
+    if (shown.find('.') != std::string::npos) {
+        shown.erase(shown.find_last_not_of('0') + 1);
+        if (shown.back() == '.')
+            shown.pop_back();
+    }
+    return shown == "-0" ? "0" : shown;
+}
+
+std::string counted(std::uint64_t count, std::string_view what)
+{
+    return std::to_string(count) + " " + std::string{what} + (count == 1 ? "" : "s");
+}
+
+} // namespace orlo::explain

@@ -1,0 +1,58 @@
+// finder.h: what the rooms of the hints share: the piece, its text by places, and words for figures. Changes nothing of the piece.
+#pragma once
+
+#include "explain/piece.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace orlo::explain {
+
+/// A piece, and what has been found in it so far.
+struct Finder {
+    const Piece      &piece;
+    bool              midi;
+    std::vector<Hint> found;
+};
+
+/// Adds a hint; one about the same text as another of its kind, which came through another call, is left out.
+void add(Finder &finder, Hint hint);
+
+/// The text of a file, and how many bytes stand before it in the file.
+[[nodiscard]] const File &file_of(const Finder &finder, const Place &place);
+
+/// The text at a place; empty for no place.
+[[nodiscard]] std::string_view text_at(const Finder &finder, const Place &place);
+
+/// The characters after, and before, a place on its line, without the line end.
+[[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
+[[nodiscard]] std::string_view text_before(const Finder &finder, const Place &place);
+
+/// Whether a place is written in the piece itself, or in an included file, and came through no call.
+[[nodiscard]] inline bool is_plain(const Place &place) { return place.file != NONE && place.call == NONE; }
+
+/// The outermost call through which a place came, as it is written; the place itself if there is none.
+[[nodiscard]] Place outermost(const Finder &finder, Place place);
+
+/// Empty places where a text begins and ends, for what is to be put in.
+[[nodiscard]] Place before(const Place &place);
+[[nodiscard]] Place behind(const Place &place);
+
+/// A block as it is called in a sentence: "block 2 (i3)".
+[[nodiscard]] std::string name_of(const Finder &finder, const Block &block);
+
+/// Index of a block.
+[[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);
+
+/// A number with at most so many digits after the point, without zeros at their end.
+[[nodiscard]] std::string short_number(double number, int digits = 3);
+
+/// "1 event", "2 events".
+[[nodiscard]] std::string counted(std::uint64_t count, std::string_view what);
+
+/// Whether a block's values are all known: it was read to its end as in a run.
+[[nodiscard]] inline bool is_whole(const Block &block) { return block.closed && !block.skipped && !block.recovered; }
+
+} // namespace orlo::explain

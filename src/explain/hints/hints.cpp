@@ -1,0 +1,27 @@
+#include "explain/hints/hints.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace orlo::explain {
+
+void find_hints(Piece &piece, bool midi)
+{
+    Finder finder{piece, midi, {}};
+    look_at_text(finder);
+    look_at_definitions(finder);
+    look_at_letters(finder);
+    look_at_starts(finder);
+    look_at_sections(finder);
+    look_at_values(finder);
+    look_at_spans(finder);
+    look_at_midi(finder);
+    keep_quiet(finder);
+    const auto earlier = [](const Hint &a, const Hint &b) {
+        return std::tie(a.place.file, a.place.begin) < std::tie(b.place.file, b.place.begin);
+    };
+    std::stable_sort(finder.found.begin(), finder.found.end(), earlier);
+    piece.hints = std::move(finder.found);
+}
+
+} // namespace orlo::explain

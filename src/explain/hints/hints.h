@@ -1,0 +1,25 @@
+// hints.h: what may not be meant in a piece. Each room looks for hints of one field.
+#pragma once
+
+#include "explain/hints/finder.h"
+
+namespace orlo::explain {
+
+/// Finds the hints of a run that is over, in the order of the text, without those that a comment of the piece has silenced.
+void find_hints(Piece &piece, bool midi);
+
+// the rooms
+void look_at_starts(Finder &finder);      ///< blocks and intervals in time
+void look_at_spans(Finder &finder);       ///< generators: how far they reach
+void look_at_letters(Finder &finder);     ///< notes and letters
+void look_at_values(Finder &finder);      ///< single values: rhythms, codes, what is no number
+void look_at_sections(Finder &finder);    ///< sections: lists, loops, what is missing
+void look_at_midi(Finder &finder);        ///< MIDI files
+void look_at_definitions(Finder &finder); ///< macros, constants, seeds
+void look_at_text(Finder &finder);        ///< files as they are written
+
+/// Leaves out what a comment "; orlo: quiet NAME ..." has silenced: in a block or just before it, for the block; before the first
+/// block, for the piece.
+void keep_quiet(Finder &finder);
+
+} // namespace orlo::explain

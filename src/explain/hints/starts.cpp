@@ -1,0 +1,142 @@
+// A block is late, or early, when its start in seconds is not where another block, which began before it, has that beat. What is
+// late itself says nothing about others.
+
+#include "explain/hints/hints.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orlo::explain {
+namespace {
+
+constexpr double      HEARD           = 0.02;  // seconds; less is not
+constexpr double      THOUSANDTH      = 0.001; // seconds
+constexpr std::size_t MOST_REFERENCES = 64;    // blocks that others are compared with
+
+double tempo_time(double beats, double tempo) { return beats * 60.0 / tempo; }
+
+// seconds at which a block has a beat that it reaches
+double time_of(const Block &block, float beat)
+{
+    if (!block.tempo_moves)
+        return static_cast<double>(block.seconds) +
+               tempo_time(static_cast<double>(beat - block.start), static_cast<double>(block.tempo));
+    const auto   earlier = [beat](const Moment &moment) { return moment.beat <= beat; };
+    const auto   next    = std::partition_point(block.moments.begin(), block.moments.end(), earlier);
+    const Moment begin   = *(next - 1); // the block has begun before the beat
+    const Moment end     = next == block.moments.end() ? Moment{block.reach, block.reach_time} : *next;
+    if (end.beat <= begin.beat)
+        return begin.second;
+    return begin.second + static_cast<double>((beat - begin.beat) / (end.beat - begin.beat)) * (end.second - begin.second);
+}
+
+// whether a start was reckoned by the composer
+bool is_reckoned(const Finder &finder, const Place &start)
+{
+    for (Place place = start; place.call != NONE;) { // to the outermost call
+        const Call &call = finder.piece.source.calls()[static_cast<std::size_t>(place.call)];
+        if (call.kind == CallKind::equation || call.kind == CallKind::time)
+            return true;
+        place = call.place;
+    }
+    return false;
+}
+
+struct Reference {
+    const Block *block; // null: the tempo map
+    double       time;
+};
+
+// The seconds at which the start of a block is to be expected: by one of the blocks that have that beat, if there is one.
+Reference reference_of(const std::vector<const Block *> &references, const Block &block)
+{
+    Reference reference{nullptr, block.by_map};
+    for (const Block *other : references) {
+        if (other->start >= block.start || other->reach < block.start)
+            continue;
+        const double time = time_of(*other, block.start);
+        if (std::fabs(time - static_cast<double>(block.seconds)) <= HEARD)
+            return {other, static_cast<double>(block.seconds)};
+        if (reference.block == nullptr)
+            reference = {other, time};
+    }
+    return reference;
+}
+
+// the end of what was written before a block
+double end_before(const Finder &finder, const Block &block)
+{
+    double end = 0.0;
+    for (const Block *other = finder.piece.blocks.data(); other != &block; ++other)
+        if (other->written)
+            end = std::max(end, other->end);
+    return end;
+}
+
+// a start that gives the seconds, where the tempo stays from there on
+std::vector<Edit> move_start(const Finder &finder, const Block &block, double time)
+{
+    const double beat = time * static_cast<double>(block.tempo) / 60.0;
+    if (!is_plain(block.header.start) || block.start < block.settles || beat < static_cast<double>(block.settles))
+        return {};
+    const bool        at_the_end = std::fabs(end_before(finder, block) - time) < THOUSANDTH;
+    const std::string seconds    = at_the_end ? "@2" : short_number(time);
+    return {{block.header.start, "~[" + seconds + " * " + short_number(static_cast<double>(block.tempo)) + " / 60]"}};
+}
+
+std::string reason_of(const Finder &finder, const Block &block, const Reference &reference)
+{
+    std::string reason = "its start is reckoned at the tempo of that beat alone, " +
+                         short_number(static_cast<double>(block.tempo)) + ": " + short_number(static_cast<double>(block.start)) +
+                         " * 60 / " + short_number(static_cast<double>(block.tempo)) + " = " +
+                         short_number(static_cast<double>(block.seconds)) + " s; ";
+    if (reference.block != nullptr)
+        reason += name_of(finder, *reference.block) + " has beat " + short_number(static_cast<double>(block.start)) + " at ";
+    else
+        reason += "through all tempos before it, beat " + short_number(static_cast<double>(block.start)) + " lies at ";
+    return reason + short_number(reference.time) + " s";
+}
+
+// whether it is where it is to be expected
+bool look_at_start(Finder &finder, const Block &block, const std::vector<const Block *> &references)
+{
+    if (block.start <= 0.0F || is_reckoned(finder, block.header.start))
+        return true;
+    const Reference reference = reference_of(references, block);
+    const double    distance  = static_cast<double>(block.seconds) - reference.time;
+    if (!(std::fabs(distance) > HEARD))
+        return true;
+    add(finder, {HintKind::late_block,
+                 name_of(finder, block) + " starts " + short_number(std::fabs(distance)) + " s " +
+                     (distance < 0.0 ? "before" : "after") + " beat " + short_number(static_cast<double>(block.start)) +
+                     (reference.block != nullptr ? " of " + name_of(finder, *reference.block) : " of the tempo map"),
+                 reason_of(finder, block, reference), block.header.start, index_of(finder, block),
+                 move_start(finder, block, reference.time)});
+    return false;
+}
+
+// keeps those that reach furthest
+void add_reference(std::vector<const Block *> &references, const Block &block)
+{
+    const auto furthest_first = [](const Block *a, const Block *b) { return a->reach > b->reach; };
+    references.insert(std::upper_bound(references.begin(), references.end(), &block, furthest_first), &block);
+    if (references.size() > MOST_REFERENCES)
+        references.pop_back();
+}
+
+} // namespace
+
+void look_at_starts(Finder &finder)
+{
+    std::vector<const Block *> blocks;
+    for (const Block &block : finder.piece.blocks)
+        if (block.written)
+            blocks.push_back(&block);
+    std::stable_sort(blocks.begin(), blocks.end(), [](const Block *a, const Block *b) { return a->start < b->start; });
+    std::vector<const Block *> references;
+    for (const Block *block : blocks)
+        if (look_at_start(finder, *block, references) && block->steady)
+            add_reference(references, *block);
+}
+
+} // namespace orlo::explain

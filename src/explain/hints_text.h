@@ -1,0 +1,20 @@
+// hints_text.h: hints as a text for reading. Prints nothing.
+#pragma once
+
+#include "explain/document.h"
+#include "explain/piece.h"
+
+#include <string>
+
+namespace orlo::explain {
+
+/// All hints of a piece with their lines, reasons and fixes; a sentence where there are none.
+[[nodiscard]] std::string hints_text(Piece &piece, const Heading &heading);
+
+/// What is to be done for an edit: 'write "bf4" in place of "bb4"'. In one line.
+[[nodiscard]] std::string fix_text(const SourceMap &source, const Edit &edit);
+
+/// The names of all hints, a line each, with what they are about.
+[[nodiscard]] std::string list_of_hints();
+
+} // namespace orlo::explain
