@@ -1,5 +1,7 @@
 #include "explain/hints/finder.h"
 
+#include "explain/words.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -67,6 +69,8 @@ std::string name_of(const Finder &finder, const Block &block)
     const std::uint32_t number = block.written ? block.number : static_cast<std::uint32_t>(index_of(finder, block)) + 1;
     return "block " + std::to_string(number) + " (i" + std::to_string(block.instrument) + ")";
 }
+
+std::string name_of_command(const Command &command) { return name_of_code(command.code); }
 
 std::string short_number(double number, int digits)
 {

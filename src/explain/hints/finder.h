@@ -43,6 +43,9 @@ void add(Finder &finder, Hint hint);
 /// A block as it is called in a sentence: "block 2 (i3)".
 [[nodiscard]] std::string name_of(const Finder &finder, const Block &block);
 
+/// A generator as it is written.
+[[nodiscard]] std::string name_of_command(const Command &command);
+
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);
 
