@@ -16,7 +16,8 @@ struct Out {
 // a message is one line, whatever it quotes
 std::string in_one_line(std::string text)
 {
-    std::replace(text.begin(), text.end(), '\n', ' ');
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
     return text;
 }
 
