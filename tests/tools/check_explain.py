@@ -690,6 +690,11 @@ def check_start(block, document):
     return [] if expected == tempo else [f"block {block.index}: tempo {tempo} at its start, not {expected}"]
 
 
+def written_number(words):
+    """The number that is written, and nothing else; not a number for something else."""
+    return single(float(words)) if re.fullmatch(rb"[-+]?[\d.]+", words) else float("nan")
+
+
 def check_header(block, document, source):
     """The numbers of a header stand where it says; those that come through a call are not read."""
     fields, faults = block.fields, []
@@ -698,7 +703,7 @@ def check_header(block, document, source):
         if expected is None:
             continue
         place = document.ranges[fields[f"{key}_range"]]
-        if place.call == -1 and single(float(source.text(place))) != number32(expected):
+        if place.call == -1 and written_number(source.text(place)) != number32(expected):
             faults.append(f"block {block.index}: {key} is {expected}, written {source.text(place)}")
     return faults
 
@@ -786,6 +791,9 @@ def check_hints(outcome, source):
             expected = place_of(document, place) + line
             if expected not in said:
                 faults.append(f"hints: {expected} is not said")
+        shown = source.text(document.ranges[hint["range"]]) if "range" in hint else b""
+        if shown != shown.strip():
+            faults.append(f"hints: {hint['name']} is about {shown}")
         if not 0 <= hint.get("block", 0) < max(len(document.blocks), 1):
             faults.append(f"hints: there is no block {hint['block']}")
         edits = [document.ranges[edit["range"]] for edit in hint.get("edits", [])]
