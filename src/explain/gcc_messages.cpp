@@ -16,8 +16,7 @@ struct Out {
 // a message is one line, whatever it quotes
 std::string in_one_line(std::string text)
 {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+    std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
 }
 

@@ -784,9 +784,9 @@ def check_hints(outcome, source):
     """What is said of hints in the form of compilers, and that edits can be made."""
     document, said, faults = outcome.document, outcome.messages.split(b"\n"), []
     for hint in document.fields["hints"]:
-        lines = [b"warning: %s [%s]" % (in_one_line(text(hint["text"])), hint["name"].encode())]
+        lines = [b"warning: %s [%s]" % (text(hint["text"]).replace(b"\n", b" "), hint["name"].encode())]
         places = [hint.get("range")] * 2 + [edit["range"] for edit in hint.get("edits", [])]
-        lines += [b"note: " + in_one_line(text(hint["reason"]))] + [fix_of(edit, document, source) for edit in hint.get("edits", [])]
+        lines += [b"note: " + text(hint["reason"]).replace(b"\n", b" ")] + [fix_of(edit, document, source) for edit in hint.get("edits", [])]
         for place, line in zip(places, lines):
             expected = place_of(document, place) + line
             if expected not in said:

@@ -1,11 +1,11 @@
 // midi_reader.h: a Standard MIDI File of format 0 or 1 as events: one from each note-on to its note-off. Opens no file.
 #pragma once
 
-#include "view/build_score.h"
+#include "score/build_score.h"
 
 #include <string_view>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// Is this how a MIDI file begins?
 bool is_midi(std::string_view bytes);
@@ -17,4 +17,4 @@ bool is_midi(std::string_view bytes);
 /// @return false, after a trouble, when the file can't be read at all
 [[nodiscard]] bool read_midi(std::string_view bytes, const Limits &limits, Score &score);
 
-} // namespace orlo::view
+} // namespace orlo::score

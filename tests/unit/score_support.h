@@ -1,14 +1,14 @@
-// view_scores.h: scores made by hand, for the tests of what is drawn of them.
+// score_support.h: scores made by hand, for the tests of what is drawn of them.
 #pragma once
 
-#include "view/markup.h"
-#include "view/score.h"
+#include "base/markup.h"
+#include "score/score.h"
 
 #include <algorithm>
 #include <initializer_list>
 #include <limits>
 
-namespace orlo::view::test {
+namespace orlo::score::test {
 
 inline constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
 
@@ -38,4 +38,4 @@ inline void add(Score &score, int instrument, double start, double duration, std
     score.end = std::max(score.end, start + duration);
 }
 
-} // namespace orlo::view::test
+} // namespace orlo::score::test

@@ -1,16 +1,16 @@
 // Events are put in the order of their groups and, within a group, of time: an event's neighbours stand beside it then. Ramps go
 // first, since they need numbers alone; references may take what a ramp has given.
 
-#include "view/open_fields.h"
+#include "score/open_fields.h"
 
-#include "view/build_score.h"
+#include "score/build_score.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <unordered_set>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr double MISSING = std::numeric_limits<double>::quiet_NaN();
@@ -138,4 +138,4 @@ void fill_open_fields(Score &score, const Instruments &instruments, std::size_t 
     fill_references(n);
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -1,4 +1,4 @@
-#include "view/markup.h"
+#include "base/markup.h"
 
 #include "base/json.h"
 

@@ -2,14 +2,14 @@
 // the previous event of their group. Reads no text.
 #pragma once
 
-#include "view/instruments.h"
-#include "view/score.h"
-#include "view/score_text.h"
+#include "score/instruments.h"
+#include "score/score.h"
+#include "score/score_text.h"
 
 #include <cstddef>
 #include <vector>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// A p-field that is filled in when all events of its section are there.
 struct Open {
@@ -23,4 +23,4 @@ struct Open {
 /// @param first the section's first event; those from there to the score's end have their final times
 void fill_open_fields(Score &score, const Instruments &instruments, std::size_t first, const std::vector<Open> &open);
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -3,11 +3,11 @@
 // are bounded where they are read, so that no seconds are too large to be reckoned with; what may enter is decided at the score's
 // door.
 
-#include "view/score_reader.h"
+#include "score/score_reader.h"
 
-#include "view/event_reader.h"
-#include "view/score_text.h"
-#include "view/tempo.h"
+#include "score/event_reader.h"
+#include "score/score_text.h"
+#include "score/tempo.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr double FASTEST = 1e6; // beats a minute
@@ -272,4 +272,4 @@ void read_score(std::string_view text, const Limits &limits, Score &score)
     finish_score(score);
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -2,15 +2,15 @@
 // statements; times stay beats.
 #pragma once
 
-#include "view/build_score.h"
-#include "view/instruments.h"
-#include "view/open_fields.h"
-#include "view/score_text.h"
+#include "score/build_score.h"
+#include "score/instruments.h"
+#include "score/open_fields.h"
+#include "score/score_text.h"
 
 #include <cstddef>
 #include <vector>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// A group's latest event.
 struct Latest {
@@ -39,4 +39,4 @@ void read_event(EventReader &reader, Text &text);
 /// What is read from now on belongs to a new section.
 void begin_section(EventReader &reader);
 
-} // namespace orlo::view
+} // namespace orlo::score

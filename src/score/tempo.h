@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// From a point on a beat has a length, up to the next point.
 struct TempoPoint {
@@ -27,4 +27,4 @@ void place_points(std::vector<TempoPoint> &points, Between between);
 /// @return seconds
 double seconds_at(const std::vector<TempoPoint> &points, Between between, double beat);
 
-} // namespace orlo::view
+} // namespace orlo::score

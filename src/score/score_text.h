@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// Where a reader is in its text.
 struct Text {
@@ -55,4 +55,4 @@ bool next_field(Text &text, Field &field);
 /// A word of a file as it may stand in a message: in quotes, bytes that do not print as \xNN, at most 40 bytes of it.
 std::string quoted(std::string_view word);
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace orlo::view {
+namespace orlo {
 
 /// Texts one after the other.
 std::string joined(std::initializer_list<std::string_view> texts);
@@ -39,4 +39,4 @@ std::string count_text(std::size_t count);
 /// A count with its noun: "1 event", "12 events".
 std::string counted(std::size_t count, std::string_view noun);
 
-} // namespace orlo::view
+} // namespace orlo

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// What a p-field with pitches holds.
 enum class Pitch {
@@ -73,4 +73,4 @@ double field_value(const Score &score, const Event &event, int field);
 /// @return MIDI key number with its fraction, NaN where there is none (or a frequency <= 0)
 double key_of(const Score &score, const Event &event);
 
-} // namespace orlo::view
+} // namespace orlo::score

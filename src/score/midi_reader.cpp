@@ -2,16 +2,16 @@
 // Every read looks at what is left of its track. A track that breaks off, or holds what can't be, ends there; the next one is found
 // by the length that the track's own head gives.
 
-#include "view/midi_reader.h"
+#include "score/midi_reader.h"
 
-#include "view/tempo.h"
+#include "score/tempo.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr std::size_t HEAD          = 8;   // bytes of a chunk's name and length
@@ -371,4 +371,4 @@ bool read_midi(std::string_view bytes, const Limits &limits, Score &score)
     return good;
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -1,10 +1,10 @@
-#include "view/instruments.h"
+#include "score/instruments.h"
 
 #include <charconv>
 #include <cmath>
 #include <utility>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 int new_instrument(Instruments &instruments, Score &score, std::string name, std::size_t group)
@@ -55,4 +55,4 @@ std::string shortest(double number)
     return {text, std::to_chars(text, text + sizeof text, number).ptr};
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

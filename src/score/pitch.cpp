@@ -4,14 +4,14 @@
 // sign can happen by chance, the less it counts; what counts the same is decided for the first p-field. Each instrument is
 // also judged by itself, and that holds where it finds a pitch in more events.
 
-#include "view/pitch.h"
+#include "score/pitch.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr double      MOST        = 0.95;    // of the numbers that have to look like a pitch
@@ -187,4 +187,4 @@ bool find_pitch(std::string_view name, Pitch &pitch)
     return false;
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -1,11 +1,11 @@
-#include "view/build_score.h"
+#include "score/build_score.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr double MIDDLE_C     = 60;   // key
@@ -121,4 +121,4 @@ void finish_score(Score &score)
         score.troubles.push_back({0, "and " + std::to_string(score.troubles_left_out) + " more like these"});
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -1,12 +1,12 @@
 // build_score.h: what the readers of files share while they fill a score. Reads and prints nothing.
 #pragma once
 
-#include "view/score.h"
+#include "score/score.h"
 
 #include <cstddef>
 #include <string>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// What a reader accepts at most; what is beyond is left out, and told.
 struct Limits {
@@ -35,4 +35,4 @@ std::string beyond_time(bool beats);
 /// Sets the score's end, and brings its troubles in order. To be called once, when all events are there.
 void finish_score(Score &score);
 
-} // namespace orlo::view
+} // namespace orlo::score

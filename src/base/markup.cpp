@@ -1,6 +1,6 @@
 // Bytes are copied as they are but for those that mean something to the reader of the text. A broken UTF-8 sequence would make
 // the whole document unreadable, so every sequence is measured before it is copied.
-#include "view/markup.h"
+#include "base/markup.h"
 
 #include "base/number_text.h"
 #include "base/utf8.h"
@@ -11,7 +11,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace orlo::view {
+namespace orlo {
 namespace {
 
 std::string_view entity(char c)
@@ -125,4 +125,4 @@ std::string counted(std::size_t count, std::string_view noun)
     return joined({count_text(count), " ", noun, count == 1 ? "" : "s"});
 }
 
-} // namespace orlo::view
+} // namespace orlo

@@ -1,13 +1,13 @@
 // Every loop moves the position on, and ends with the text.
 
-#include "view/score_text.h"
+#include "score/score_text.h"
 
 #include "base/number_text.h"
 
 #include <charconv>
 #include <cmath>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr std::size_t LONGEST_QUOTE = 40; // bytes of a word that a message shows
@@ -201,4 +201,4 @@ std::string quoted(std::string_view word)
     return text + (word.size() > LONGEST_QUOTE ? "...'" : "'");
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

@@ -1,7 +1,7 @@
 // Which p-field holds the pitches: the rules that the man page states, with numbers on both sides of each.
 
-#include "view/pitch.h"
-#include "view/score_reader.h"
+#include "score/pitch.h"
+#include "score/score_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-using namespace orlo::view;
+using namespace orlo::score;
 
 Score recognised(const std::string &text)
 {

@@ -1,8 +1,8 @@
 // Readers of scores and MIDI files: values that a roll does not show, and limits that files of a sensible size do not reach.
 
+#include "score/midi_reader.h"
+#include "score/score_reader.h"
 #include "view/files.h"
-#include "view/midi_reader.h"
-#include "view/score_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,10 @@
 
 namespace {
 
-using namespace orlo::view;
+using namespace orlo::score;
+using orlo::view::Input;
+using orlo::view::kind_of;
+using orlo::view::read_file;
 
 Score score_of(std::string_view text, const Limits &limits = {})
 {

@@ -1,11 +1,11 @@
 // Where the length of a beat changes evenly from a to b over n beats, the beats up to the x-th take x*(a + (b - a)*(x/n)/2)
 // seconds. The part x/n is within 0 and 1 however near two points are; (b - a)/n would be infinite.
 
-#include "view/tempo.h"
+#include "score/tempo.h"
 
 #include <algorithm>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 // seconds from a point to a beat after it
@@ -39,4 +39,4 @@ double seconds_at(const std::vector<TempoPoint> &points, Between between, double
     return (after - 1)->seconds + seconds_from(*(after - 1), next, between, beat);
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

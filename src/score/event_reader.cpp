@@ -1,7 +1,7 @@
 // A p-field that an event leaves out is that of the latest event of its group, within the section; one that is open there is open
 // here, too.
 
-#include "view/event_reader.h"
+#include "score/event_reader.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr double MISSING = std::numeric_limits<double>::quiet_NaN();
@@ -250,4 +250,4 @@ void begin_section(EventReader &reader)
     reader.open.clear();
 }
 
-} // namespace orlo::view
+} // namespace orlo::score

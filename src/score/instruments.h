@@ -2,7 +2,7 @@
 // whole part, or one name, carry p-fields from one to the other. Reads no text.
 #pragma once
 
-#include "view/score.h"
+#include "score/score.h"
 
 #include <cstddef>
 #include <limits>
@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace orlo::view {
+namespace orlo::score {
 
 /// The instruments of a score that is being read; their names stand in Score::instruments.
 struct Instruments {
@@ -37,4 +37,4 @@ std::size_t group_of(const Instruments &instruments, const Event &event);
 /// A number with as few digits as give it back.
 std::string shortest(double number);
 
-} // namespace orlo::view
+} // namespace orlo::score
