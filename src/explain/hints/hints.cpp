@@ -5,7 +5,7 @@
 
 namespace orlo::explain {
 
-void find_hints(Piece &piece, bool midi)
+std::vector<Hint> find_hints(const Piece &piece, bool midi)
 {
     Finder finder{piece, midi, {}};
     look_at_text(finder);
@@ -22,7 +22,7 @@ void find_hints(Piece &piece, bool midi)
         return std::tie(a.place.file, a.place.begin) < std::tie(b.place.file, b.place.begin);
     };
     std::stable_sort(finder.found.begin(), finder.found.end(), earlier);
-    piece.hints = std::move(finder.found);
+    return std::move(finder.found);
 }
 
 } // namespace orlo::explain

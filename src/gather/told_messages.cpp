@@ -1,16 +1,16 @@
 // A message comes before its place, where it has one that is known; where not, it is given what was being read.
 
-#include "explain/told.h"
+#include "gather/told.h"
 
 #include "diag/messages.h"
 #include "events/block.h"
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 #include "input/line_reader.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 // where something is wrong that is said without a place
@@ -113,4 +113,4 @@ void recovery_begins()
 
 } // namespace told
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -1,12 +1,12 @@
 // Values are numbered in the order in which a section makes them; what is looked at is which of them an event got.
 
-#include "explain/ring.h"
+#include "gather/ring.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 using Origins = std::vector<std::uint32_t>;
@@ -137,4 +137,4 @@ TEST(ExplainRing, BlocksHaveNothingOfTheOneBefore)
 }
 
 } // namespace
-} // namespace orlo::explain
+} // namespace orlo::gather

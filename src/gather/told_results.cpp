@@ -1,11 +1,11 @@
 // The events of a block come in the order of the ring that its sections have made; rests are among them and are not written.
 
-#include "explain/told.h"
+#include "gather/told.h"
 
 #include "events/tempo_map.h"
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 
-namespace orlo::explain::told {
+namespace orlo::gather::told {
 
 void block_done(std::int32_t pfields)
 {
@@ -73,4 +73,4 @@ void score_text(const char *text, std::size_t length)
     now.piece->score.back().text.append(text, length);
 }
 
-} // namespace orlo::explain::told
+} // namespace orlo::gather::told

@@ -1,12 +1,12 @@
 // The run tells one thing after the other, and what belongs together is found by their order.
 
-#include "explain/collector.h"
+#include "gather/collector.h"
 
 #include "base/exhaustion.h"
-#include "explain/gathering.h"
-#include "explain/told.h"
+#include "gather/gathering.h"
+#include "gather/told.h"
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 // Nothing may leave a function that the run calls: where memory is exhausted, nothing more is gathered.
@@ -109,4 +109,4 @@ bool end_collecting()
     return !lost;
 }
 
-} // namespace orlo::explain
+} // namespace orlo::gather

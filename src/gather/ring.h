@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 class Ring {
   public:
@@ -47,4 +47,4 @@ class Ring {
     std::size_t                             field  = 2;
 };
 
-} // namespace orlo::explain
+} // namespace orlo::gather

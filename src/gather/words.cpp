@@ -1,4 +1,4 @@
-#include "explain/words.h"
+#include "gather/words.h"
 
 #include "base/distributions.h"
 #include "words/curve_letters.h"
@@ -6,7 +6,7 @@
 
 #include <cctype>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 constexpr Code generators[] = {CMD_EX, CMD_HO, CMD_MO, CMD_MS, CMD_RA, CMD_RW, CMD_S2, CMD_SE};
@@ -39,7 +39,7 @@ std::string letter_of_curve(int curve)
     return "";
 }
 
-const char *name_of(Severity severity)
+const char *name_of_severity(Severity severity)
 {
     switch (severity) {
     case Severity::error:
@@ -73,4 +73,4 @@ std::string_view name_of_distribution(int distribution)
     return "";
 }
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -1,17 +1,17 @@
 // A block, and a section in it, is open from its beginning to its end, or to an error.
 
-#include "explain/told.h"
+#include "gather/told.h"
 
 #include "base/codes.h"
 #include "events/block.h"
 #include "events/pfields.h"
 #include "events/tempo_map.h"
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 
 #include <algorithm>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 // seconds from beat 0 to a beat, by the middle of pieces between the bounds of the map's segments
@@ -50,9 +50,9 @@ void take_map(Block &block)
 }
 
 } // namespace
-} // namespace orlo::explain
+} // namespace orlo::gather
 
-namespace orlo::explain::told {
+namespace orlo::gather::told {
 
 void block_begins(std::size_t column)
 {
@@ -157,4 +157,4 @@ void input_type(std::int32_t code, std::size_t begin, std::size_t end)
 
 void section_ends() { end_section(); }
 
-} // namespace orlo::explain::told
+} // namespace orlo::gather::told

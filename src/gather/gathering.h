@@ -1,10 +1,10 @@
 // gathering.h: what is known of a run while it is told, and what the functions that are told share. One run at a time.
 #pragma once
 
-#include "explain/collector.h"
-#include "explain/distinct.h"
-#include "explain/piece.h"
-#include "explain/ring.h"
+#include "gather/collector.h"
+#include "gather/distinct.h"
+#include "gather/piece.h"
+#include "gather/ring.h"
 
 #include <functional>
 #include <map>
@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 using Names = std::map<std::string, std::int32_t, std::less<>>; // an index by its name
 
@@ -117,4 +117,4 @@ void join_value(std::size_t begin, std::size_t end);
 /// The section is over, if one is open.
 void end_section();
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 /// Word of a code, in capitals for a generator; empty for a code without one.
 [[nodiscard]] std::string name_of_code(std::int32_t code);
@@ -16,9 +16,9 @@ namespace orlo::explain {
 [[nodiscard]] std::string letter_of_curve(int curve);
 
 /// As compilers call it.
-[[nodiscard]] const char *name_of(Severity severity);
+[[nodiscard]] const char *name_of_severity(Severity severity);
 
 /// Name of a distribution by its code.
 [[nodiscard]] std::string_view name_of_distribution(int distribution);
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -3,7 +3,7 @@
 
 #include "base/observer.h"
 
-namespace orlo::explain::told {
+namespace orlo::gather::told {
 
 void include_met(std::uint64_t begin, std::uint64_t end);
 void file_opened(const char *name, bool found);
@@ -63,4 +63,4 @@ void message_ends();
 void message_place(const char *line, std::size_t column);
 void recovery_begins();
 
-} // namespace orlo::explain::told
+} // namespace orlo::gather::told

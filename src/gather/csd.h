@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 /// The score part of a document.
 struct CsdScore {
@@ -23,4 +23,4 @@ inline constexpr std::size_t MOST_CSD = std::size_t{1} << 26U; // bytes of a doc
 /// @return what is wrong, empty when nothing is
 [[nodiscard]] std::string find_csd_score(std::string_view text, CsdScore &score);
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -1,9 +1,9 @@
-// What the tests of orlo-explain share: a text that is run as a piece while the collector looks.
+// What the tests share that look at a run: a text that is run as a piece while the collector looks.
 #pragma once
 
 #include "base/observer.h"
 #include "driver/run.h"
-#include "explain/collector.h"
+#include "gather/collector.h"
 #include "platform/screen.h"
 
 #include <gtest/gtest.h>
@@ -42,14 +42,14 @@ class Folder {
 };
 
 /// Runs a file as a piece. @return the status that orlo would have
-inline int explain(const std::string &name, explain::Piece &piece, explain::Detail detail = explain::Detail::summary)
+inline int explain(const std::string &name, gather::Piece &piece, gather::Detail detail = gather::Detail::summary)
 {
-    explain::start_collecting(piece, detail);
-    observer         = &explain::collecting_observer(detail);
+    gather::start_collecting(piece, detail);
+    observer         = &gather::collecting_observer(detail);
     const int status = explain_run(name.c_str(), false, {0, WHOLE_FILE});
     observer         = nullptr;
     show_screen(true); // tests may share a process
-    if (!explain::end_collecting())
+    if (!gather::end_collecting())
         throw std::bad_alloc{};
     return status;
 }

@@ -1,10 +1,10 @@
-#include "explain/distinct.h"
+#include "gather/distinct.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 TEST(ExplainDistinct, AValueCountsOnce)
@@ -63,4 +63,4 @@ TEST(ExplainDistinct, AClearedOneIsEmpty)
 }
 
 } // namespace
-} // namespace orlo::explain
+} // namespace orlo::gather

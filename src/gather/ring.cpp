@@ -1,6 +1,6 @@
-#include "explain/ring.h"
+#include "gather/ring.h"
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 void Ring::clear()
 {
@@ -75,4 +75,4 @@ void Ring::put_in_order()
 
 std::uint32_t Ring::origin(std::size_t index, std::size_t pfield) const { return values[pfield][order[index]]; }
 
-} // namespace orlo::explain
+} // namespace orlo::gather

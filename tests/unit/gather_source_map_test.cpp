@@ -1,4 +1,4 @@
-#include "explain/source_map.h"
+#include "gather/source_map.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 // Origin of one character.
@@ -501,4 +501,4 @@ TEST(SourceMap, APieceMayBeginInsideItsFile)
 }
 
 } // namespace
-} // namespace orlo::explain
+} // namespace orlo::gather

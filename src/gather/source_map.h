@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 inline constexpr std::int32_t NONE = -1; // no call, no file, no place
 
@@ -165,4 +165,4 @@ class SourceMap {
     bool                      lines_read = false;
 };
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "base/observer.h"
-#include "explain/piece.h"
+#include "gather/piece.h"
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 /// How much is gathered.
 enum class Detail {
@@ -21,4 +21,4 @@ void start_collecting(Piece &piece, Detail detail);
 /// The run is over: what is still open is closed. @return false when memory was exhausted, which is not told into the run
 [[nodiscard]] bool end_collecting();
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -1,9 +1,9 @@
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 
 #include "base/codes.h"
 #include "input/line_reader.h"
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 Gathering now;
 
@@ -103,4 +103,4 @@ void end_section()
     now.in_section = false;
 }
 
-} // namespace orlo::explain
+} // namespace orlo::gather

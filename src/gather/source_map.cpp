@@ -2,13 +2,13 @@
 // place, so that a line costs as much as it has replacements. A place is found by two binary searches: the stretch of the column,
 // and the copy of the byte.
 
-#include "explain/source_map.h"
+#include "gather/source_map.h"
 
 #include "base/utf8.h"
 
 #include <algorithm>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 constexpr std::size_t MARKS_STEP = 64; // bytes
@@ -317,4 +317,4 @@ Position SourceMap::position(std::int32_t file, std::uint64_t byte)
     return {of.first_line + line, in_text - begin, in_units};
 }
 
-} // namespace orlo::explain
+} // namespace orlo::gather

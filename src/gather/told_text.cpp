@@ -1,13 +1,13 @@
 // Files and lines go to the source map; definitions are kept by their names.
 
-#include "explain/told.h"
+#include "gather/told.h"
 
 #include "base/random.h"
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 
 #include <algorithm>
 
-namespace orlo::explain::told {
+namespace orlo::gather::told {
 
 void include_met(std::uint64_t begin, std::uint64_t end) { now.piece->source.include_met(begin, end); }
 
@@ -153,4 +153,4 @@ void equation_drew()
     now.new_source = true;
 }
 
-} // namespace orlo::explain::told
+} // namespace orlo::gather::told

@@ -1,15 +1,15 @@
 // A value is of what was told last: a literal, a repeat, a generator or a fill. Its draws are those since the value before.
 
-#include "explain/told.h"
+#include "gather/told.h"
 
 #include "base/random.h"
 #include "events/block.h"
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 void repeat_from(Kind kind)
@@ -319,4 +319,4 @@ void chord_repeated(Goes goes, bool grows, float value)
 
 } // namespace told
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -1,10 +1,10 @@
-#include "explain/csd.h"
+#include "gather/csd.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 constexpr std::string_view BEFORE = "<CsoundSynthesizer>\n<CsInstruments>\ninstr 1\nendin\n</CsInstruments>\n";
@@ -101,4 +101,4 @@ TEST(ExplainCsd, AnInputOfOrloIsNoDocument)
 }
 
 } // namespace
-} // namespace orlo::explain
+} // namespace orlo::gather

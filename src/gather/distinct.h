@@ -1,13 +1,13 @@
 // distinct.h: how many different values there are, up to a bound.
 #pragma once
 
-#include "explain/piece.h"
+#include "gather/piece.h"
 
 #include <bit>
 #include <cstdint>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 class Distinct {
   public:
@@ -45,4 +45,4 @@ class Distinct {
     std::size_t                found = 0;
 };
 
-} // namespace orlo::explain
+} // namespace orlo::gather

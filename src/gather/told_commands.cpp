@@ -1,12 +1,12 @@
 // A command's numbers follow its name; a number of a generator belongs to the set that was begun last.
 
-#include "explain/told.h"
+#include "gather/told.h"
 
 #include "base/codes.h"
 #include "events/tempo_map.h"
-#include "explain/gathering.h"
+#include "gather/gathering.h"
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 Set &set_of(Command &command, const Place &place)
@@ -189,4 +189,4 @@ void command_read(std::size_t end)
 
 } // namespace told
 
-} // namespace orlo::explain
+} // namespace orlo::gather

@@ -2,15 +2,14 @@
 #pragma once
 
 #include "base/observer.h"
-#include "explain/hints/hint.h"
-#include "explain/source_map.h"
+#include "gather/source_map.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace orlo::explain {
+namespace orlo::gather {
 
 inline constexpr std::size_t MOST_DISTINCT = 10000; // values that are told apart in a section
 inline constexpr std::size_t MOST_CODED    = 16;    // codes of p3 that are kept of a section
@@ -302,7 +301,6 @@ struct Piece {
     std::vector<Block>       blocks;
     std::vector<ScorePart>   score;
     std::vector<Joined>      joined;
-    std::vector<Hint>        hints;
 };
 
-} // namespace orlo::explain
+} // namespace orlo::gather

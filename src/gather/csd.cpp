@@ -1,11 +1,11 @@
 // Csound gives the program the lines between the two tags, each of which begins its line; line n of it is line n after the opening
 // tag.
 
-#include "explain/csd.h"
+#include "gather/csd.h"
 
 #include <algorithm>
 
-namespace orlo::explain {
+namespace orlo::gather {
 namespace {
 
 constexpr std::string_view DOCUMENT = "<CsoundSynthesizer>";
@@ -71,4 +71,4 @@ std::string find_csd_score(std::string_view text, CsdScore &score)
     return "";
 }
 
-} // namespace orlo::explain
+} // namespace orlo::gather
