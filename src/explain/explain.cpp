@@ -12,7 +12,7 @@
 #include "explain/hints/hints.h"
 #include "explain/hints_text.h"
 #include "explain/options.h"
-#include "explain/say.h"
+#include "platform/say.h"
 #include "gather/collector.h"
 #include "gather/csd.h"
 #include "platform/file_identity.h"

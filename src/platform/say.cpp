@@ -1,11 +1,11 @@
-#include "explain/say.h"
+#include "platform/say.h"
 
 #include "base/visible_text.h"
 #include "platform/terminal.h"
 
 #include <cstdio>
 
-namespace orlo::explain {
+namespace orlo {
 
 void say(const std::string &line)
 {
@@ -13,4 +13,4 @@ void say(const std::string &line)
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-} // namespace orlo::explain
+} // namespace orlo

@@ -3,9 +3,9 @@
 
 #include <string>
 
-namespace orlo::explain {
+namespace orlo {
 
 /// Prints a line; on a terminal, control characters in it are shown and do nothing.
 void say(const std::string &line);
 
-} // namespace orlo::explain
+} // namespace orlo
