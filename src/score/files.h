@@ -1,13 +1,13 @@
 // files.h: whole files in and out of memory, and what kind of file a score is. Prints nothing.
 #pragma once
 
-#include "view/options.h"
-
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-namespace orlo::view {
+namespace orlo::score {
+
+enum class Kind { score, midi, orlo };
 
 /// Reads a file to its end, "-" is the standard input.
 /// @param most bytes it may have
@@ -24,8 +24,8 @@ bool same_file(const std::string &in, const std::string &out);
 /// Name without folders; of "-" it is "(standard input)".
 std::string title_of(const std::string &name);
 
-/// What kind of file it is, never Input::guess: a MIDI file begins with "MThd", an input of orlo has the ending .orlo or, at the
+/// What kind of file it is: a MIDI file begins with "MThd", an input of orlo has the ending .orlo or, at the
 /// start of a line outside comments, the head of a block "i NUMBER =".
-Input kind_of(const std::string &name, std::string_view bytes);
+Kind kind_of(const std::string &name, std::string_view bytes);
 
-} // namespace orlo::view
+} // namespace orlo::score

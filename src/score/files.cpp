@@ -1,6 +1,6 @@
 // The standard input may be a pipe, which tells no size: bytes are read by blocks until there are no more, or too many.
 
-#include "view/files.h"
+#include "score/files.h"
 
 #include "score/midi_reader.h"
 #include "score/score_text.h"
@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace orlo::view {
+namespace orlo::score {
 namespace {
 
 constexpr std::size_t FIRST_BLOCK = 65536;
@@ -148,11 +148,11 @@ std::string title_of(const std::string &name)
     return name.substr(name.find_last_of('/') + 1);
 }
 
-Input kind_of(const std::string &name, std::string_view bytes)
+Kind kind_of(const std::string &name, std::string_view bytes)
 {
     if (is_midi(bytes))
-        return Input::midi;
-    return name.ends_with(".orlo") || has_block_head(bytes) ? Input::orlo : Input::score;
+        return Kind::midi;
+    return name.ends_with(".orlo") || has_block_head(bytes) ? Kind::orlo : Kind::score;
 }
 
-} // namespace orlo::view
+} // namespace orlo::score
