@@ -214,10 +214,10 @@ struct Section {
     float              furthest = 0.0F; // of them, in seconds
     std::vector<Coded> coded;           // MOST_CODED of them
     List               list;
-    std::int32_t       full = NONE;     // the warning that there are more values than events
-    std::uint64_t      levels   = 0;    // amplitudes that are written in decibels and have none
-    Place              level;           // what made the first of them
-    float              sounds   = 0.0F; // the least value that is no rest
+    std::int32_t       full   = NONE;    // the warning that there are more values than events
+    std::uint64_t      levels = 0;       // amplitudes that are written in decibels and have none
+    Place              level;            // what made the first of them
+    float              sounds   = 0.0F;  // the least value that is no rest
     bool               sounding = false; // there is one
 
     // of each value, when values are wanted

@@ -114,8 +114,8 @@ void count_item(List &list, float value)
     list.chord = false;
     list.last  = value;
     ++list.count;
-    const float *end = list.values + list.distinct;
-    if (list.distinct < List::TOLD_APART && std::find(list.values + 0, end, value) == end)
+    float *end = list.values + list.distinct;
+    if (list.distinct < List::TOLD_APART && std::find(+list.values, end, value) == end)
         list.values[list.distinct++] = value;
 }
 

@@ -49,7 +49,7 @@ std::string_view text_before(const Finder &finder, const Place &place)
 std::string without_comments(std::string_view text)
 {
     std::string plain{text};
-    unsigned    depth = 0; // of comments that nest
+    unsigned    depth = 0;                       // of comments that nest
     for (std::size_t i = 0; i < plain.size();) { // each round moves on
         const std::string_view pair = text.substr(i, 2);
         std::size_t            gone = 0;
@@ -90,6 +90,12 @@ std::string name_of(const Finder &finder, const Block &block)
 {
     const std::uint32_t number = block.written ? block.number : static_cast<std::uint32_t>(index_of(finder, block)) + 1;
     return "block " + std::to_string(number) + " (i" + std::to_string(block.instrument) + ")";
+}
+
+std::string name_of(const Section &section)
+{
+    std::string name{"p"};
+    return name += std::to_string(section.pfield);
 }
 
 std::string short_number(double number, int digits)

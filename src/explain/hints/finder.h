@@ -47,7 +47,7 @@ void add(Finder &finder, Hint hint);
 [[nodiscard]] std::string name_of(const Finder &finder, const Block &block);
 
 /// A section as it is called in a sentence: "p5".
-[[nodiscard]] inline std::string name_of(const Section &section) { return "p" + std::to_string(section.pfield); }
+[[nodiscard]] std::string name_of(const Section &section);
 
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);

@@ -1,5 +1,5 @@
-// A list that has ended goes on with its last value, which is often meant, and a loop comes round. What shows that a list was meant to
-// come round is that it goes up and down, or that its last value is written twice, which would be of no use.
+// A list that has ended goes on with its last value, which is often meant, and a loop comes round. What shows that a list was meant
+// to come round is that it goes up and down, or that its last value is written twice, which would be of no use.
 
 #include "explain/hints/hints.h"
 
@@ -20,9 +20,10 @@ void look_at_open_loop(Finder &finder, const Block &block, const Section &sectio
     std::vector<Edit> edits;
     if (is_plain(section.place))
         edits.push_back({behind(section.place), ">"});
-    add(finder, {HintKind::open_loop, "the loop of " + name_of(section) + " has no end",
-                 "a < stands before " + counted(loop.count, "value") + ", and no > follows; the end of the section counts as its end",
-                 loop.place, index_of(finder, block), std::move(edits)});
+    add(finder,
+        {HintKind::open_loop, "the loop of " + name_of(section) + " has no end",
+         "a < stands before " + counted(loop.count, "value") + ", and no > follows; the end of the section counts as its end",
+         loop.place, index_of(finder, block), std::move(edits)});
 }
 
 void look_behind_loop(Finder &finder, const Block &block, const Section &section)
@@ -86,7 +87,7 @@ void look_at_held(Finder &finder, const Block &block, const Section &section)
     if (!list.unmixed || list.count < 3 || held < LEAST_HELD || 3 * held < 2 * section.count || !looks_like_a_pattern(list) ||
         is_rest(section))
         return;
-    const std::string what = list.chord ? "chord" : section.pfield == 2 ? "interval" : "value";
+    const std::string what  = list.chord ? "chord" : section.pfield == 2 ? "interval" : "value";
     Place             place = list.begin;
     add(finder, {HintKind::held_list,
                  "the list of " + name_of(section) + " ends early, and its last " + what + " goes on for " + counted(held, "event"),

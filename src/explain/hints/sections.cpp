@@ -10,15 +10,15 @@
 namespace orlo::explain {
 namespace {
 
-constexpr std::size_t MOST_QUOTED = 20;   // characters of a word
-constexpr std::size_t MOST_NAMED  = 6;    // p-fields in a sentence
+constexpr std::size_t MOST_QUOTED = 20;    // characters of a word
+constexpr std::size_t MOST_NAMED  = 6;     // p-fields in a sentence
 constexpr double      THOUSANDTH  = 0.001; // beats
 constexpr double      LEAST_STEP  = 0.02;  // beats; shorter intervals may well end there
 
 bool begins_value(char c)
 {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' || c == '-' || c == '+' || c == '$' ||
-           c == '~' || c == '<';
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' || c == '-' || c == '+' ||
+           c == '$' || c == '~' || c == '<';
 }
 
 // what is left of a section, from the outermost text on in which reading stopped
@@ -85,16 +85,25 @@ void look_at_rest(Finder &finder, const Block &block, std::size_t index)
     if (has_open_loop(section) && rest.text.find('>') != std::string::npos) {
         add(finder, {HintKind::unreached_loop,
                      "the loop of " + name_of(section) + " is longer than the block, and never comes round",
-                     why + ": nothing is read from " + quoted(finder, rest.place) + " on", section.loops.back().place,
-                     index_of(finder, block), {}});
+                     why + ": nothing is read from " + quoted(finder, rest.place) + " on",
+                     section.loops.back().place,
+                     index_of(finder, block),
+                     {}});
     } else if (const std::size_t loop = rest.text.find('<'); loop != std::string::npos) {
         const std::uint64_t at = rest.place.begin + loop;
-        add(finder, {HintKind::unreached_loop, "the loop of " + name_of(section) + " is never reached",
-                     why + ": nothing is read from " + quoted(finder, rest.place) + " on", {rest.place.file, at, at + 1, NONE},
-                     index_of(finder, block), {}});
+        add(finder, {HintKind::unreached_loop,
+                     "the loop of " + name_of(section) + " is never reached",
+                     why + ": nothing is read from " + quoted(finder, rest.place) + " on",
+                     {rest.place.file, at, at + 1, NONE},
+                     index_of(finder, block),
+                     {}});
     } else {
-        add(finder, {HintKind::left_over, "nothing is read from " + quoted(finder, rest.place) + " on in " + name_of(section), why,
-                     rest.place, index_of(finder, block), {}});
+        add(finder, {HintKind::left_over,
+                     "nothing is read from " + quoted(finder, rest.place) + " on in " + name_of(section),
+                     why,
+                     rest.place,
+                     index_of(finder, block),
+                     {}});
     }
 }
 
@@ -110,7 +119,8 @@ std::string listed(const std::vector<std::int32_t> &pfields)
             text += " ...";
         if (i > 0)
             text += last ? " and " : ", ";
-        text += "p" + std::to_string(pfields[i]);
+        text += 'p';
+        text += std::to_string(pfields[i]);
     }
     return text;
 }
@@ -133,15 +143,16 @@ void look_for_missing(Finder &finder, const Block &block)
     if (last_ones && is_plain(block.header.pfields))
         edits.push_back({block.header.pfields, std::to_string(there.back())});
     const std::string counts = std::to_string(block.pfields) + " p-fields, p1 counted";
-    add(finder, {HintKind::missing_pfields,
-                 name_of(finder, block) + " has no section for " + listed(missing),
-                 "its header says that it has " + counts + (there.empty() ? std::string{} : "; there are " + listed(there)),
-                 block.header.pfields.file != NONE ? block.header.pfields : error.place, index_of(finder, block), std::move(edits)});
+    add(finder,
+        {HintKind::missing_pfields, name_of(finder, block) + " has no section for " + listed(missing),
+         "its header says that it has " + counts + (there.empty() ? std::string{} : "; there are " + listed(there)),
+         block.header.pfields.file != NONE ? block.header.pfields : error.place, index_of(finder, block), std::move(edits)});
 }
 
 bool has_generators(const Section &section)
 {
-    return std::any_of(section.commands.begin(), section.commands.end(), [](const Command &command) { return command.span.has_value(); });
+    return std::any_of(section.commands.begin(), section.commands.end(),
+                       [](const Command &command) { return command.span.has_value(); });
 }
 
 void look_at_end(Finder &finder, const Block &block)
@@ -154,9 +165,8 @@ void look_at_end(Finder &finder, const Block &block)
         return;
     std::vector<Edit> edits;
     if (is_plain(block.header.length) && !has_generators(starts))
-        edits.push_back({block.header.length, "-" + std::to_string(starts.count - 1)});
-    add(finder, {HintKind::event_at_end,
-                 name_of(finder, block) + " has an event at its very end, at beat " + short_number(end),
+        edits.push_back({block.header.length, short_number(1.0 - static_cast<double>(starts.count))});
+    add(finder, {HintKind::event_at_end, name_of(finder, block) + " has an event at its very end, at beat " + short_number(end),
                  counted(starts.count - 1, "interval") + " do not fill its " + short_number(static_cast<double>(block.beats)) +
                      " beats exactly: " + short_number(left, 7) + " of a beat is left, and one more event begins there",
                  block.header.length, index_of(finder, block), std::move(edits)});
