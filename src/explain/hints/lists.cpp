@@ -1,5 +1,6 @@
 // A list that has ended goes on with its last value, which is often meant, and a loop comes round. What shows that a list was meant
-// to come round is that it goes up and down, or that its last value is written twice, which would be of no use.
+// to come round is that it goes up and down, that its last value is written twice, which would be of no use, or that a loop beside
+// it has as many values.
 
 #include "explain/hints/hints.h"
 
@@ -36,10 +37,11 @@ void look_behind_loop(Finder &finder, const Block &block, const Section &section
     std::vector<Edit> edits;
     if (tail == loop.count && is_plain(loop.place) && is_plain(section.place) && section.place.file == loop.place.file)
         edits = {{{loop.place.file, loop.place.end - 1, loop.place.end, NONE}, ""}, {behind(section.place), ">"}};
-    add(finder, {HintKind::values_after_loop, "what stands behind the loop of " + name_of(section) + " comes only once",
-                 "after the " + counted(loop.count, "value") + " of the loop come the " + std::to_string(tail) +
-                     " behind it, and then the loop alone, for " + counted(round, "event"),
-                 loop.place, index_of(finder, block), std::move(edits)});
+    add(finder,
+        {HintKind::values_after_loop, "what stands behind the loop of " + name_of(section) + " comes only once",
+         "the loop has " + counted(loop.count, "value") + ", and " + std::to_string(tail) + (tail == 1 ? " comes" : " come") +
+             " once behind it; then the loop alone goes on for " + counted(round, "event"),
+         loop.place, index_of(finder, block), std::move(edits)});
 }
 
 // whether a place can stand in a loop as it is written: all of a call whose text begins no section and has no mark of its own
@@ -68,9 +70,19 @@ std::vector<Edit> loop_around(const Finder &finder, const List &list)
     return {{before(first), "<"}, {behind(last), ">"}};
 }
 
-bool looks_like_a_pattern(const List &list)
+// a loop beside it that has as many values
+bool has_partner(const Block &block, const List &list)
 {
-    return (list.distinct >= List::TOLD_APART && !list.rises && !list.falls) || (list.twice && list.distinct >= 2);
+    return std::any_of(block.sections.begin(), block.sections.end(), [&list](const Section &section) {
+        return section.by_loop && section.loops.size() == 1 && section.loops.front().count == list.count;
+    });
+}
+
+bool looks_like_a_pattern(const Block &block, const List &list)
+{
+    if (list.distinct < 2)
+        return false;
+    return list.twice || (list.distinct == List::TOLD_APART && !list.rises && !list.falls) || has_partner(block, list);
 }
 
 // whether what is held is silence
@@ -84,16 +96,15 @@ void look_at_held(Finder &finder, const Block &block, const Section &section)
 {
     const List         &list = section.list;
     const std::uint64_t held = section.count - section.written;
-    if (!list.unmixed || list.count < 3 || held < LEAST_HELD || 3 * held < 2 * section.count || !looks_like_a_pattern(list) ||
-        is_rest(section))
+    if (!list.unmixed || list.count < 3 || held < LEAST_HELD || 3 * held < 2 * section.count ||
+        !looks_like_a_pattern(block, list) || is_rest(section))
         return;
-    const std::string what  = list.chord ? "chord" : section.pfield == 2 ? "interval" : "value";
-    Place             place = list.begin;
+    const std::string what = list.chord ? "chord" : section.pfield == 2 ? "interval" : "value";
     add(finder, {HintKind::held_list,
                  "the list of " + name_of(section) + " ends early, and its last " + what + " goes on for " + counted(held, "event"),
-                 "its " + counted(list.count, "value") + " are those of " + counted(section.written, "event") + ", and there are " +
-                     std::to_string(section.count) + "; between < and > they would come round",
-                 place, index_of(finder, block), loop_around(finder, list)});
+                 "it gives " + counted(section.written, "event") + " what they need, and there are " +
+                     std::to_string(section.count) + "; between < and > it would come round",
+                 list.begin, index_of(finder, block), loop_around(finder, list)});
 }
 
 void look_at_section(Finder &finder, const Block &block, const Section &section)
@@ -113,7 +124,7 @@ void look_at_section(Finder &finder, const Block &block, const Section &section)
 void look_at_lists(Finder &finder)
 {
     for (const Block &block : finder.piece.blocks)
-        if (is_whole(block))
+        if (is_whole(block) && !block.sections.empty() && block.sections.front().no_numbers == 0)
             for (const Section &section : block.sections)
                 look_at_section(finder, block, section);
 }

@@ -27,18 +27,21 @@ struct Rest {
     std::string text;  // without comments
 };
 
-// where the text of a section ends; before its beginning where that is not known
-Place end_of_section(const Finder &finder, const Block &block, std::size_t index)
+// where the text of a section ends: with its line in a block that ends with an error
+Place end_of_section(const Finder &finder, const Block &block, std::size_t index, const Place &stopped)
 {
     if (index + 1 < block.sections.size())
         return before(outermost(finder, block.sections[index + 1].place));
-    return behind(outermost(finder, block.place));
+    if (block.closed)
+        return behind(outermost(finder, block.place));
+    const std::uint64_t end = stopped.end + text_behind(finder, stopped).size();
+    return {stopped.file, end, end, NONE};
 }
 
 Rest rest_of(const Finder &finder, const Block &block, std::size_t index, const Diagnostic &full)
 {
     const Place stopped = outermost(finder, full.place);
-    const Place end     = end_of_section(finder, block, index);
+    const Place end     = end_of_section(finder, block, index, stopped);
     Rest        rest{stopped, {}};
     if (end.file != stopped.file || end.end <= stopped.begin)
         return rest;
@@ -142,10 +145,10 @@ void look_for_missing(Finder &finder, const Block &block)
     std::vector<Edit> edits;
     if (last_ones && is_plain(block.header.pfields))
         edits.push_back({block.header.pfields, std::to_string(there.back())});
-    const std::string counts = std::to_string(block.pfields) + " p-fields, p1 counted";
+    const std::string found = there.empty() ? "none" : listed(there);
     add(finder,
         {HintKind::missing_pfields, name_of(finder, block) + " has no section for " + listed(missing),
-         "its header says that it has " + counts + (there.empty() ? std::string{} : "; there are " + listed(there)),
+         "its header says that it has " + std::to_string(block.pfields) + " p-fields, p1 counted; what it has is " + found,
          block.header.pfields.file != NONE ? block.header.pfields : error.place, index_of(finder, block), std::move(edits)});
 }
 
@@ -179,12 +182,13 @@ void look_at_sections(Finder &finder)
     for (const Block &block : finder.piece.blocks) {
         if (block.incomplete != NONE)
             look_for_missing(finder, block);
-        if (!is_whole(block) || block.sections.empty())
+        if (block.skipped || block.recovered || block.sections.empty() || block.sections.front().no_numbers > 0)
             continue;
         for (std::size_t i = 0; i < block.sections.size(); ++i)
             if (block.sections[i].full != NONE)
                 look_at_rest(finder, block, i);
-        look_at_end(finder, block);
+        if (block.closed)
+            look_at_end(finder, block);
     }
 }
 

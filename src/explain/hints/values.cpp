@@ -20,6 +20,7 @@ constexpr float         BEATS     = 400.0F;
 constexpr float         SECONDS   = 1000.0F;
 constexpr float         LONG      = 20.0F;  // seconds
 constexpr float         VERY_LONG = 100.0F; // seconds
+constexpr float         USUAL     = 10.0F;  // above the first of a range
 constexpr std::uint64_t MELODY    = 4;      // events; fewer may be a drone
 constexpr double        SHORTEST  = 0.2;    // of an interval, that a note is meant to last
 constexpr double        LONGEST   = 3.0;
@@ -49,6 +50,13 @@ bool makes_no_sense(const Coded &coded, const Section &starts)
     if (coded.value < SECONDS)
         return outlasts(coded, starts, LONG) && fits_as_milliseconds(coded, starts);
     return outlasts(coded, starts, VERY_LONG) && fits_as_milliseconds(coded, starts);
+}
+
+// a little above the beginning of its range, as codes mostly are
+bool is_usual(const Coded &coded)
+{
+    const float first = coded.value < SHORTER ? LONGER : coded.value < BEATS ? SHORTER : coded.value < SECONDS ? BEATS : SECONDS;
+    return coded.value > first && coded.value <= first + USUAL;
 }
 
 std::string meaning_of(const Coded &coded)
@@ -92,17 +100,17 @@ void look_at_codes(Finder &finder, const Block &block, const Section &section)
         std::find_if(section.coded.begin(), section.coded.end(), [&](const Coded &coded) { return makes_no_sense(coded, starts); });
     if (wrong == section.coded.end())
         return;
-    const bool others = std::any_of(section.coded.begin(), section.coded.end(),
-                                    [&](const Coded &coded) { return coded.value > BEATS && !makes_no_sense(coded, starts); });
-    if (others) // those that know the codes may write a rest so
+    const bool knows_codes = std::any_of(section.coded.begin(), section.coded.end(),
+                                         [&](const Coded &coded) { return is_usual(coded) && !makes_no_sense(coded, starts); });
+    if (knows_codes)
         return;
     const bool silent = wrong->greatest <= 0.0F;
     add(finder, {HintKind::code_as_duration,
                  "p3 of " + short_number(static_cast<double>(wrong->value)) + " is a code, " +
                      (silent ? "and leaves nothing of an event"
                              : "which makes an event last " + short_number(static_cast<double>(wrong->least)) + " s"),
-                 meaning_of(*wrong) + "; a duration of so many milliseconds is 1000 and the seconds", wrong->place,
-                 index_of(finder, block), in_seconds(section)});
+                 meaning_of(*wrong) + "; a duration in seconds is 1000 and their number", wrong->place, index_of(finder, block),
+                 in_seconds(section)});
 }
 
 // rhythms
@@ -176,7 +184,7 @@ std::string value_of(std::string_view rhythm)
 {
     const double beats = beats_of(rhythm);
     return beats == 0.0 ? "0 is none, and makes the interval infinite"
-                        : std::string{rhythm} + " is " + short_number(beats) + " beats";
+                        : std::string{rhythm} + " is " + short_number(beats) + (beats == 1.0 ? " beat" : " beats");
 }
 
 enum class Meant { beats, tie };
@@ -257,23 +265,30 @@ bool has_rhythms(const Section &section)
     return std::any_of(section.inputs.begin(), section.inputs.end(), [](const Input &input) { return input.code == TYPE_RH; });
 }
 
+// "2 of its 4 values are"
+std::string share_of(std::uint64_t count, std::uint64_t all)
+{
+    if (all == 1)
+        return "its only value is";
+    return std::to_string(count) + " of its " + std::to_string(all) + " values " + (count == 1 ? "is" : "are");
+}
+
 void look_at_no_number(Finder &finder, const Block &block, const Section &section)
 {
-    const std::string_view text = text_at(finder, section.no_number);
-    const std::string      what =
-        counted(section.no_numbers, "value") + " of " + std::to_string(section.count) + " of " + name_of(section);
+    const std::string_view text  = text_at(finder, section.no_number);
+    const std::string      share = share_of(section.no_numbers, section.count);
     if (has_rhythms(section) && text.find_first_not_of("+-0.") == std::string_view::npos)
-        add(finder,
-            {HintKind::no_rhythm,
-             "0 is no rhythm",
-             "4 beats divided by 0 are infinite, and so " + what + " are no number, and no start can be reckoned from there on",
-             section.no_number,
-             index_of(finder, block),
-             {}});
+        add(finder, {HintKind::no_rhythm,
+                     "0 is no rhythm",
+                     "a rhythm is 4 beats divided by its number, which is infinite for 0; " + name_of(section) + ": " + share +
+                         " no number",
+                     section.no_number,
+                     index_of(finder, block),
+                     {}});
     else
         add(finder, {HintKind::no_number,
                      name_of(section) + " has values that are no number",
-                     what + " are infinite, or come of what is; the score shows them as inf or nan",
+                     share + " infinite or no number at all, which the score shows as inf or nan",
                      section.no_number,
                      index_of(finder, block),
                      {}});
@@ -299,8 +314,8 @@ void look_at_levels(Finder &finder, const Block &block, const Section &section)
     add(finder, {HintKind::no_number,
                  name_of(section) + " is written in decibels, and an amplitude of " +
                      (section.statistics.least < 0.0 ? "0 or below" : "0") + " has none",
-                 counted(section.levels, "value") + " of " + std::to_string(section.count) + " come out as -inf or nan",
-                 section.level, index_of(finder, block), std::move(edits)});
+                 share_of(section.levels, section.count) + " written as -inf or nan", section.level, index_of(finder, block),
+                 std::move(edits)});
 }
 
 } // namespace
