@@ -1,6 +1,6 @@
 // A list that has ended goes on with its last value, which is often meant, and a loop comes round. What shows that a list was meant
-// to come round is that it goes up and down, that its last value is written twice, which would be of no use, or that a loop beside
-// it has as many values.
+// to come round is that its last value is written twice, which would be of no use, or that it goes up and down, with three different
+// values or beside a loop of as many.
 
 #include "explain/hints/hints.h"
 
@@ -80,9 +80,9 @@ bool has_partner(const Block &block, const List &list)
 
 bool looks_like_a_pattern(const Block &block, const List &list)
 {
-    if (list.distinct < 2)
-        return false;
-    return list.twice || (list.distinct == List::TOLD_APART && !list.rises && !list.falls) || has_partner(block, list);
+    if (list.twice)
+        return list.distinct > 1;
+    return !list.rises && !list.falls && (list.distinct == List::TOLD_APART || has_partner(block, list));
 }
 
 // whether what is held is silence
@@ -102,8 +102,8 @@ void look_at_held(Finder &finder, const Block &block, const Section &section)
     const std::string what = list.chord ? "chord" : section.pfield == 2 ? "interval" : "value";
     add(finder, {HintKind::held_list,
                  "the list of " + name_of(section) + " ends early, and its last " + what + " goes on for " + counted(held, "event"),
-                 "it gives " + counted(section.written, "event") + " what they need, and there are " +
-                     std::to_string(section.count) + "; between < and > it would come round",
+                 "it is enough for " + counted(section.written, "event") + ", and there are " + std::to_string(section.count) +
+                     "; between < and > it would come round",
                  list.begin, index_of(finder, block), loop_around(finder, list)});
 }
 
