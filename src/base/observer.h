@@ -105,6 +105,7 @@ struct Observer {
     void (*fill)(bool by_loop);                          // the next values fill the block
 
     // values
+    void (*covered)(float first, float last);              // beats of the first and the last event of the generator's span in beats
     void (*set_chosen)(std::size_t set);                   // of the generator, for the next value
     void (*refused)(std::uint64_t draws);                  // so many draws that were made last came to nothing: others follow
     void (*walked)(float position, float low, float high); // place of the value in its range, and the window of the next one

@@ -164,6 +164,9 @@ template <typename Data, bool told> int fill_events(Data &data, const Frame &fra
     Place place{};
     place.span  = frame.span;
     place.count = covered_events(frame.span, section, in, place.first, place.last);
+    if constexpr (told)
+        if (frame.span >= 0.0F)
+            observer->covered(place.first, place.last);
     while (place.index < place.count) { // ends with the count or the block
         if (EVENT_NO >= EVENTS) {
             truncate(section, in);

@@ -59,6 +59,7 @@ constexpr Observer functions = {
     .literal           = Guarded<told::literal>::tell,
     .repeat            = Guarded<told::repeat>::tell,
     .fill              = Guarded<told::fill>::tell,
+    .covered           = Guarded<told::covered>::tell,
     .set_chosen        = Guarded<told::set_chosen>::tell,
     .refused           = Guarded<told::refused>::tell,
     .walked            = Guarded<told::walked>::tell,

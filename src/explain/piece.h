@@ -112,7 +112,10 @@ struct Command {
     std::uint64_t         count      = 0;
     std::int32_t          input      = NONE; // type in which its values are written; NONE outside sections
     float                 last_value = 0.0F; // the one that it made last, before deviation
-    double                seconds    = 0.0;  // of all its intervals, in p2
+    double                seconds    = 0.0;  // of all its intervals, in p2, without deviations
+    double                beats      = 0.0;  // the same in beats
+    float                 first_beat = 0.0F; // of the events that a span in beats covers, from p3 up
+    float                 last_beat  = 0.0F;
 };
 
 enum class Kind { literal, repeat, generator, fill, loop };
@@ -208,11 +211,14 @@ struct Section {
     std::size_t          distinct = 0; // MOST_DISTINCT + 1: there are more
 
     // what hints ask for
-    std::uint64_t      no_numbers = 0;  // values that are no finite number
-    Place              no_number;       // what made the first of them
-    std::uint64_t      turned   = 0;    // intervals whose sign deviation has turned
-    float              furthest = 0.0F; // of them, in seconds
-    std::vector<Coded> coded;           // MOST_CODED of them
+    std::uint64_t      no_numbers = 0;   // values that are no finite number
+    Place              no_number;        // what made the first of them
+    std::uint64_t      turned    = 0;    // intervals whose sign deviation has turned
+    float              furthest  = 0.0F; // of them, in seconds
+    float              deviation = 0.0F; // at the last of them
+    std::uint64_t      backward  = 0;    // intervals below 0
+    Place              backward_place;   // of the first of them
+    std::vector<Coded> coded;            // MOST_CODED of them
     List               list;
     std::int32_t       full   = NONE;    // the warning that there are more values than events
     std::uint64_t      levels = 0;       // amplitudes that are written in decibels and have none

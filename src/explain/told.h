@@ -43,6 +43,7 @@ void loop_mark(bool opens, std::size_t column);
 void literal(std::size_t begin, std::size_t end);
 void repeat(std::size_t begin, std::size_t end);
 void fill(bool by_loop);
+void covered(float first, float last);
 void set_chosen(std::size_t set);
 void refused(std::uint64_t draws);
 void walked(float position, float low, float high);

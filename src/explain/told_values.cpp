@@ -56,12 +56,18 @@ Place place_of_value()
 }
 
 // of p2
-void count_interval(float beats, float deviated)
+void count_interval(float beats, float deviated, float tempo)
 {
     Section &starts = section();
-    if (now.source.kind == Kind::generator)
-        starts.commands[now.source.command].seconds += std::fabs(static_cast<double>(deviated));
+    if (now.source.kind == Kind::generator) {
+        Command &command = starts.commands[now.source.command];
+        command.seconds += std::fabs(static_cast<double>(beats)) * 60.0 / static_cast<double>(tempo);
+        command.beats += static_cast<double>(beats);
+    }
+    if (beats < 0.0F && starts.backward++ == 0)
+        starts.backward_place = place_of_value();
     if (beats > 0.0F && deviated < 0.0F) {
+        starts.deviation = MAX_DEV + MAX_DEV2;
         ++starts.turned;
         starts.furthest = std::min(starts.furthest, deviated);
     }
@@ -277,6 +283,13 @@ void fill(bool by_loop)
     }
 }
 
+void covered(float first, float last)
+{
+    Command &command   = section().commands[now.source.command];
+    command.first_beat = first;
+    command.last_beat  = last;
+}
+
 void set_chosen(std::size_t set) { now.set = set; }
 
 void refused(std::uint64_t draws)
@@ -298,7 +311,7 @@ void started(float beats, float deviated, float tempo, float beat, float start)
         now.ring.add_start(static_cast<std::uint32_t>(section().count));
         section().tempo.push_back(tempo);
     }
-    count_interval(beats, deviated);
+    count_interval(beats, deviated, tempo);
     place_event(beats, tempo, beat, start);
     add_value(beats, deviated, deviated);
 }

@@ -1,5 +1,7 @@
 #include "explain/hints/finder.h"
 
+#include "explain/words.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -103,6 +105,8 @@ std::string name_of(const Section &section)
     std::string name{"p"};
     return name += std::to_string(section.pfield);
 }
+
+std::string name_of_command(const Command &command) { return name_of_code(command.code); }
 
 std::string short_number(double number, int digits)
 {

@@ -52,6 +52,9 @@ void add(Finder &finder, Hint hint);
 /// A section as it is called in a sentence: "p5".
 [[nodiscard]] std::string name_of(const Section &section);
 
+/// A generator as it is written.
+[[nodiscard]] std::string name_of_command(const Command &command);
+
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);
 

@@ -9,7 +9,8 @@ namespace orlo::explain {
 void find_hints(Piece &piece, bool midi);
 
 // the rooms
-void look_at_starts(Finder &finder);      ///< blocks and intervals in time
+void look_at_starts(Finder &finder);      ///< where blocks start
+void look_at_intervals(Finder &finder);   ///< p2
 void look_at_spans(Finder &finder);       ///< generators: how far they reach
 void look_at_letters(Finder &finder);     ///< notes and letters
 void look_at_rhythms(Finder &finder);     ///< rhythms

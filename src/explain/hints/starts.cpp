@@ -47,6 +47,17 @@ struct Reference {
     double       time;
 };
 
+bool is_heard_at(const Block &block, double seconds) { return std::fabs(static_cast<double>(block.seconds) - seconds) <= HEARD; }
+
+// Whether a block begins with another one, or where another one ends: so it has been reckoned without an equation.
+bool follows(const std::vector<const Block *> &references, const Block &block)
+{
+    return std::any_of(references.begin(), references.end(), [&block](const Block *other) {
+        return is_heard_at(block, other->reach_time) ||
+               (other->start > 0.0F && is_heard_at(block, static_cast<double>(other->seconds)));
+    });
+}
+
 // The seconds at which the start of a block is to be expected: by one of the blocks that have that beat, if there is one.
 Reference reference_of(const std::vector<const Block *> &references, const Block &block)
 {
@@ -55,7 +66,7 @@ Reference reference_of(const std::vector<const Block *> &references, const Block
         if (other->start >= block.start || other->reach < block.start)
             continue;
         const double time = time_of(*other, block.start);
-        if (std::fabs(time - static_cast<double>(block.seconds)) <= HEARD)
+        if (is_heard_at(block, time))
             return {other, static_cast<double>(block.seconds)};
         if (reference.block == nullptr)
             reference = {other, time};
@@ -104,7 +115,7 @@ bool look_at_start(Finder &finder, const Block &block, const std::vector<const B
         return true;
     const Reference reference = reference_of(references, block);
     const double    distance  = static_cast<double>(block.seconds) - reference.time;
-    if (!(std::fabs(distance) > HEARD))
+    if (is_heard_at(block, reference.time) || follows(references, block))
         return true;
     add(finder, {HintKind::late_block,
                  name_of(finder, block) + " starts " + short_number(std::fabs(distance)) + " s " +
