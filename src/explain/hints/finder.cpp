@@ -41,7 +41,7 @@ std::string_view text_behind(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped);
+    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped, MOST_LINE);
     return rest.substr(0, rest.find('\n'));
 }
 
@@ -50,7 +50,9 @@ std::string_view text_before(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(0, place.begin - file.skipped);
+    const std::size_t      at   = place.begin - file.skipped;
+    const std::size_t      from = at - std::min(at, MOST_LINE);
+    const std::string_view rest = std::string_view{file.text}.substr(from, at - from);
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
 }
 
@@ -107,6 +109,13 @@ std::string name_of(const Section &section)
 }
 
 std::string name_of_command(const Command &command) { return name_of_code(command.code); }
+
+Place end_of_section(const Finder &finder, const Block &block, std::size_t index)
+{
+    if (index + 1 < block.sections.size())
+        return before(outermost(finder, block.sections[index + 1].place));
+    return behind(outermost(finder, block.place));
+}
 
 std::string short_number(double number, int digits)
 {

@@ -29,6 +29,8 @@ void add(Finder &finder, Hint hint);
 /// The text at a place; empty for no place.
 [[nodiscard]] std::string_view text_at(const Finder &finder, const Place &place);
 
+inline constexpr std::size_t MOST_LINE = 2047; // bytes; longer lines are read in pieces
+
 /// The characters after, and before, a place on its line, without the line end.
 [[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
 [[nodiscard]] std::string_view text_before(const Finder &finder, const Place &place);
@@ -54,6 +56,9 @@ void add(Finder &finder, Hint hint);
 
 /// A generator as it is written.
 [[nodiscard]] std::string name_of_command(const Command &command);
+
+/// Where the text of a section ends: an empty place where the next one begins, or behind its block, which is closed.
+[[nodiscard]] Place end_of_section(const Finder &finder, const Block &block, std::size_t index);
 
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);
