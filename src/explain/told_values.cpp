@@ -147,8 +147,6 @@ void count_in_list(float value)
 void count_sounding(float value, float result)
 {
     Section &stored = section();
-    if (stored.output == TYPE_DB && !(result > 0.0F) && stored.levels++ == 0)
-        stored.level = place_of_value();
     if (IN_TYPE == TYPE_NO && value < 0.0F) // a rest
         return;
     stored.sounds   = stored.sounding ? std::min(stored.sounds, result) : result;
@@ -165,6 +163,8 @@ void count_value(double result)
         now.last_read = stored.count - 1;
     if (IN_LOOP && !stored.filled)
         now.looped.push_back(stored.count - 1);
+    if (stored.output == TYPE_DB && !(result > 0.0) && stored.levels++ == 0)
+        stored.level = place_of_value();
     if (!std::isfinite(result)) {
         if (stored.no_numbers++ == 0)
             stored.no_number = place_of_value();
