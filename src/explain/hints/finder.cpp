@@ -1,6 +1,6 @@
 #include "explain/hints/finder.h"
 
-#include "explain/words.h"
+#include "gather/words.h"
 
 #include <algorithm>
 #include <cstdio>
