@@ -71,7 +71,9 @@ std::string why_full(const Block &block, const Section &section)
         return "the block has " + counts + ", and by then each of them has its value";
     if (block.events > 0)
         return "the block has " + counted(block.events, "event") + " by its length";
-    return "the block is " + short_number(static_cast<double>(block.beats)) + " beats long, and " + counts + " have used them up";
+    const std::string beats = short_number(static_cast<double>(block.beats)) + (block.beats == 1.0F ? " beat" : " beats");
+    return "the block is " + beats + " long, and " + counts + (section.count == 1 ? " has" : " have") + " used " +
+           (block.beats == 1.0F ? "it" : "them") + " up";
 }
 
 bool has_open_loop(const Section &section) { return !section.loops.empty() && section.loops.back().open; }
