@@ -48,6 +48,12 @@ std::string_view text_before(const Finder &finder, const Place &place)
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
 }
 
+char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte)
+{
+    const File &of = finder.piece.source.files()[static_cast<std::size_t>(file)];
+    return byte < of.skipped || byte - of.skipped >= of.text.size() ? '\n' : of.text[static_cast<std::size_t>(byte - of.skipped)];
+}
+
 Place outermost(const Finder &finder, Place place)
 {
     while (place.call != NONE) // a call stands in a text that was there before it

@@ -30,6 +30,9 @@ void add(Finder &finder, Hint hint);
 [[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
 [[nodiscard]] std::string_view text_before(const Finder &finder, const Place &place);
 
+/// The character at a byte of a file; a line end outside its text.
+[[nodiscard]] char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte);
+
 /// Whether a place is written in the piece itself, or in an included file, and came through no call.
 [[nodiscard]] inline bool is_plain(const Place &place) { return place.file != NONE && place.call == NONE; }
 
