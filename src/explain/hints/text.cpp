@@ -110,7 +110,7 @@ void look_at_encoding(Finder &finder, const File &file, std::int32_t index)
 // line ends
 
 // Carriage returns that no line feed follows, and whether one of them hides what stands behind it: in a comment, a direct line or a
-// directive.
+// directive, or behind a block.
 struct Returns {
     std::vector<std::size_t> first; // MOST_EDITS of them
     std::size_t              count = 0;
@@ -127,7 +127,7 @@ Returns lone_returns(std::string_view text)
         const bool lone = c == '\r' && (at + 1 == text.size() || text[at + 1] != '\n');
         if (c == '\n')
             marked = passed = false;
-        else if (c == ';' || c == '>' || c == '#')
+        else if (c == ';' || c == '>' || c == '#' || c == '}')
             marked = true;
         if (lone && ++returns.count <= MOST_EDITS)
             returns.first.push_back(at);
@@ -228,7 +228,9 @@ void look_behind(Finder &finder, const Block &block)
         return;
     const Place            rest = rest_of_line(finder, block.place);
     const std::string_view text = text_at(finder, rest);
-    if (text.empty())
+    const std::uint64_t    gap  = rest.begin - block.place.end;
+    if (text.empty() ||
+        text_behind(finder, block.place).substr(0, static_cast<std::size_t>(gap)).find('\r') != std::string_view::npos)
         return;
     constexpr std::size_t MOST_SHOWN = 40;
     Hint                  hint{HintKind::text_after_block,
