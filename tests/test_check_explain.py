@@ -19,7 +19,7 @@ import check_draws
 import check_explain
 import explain_pieces
 import tables
-from explain_document import Document, Fault, at, leaves
+from explain_document import Document, Fault, at, is_range_name, leaves
 
 OPTIONS = None
 
@@ -31,6 +31,9 @@ UNSEEN = {
     "rich: *.runs.*.of": "the values that are repeated are equal",
     "rich: blocks.0.events.pfields.*.origin.*": "chords that are repeated are equal",
     "rich: *.ranges.1.distribution": "of a single value",
+    "hinted: hints.*.range": "what is wrong is what is edited",
+    "hinted: tempo.0.range": "the command stands there",
+    "hinted: *.ranges.*.distribution": "of single values",
     "failing: *.draws.*": "behind an error, without a deviation",
     "failing: commands.0.range*": "a command that is not finished",
     "failing: blocks.1.sections.0.range end_line": "a section behind an error",
@@ -70,11 +73,14 @@ p7 db 60 / / 72 RA(3 1 [h 60 90])
 """
 FAILING = "i1 = 4 0 2 {\np2 1\np3 1\np4 1 2 3\n}\ni2 = 3 0 2 {\np2 1\np3 x\n}\nte(1 2)\ni3 = 3 0 1 {\np2 q\n}\n"
 
+HINTED = "te(90)\ni1 = 4 0 8 {\np2 MO(T 1 1 .1)\np3 1\np4 MO(-100 1 0 100)\n}\n"
+
 NOTES = "i1 = 5 0 4 {\np2 1\np3 .5 1\np4 9000 10000\np5 no c4 e5\n}\n"
 
 PIECES = [
     explain_pieces.Piece("rich", "in.orlo", {"in.orlo": RICH.encode(), "more.inc": b"te(60)\n"}),
     explain_pieces.Piece("failing", "in.orlo", {"in.orlo": FAILING.encode()}),
+    explain_pieces.Piece("hinted", "in.orlo", {"in.orlo": HINTED.encode()}),
     explain_pieces.Piece("notes", "in.orlo", {"in.orlo": NOTES.encode()}, True),
 ]
 
@@ -84,7 +90,7 @@ def owners_of_ranges(fields):
     owners = {}
     for place in leaves(fields):
         part = at(fields, place)
-        if place[-1] in ("range", "name_range", "span_range", "included", "undefined") or place[-2:-1] == ("uses",):
+        if is_range_name(str(place[-1])) or place[-2:-1] == ("uses",):
             owners.setdefault(part, ".".join(map(str, place)))
         elif place[-1] == "ranges":
             owners.setdefault(part, ".".join(map(str, place)))

@@ -7,14 +7,14 @@
 #include "base/observer.h"
 #include "base/visible_text.h"
 #include "driver/run.h"
-#include "explain/collector.h"
-#include "explain/csd.h"
 #include "explain/document.h"
 #include "explain/gcc_messages.h"
 #include "explain/hints/hints.h"
 #include "explain/hints_text.h"
 #include "explain/options.h"
-#include "explain/say.h"
+#include "platform/say.h"
+#include "gather/collector.h"
+#include "gather/csd.h"
 #include "platform/file_identity.h"
 #include "platform/file_names.h"
 #include "platform/folder.h"
@@ -106,11 +106,11 @@ bool is_input(const Piece &piece, const std::string &name)
     return false;
 }
 
-bool write(Piece &piece, const Options &options, const Heading &heading, std::FILE *file)
+bool write(Piece &piece, const std::vector<Hint> &hints, const Options &options, const Heading &heading, std::FILE *file)
 {
     if (options.format == Format::json)
-        return write_document(piece, heading, file);
-    const std::string messages = options.format == Format::gcc ? gcc_messages(piece) : hints_text(piece, heading);
+        return write_document(piece, hints, heading, file);
+    const std::string messages = options.format == Format::gcc ? gcc_messages(piece, hints) : hints_text(piece, hints, heading);
     const std::string text     = is_terminal(file) ? visible_text(messages, "\n") : messages;
     return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
@@ -126,12 +126,12 @@ struct Output {
     ~Output() { static_cast<void>(close_whole(file, false)); }
 };
 
-bool write_out(Piece &piece, const Options &options, const Heading &heading)
+bool write_out(Piece &piece, const std::vector<Hint> &hints, const Options &options, const Heading &heading)
 {
     if (is_input(piece, options.out))
         return complain(options.out + " would be overwritten: name another file with -o");
     Output            out(options.out);
-    const bool        complete = out.fault.empty() && write(piece, options, heading, out.file.stream);
+    const bool        complete = out.fault.empty() && write(piece, hints, options, heading, out.file.stream);
     const std::string lost     = close_whole(out.file, complete);
     if (complete && lost.empty())
         return true;
@@ -163,8 +163,7 @@ bool explain(const Options &options)
     start_collecting(piece, detail);
     if (!run_piece(options, heading, heading.csd ? Extent{score.begin, score.end} : Extent{0, WHOLE_FILE}, detail))
         return false;
-    find_hints(piece, options.midi);
-    return write_out(piece, options, heading);
+    return write_out(piece, find_hints(piece, options.midi), options, heading);
 }
 
 bool print(const char *text)

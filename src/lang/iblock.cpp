@@ -53,7 +53,7 @@ int skip_block(Input &in)
 void tell_header(HeaderPart part, const Input &in, std::uint32_t begin)
 {
     if (observer != nullptr)
-        observer->header_number(part, begin, in.pos);
+        observer->header_number(part, begin, end_of_item(in, begin));
 }
 
 // number -> "i" [ "-" ] digits

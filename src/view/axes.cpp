@@ -1,7 +1,7 @@
 #include "view/axes.h"
 
+#include "base/markup.h"
 #include "view/marks.h"
-#include "view/markup.h"
 
 #include <cmath>
 

@@ -2,8 +2,8 @@
 
 #include "view/files.h"
 
-#include "view/midi_reader.h"
-#include "view/score_text.h"
+#include "score/midi_reader.h"
+#include "score/score_text.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -4,9 +4,9 @@
 #include "view/pictures.h"
 
 #include "base/json.h"
+#include "base/markup.h"
 #include "view/axes.h"
 #include "view/marks.h"
-#include "view/markup.h"
 #include "view/page_files.h"
 #include "view/plan.h"
 #include "view/summary.h"

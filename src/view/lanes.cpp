@@ -1,7 +1,7 @@
 // Two passes over the events: the bins need the range first.
 #include "view/lanes.h"
 
-#include "view/markup.h"
+#include "base/markup.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "view/scale.h"
-#include "view/score.h"
+#include "view/scores.h"
 
 #include <array>
 #include <cstddef>

@@ -6,7 +6,7 @@
 // events.
 #include "view/marks.h"
 
-#include "view/markup.h"
+#include "base/markup.h"
 
 #include <algorithm>
 #include <cmath>

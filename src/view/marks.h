@@ -3,7 +3,7 @@
 #pragma once
 
 #include "view/plan.h"
-#include "view/score.h"
+#include "view/scores.h"
 
 #include <string>
 #include <vector>

@@ -2,8 +2,8 @@
 
 #include "view/options.h"
 
+#include "score/pitch.h"
 #include "view/messages.h"
-#include "view/pitch.h"
 
 #include <charconv>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // options.h: the command line of orlo-view. Opens no file.
 #pragma once
 
-#include "view/score.h"
+#include "view/scores.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 // written to a file and nothing of the score is changed.
 #pragma once
 
-#include "view/score.h"
+#include "view/scores.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 // a score with drums beside tunes has both parts, one without pitches the lower alone.
 #include "view/plan.h"
 
-#include "view/markup.h"
+#include "base/markup.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 
 #include "view/lanes.h"
 #include "view/scale.h"
-#include "view/score.h"
+#include "view/scores.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // adding a step again and again would gather errors, and would never end where the step is less than the values' last digit.
 #include "view/scale.h"
 
-#include "view/markup.h"
+#include "base/markup.h"
 
 #include <array>
 #include <cmath>

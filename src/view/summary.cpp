@@ -1,6 +1,6 @@
 #include "view/summary.h"
 
-#include "view/markup.h"
+#include "base/markup.h"
 
 namespace orlo::view {
 namespace {

@@ -1,9 +1,9 @@
 // One column of boxes: words, legend, roll, lanes, each as high as its plan says, so that a box's top is the sum of those above.
 #include "view/pictures.h"
 
+#include "base/markup.h"
 #include "view/axes.h"
 #include "view/marks.h"
-#include "view/markup.h"
 #include "view/plan.h"
 #include "view/summary.h"
 

@@ -3,8 +3,8 @@
 
 #include "view/pictures.h"
 
-#include "view/markup.h"
-#include "view/pitch.h"
+#include "base/markup.h"
+#include "score/pitch.h"
 #include "view/scale.h"
 
 #include <algorithm>

@@ -3,20 +3,20 @@
 #include "view/view.h"
 
 #include "base/exhaustion.h"
+#include "base/markup.h"
 #include "base/visible_text.h"
 #include "platform/memory_limit.h"
 #include "platform/run_orlo.h"
 #include "platform/standard_streams.h"
 #include "platform/terminal.h"
-#include "view/build_score.h"
+#include "score/build_score.h"
+#include "score/midi_reader.h"
+#include "score/pitch.h"
+#include "score/score_reader.h"
 #include "view/files.h"
-#include "view/markup.h"
 #include "view/messages.h"
-#include "view/midi_reader.h"
 #include "view/options.h"
 #include "view/pictures.h"
-#include "view/pitch.h"
-#include "view/score_reader.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -8,10 +8,10 @@
 
 #include "fuzz_orlo.h"
 
-#include "view/midi_reader.h"
+#include "score/midi_reader.h"
 #include "view/pictures.h"
-#include "view/pitch.h"
-#include "view/score_reader.h"
+#include "score/pitch.h"
+#include "score/score_reader.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -19,6 +19,7 @@
 
 namespace {
 
+using namespace orlo::score;
 using namespace orlo::view;
 
 // so small that an input reaches them

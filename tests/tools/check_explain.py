@@ -690,8 +690,26 @@ def check_start(block, document):
     return [] if expected == tempo else [f"block {block.index}: tempo {tempo} at its start, not {expected}"]
 
 
+def written_number(words):
+    """The number that is written, and nothing else; not a number for something else."""
+    return single(float(words)) if re.fullmatch(rb"[-+]?[\d.]+", words) else float("nan")
+
+
+def check_header(block, document, source):
+    """The numbers of a header stand where it says; those that come through a call are not read."""
+    fields, faults = block.fields, []
+    length = -fields["events_wanted"] if "events_wanted" in fields else fields.get("beats")
+    for key, expected in (("pfields", fields.get("pfields")), ("start", fields.get("start")), ("length", length)):
+        if expected is None:
+            continue
+        place = document.ranges[fields[f"{key}_range"]]
+        if place.call == -1 and written_number(source.text(place)) != number32(expected):
+            faults.append(f"block {block.index}: {key} is {expected}, written {source.text(place)}")
+    return faults
+
+
 def check_block(block, document, source, midi):
-    faults = check_start(block, document)
+    faults = check_start(block, document) + check_header(block, document, source)
     for section in block.sections:
         if not section.has_values:
             if (section.count or section.written) and not block.has("recovered"):
@@ -762,6 +780,52 @@ def check_summary(outcome):
     return faults
 
 
+def check_hints(outcome, source):
+    """What is said of hints in the form of compilers, and that edits can be made."""
+    document, said, faults = outcome.document, outcome.messages.split(b"\n"), []
+    for hint in document.fields["hints"]:
+        lines = [b"warning: %s [%s]" % (text(hint["text"]).replace(b"\n", b" "), hint["name"].encode())]
+        places = [hint.get("range")] * 2 + [edit["range"] for edit in hint.get("edits", [])]
+        lines += [b"note: " + text(hint["reason"]).replace(b"\n", b" ")] + [fix_of(edit, document, source) for edit in hint.get("edits", [])]
+        for place, line in zip(places, lines):
+            expected = place_of(document, place) + line
+            if expected not in said:
+                faults.append(f"hints: {expected} is not said")
+        shown = source.text(document.ranges[hint["range"]]) if "range" in hint else b""
+        if shown != shown.strip():
+            faults.append(f"hints: {hint['name']} is about {shown}")
+        if not 0 <= hint.get("block", 0) < max(len(document.blocks), 1):
+            faults.append(f"hints: there is no block {hint['block']}")
+        edits = [document.ranges[edit["range"]] for edit in hint.get("edits", [])]
+        if any(a.file != b.file or (a.end_line, a.end_byte) > (b.line, b.byte) for a, b in zip(edits, edits[1:])):
+            faults.append(f"hints: edits of {hint['name']} lie in two files or over each other")
+    if sum(line.endswith(b"]") and b": warning: " in line for line in said) < len(document.fields["hints"]):
+        faults.append("hints: there are more than are said")
+    return faults
+
+
+def in_one_line(words):
+    return re.sub(rb"[\n\r\t]", b" ", words)
+
+
+def place_of(document, index):
+    """A place as compilers write it."""
+    if index is None:
+        return text(document.fields["files"][0]["name"]) + b": "
+    place = document.ranges[index]
+    return b"%s:%d:%d: " % (text(document.fields["files"][place.file]["name"]), place.line + 1, place.byte + 1)
+
+
+def fix_of(edit, document, source):
+    """An edit in words."""
+    gone, new = source.text(document.ranges[edit["range"]]), text(edit["text"])
+    if not gone:
+        return b"note: " + (b"begin a new line here" if new == b"\n" else b'put in "%s"' % in_one_line(new))
+    if not new:
+        return b'note: take out "%s"' % in_one_line(gone)
+    return b'note: write "%s" in place of "%s"' % (in_one_line(new), in_one_line(gone))
+
+
 def make_check(schema, screen):
     def check(outcome):
         document, source = outcome.document, Source(outcome)
@@ -771,6 +835,7 @@ def make_check(schema, screen):
         if faults:
             return faults
         faults += check_diagnostics(outcome, screen, source) + check_failures(document, screen)
+        faults += check_hints(outcome, source)
         faults += check_texts(outcome, source) + check_spans(outcome, source) + check_generated(outcome)
         for block in document.blocks:
             faults += check_block(block, document, source, outcome.piece.midi)

@@ -10,7 +10,6 @@ run with these options, "; run from: FOLDER" in a folder below.
 """
 
 import argparse
-import json
 import pathlib
 import shutil
 import subprocess
@@ -18,6 +17,8 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path[:0] = [str(ROOT / "tests/tools")]
+import explain_document
 
 
 class Run:
@@ -31,9 +32,9 @@ class Run:
             self.folder = folder / first.split(":", 1)[1].strip()
             self.folder.mkdir(exist_ok=True)
             self.piece = "../" + name
-        self.document = json.loads(self._explain(explain, *options))
+        self.document = explain_document.Document(self._explain(explain, *options))
         self.text = self._explain(explain, "--hints", *options)
-        self.without_events = json.loads(self._explain(explain, "--no-events", *options))
+        self.without_events = explain_document.Document(self._explain(explain, "--no-events", *options))
 
     def _explain(self, explain, *options):
         run = subprocess.run([explain, *options, self.piece], cwd=self.folder, capture_output=True, timeout=60, check=False)
@@ -42,14 +43,14 @@ class Run:
         return run.stdout
 
     def names(self):
-        return [hint["name"] for hint in self.document["hints"]]
+        return [hint["name"] for hint in self.document.fields["hints"]]
 
     def troubles(self):
-        return [message["text"] for message in self.document["diagnostics"] if message["severity"] != "note"]
+        return [message["text"] for message in self.document.diagnostics if message["severity"] != "note"]
 
     def mended(self):
         """The piece after all edits of all hints, or nothing when there are none."""
-        edits = [edit for hint in self.document["hints"] for edit in hint.get("edits", [])]
+        edits = [edit for hint in self.document.fields["hints"] for edit in hint.get("edits", [])]
         if not edits:
             return None
         text = (self.folder / self.piece).read_bytes()
@@ -59,18 +60,11 @@ class Run:
 
     def _bytes(self, text, edit):
         """An edit of the piece by bytes: where, and what comes there."""
-        ranges, row = self.document["ranges"], edit["range"]
-        if cell(ranges, "file", row) != 0:
+        place = self.document.ranges[edit["range"]]
+        if place.file != 0:
             raise AssertionError("an edit of another file")
         starts = [0] + [at + 1 for at, byte in enumerate(text) if byte == 10]
-        line = cell(ranges, "line", row)
-        end_line = cell(ranges, "end_line", row) if "end_line" in ranges else line
-        return starts[line] + cell(ranges, "byte", row), starts[end_line] + cell(ranges, "end_byte", row), edit["text"].encode()
-
-
-def cell(table, column, row):
-    values = table[column]
-    return values["from"] + values["step"] * row if isinstance(values, dict) else values[row]
+        return starts[place.line] + place.byte, starts[place.end_line] + place.end_byte, explain_document.text(edit["text"])
 
 
 def check_shown(explain, folder, shown, accept):
@@ -78,8 +72,8 @@ def check_shown(explain, folder, shown, accept):
     if run.names() != [folder.name]:
         yield f"{shown.name} has the hints {run.names()}"
         return
-    plain = [{key: hint[key] for key in ("name", "text", "reason")} for hint in run.document["hints"]]
-    if plain != [{key: hint[key] for key in ("name", "text", "reason")} for hint in run.without_events["hints"]]:
+    plain = [{key: hint[key] for key in ("name", "text", "reason")} for hint in run.document.fields["hints"]]
+    if plain != [{key: hint[key] for key in ("name", "text", "reason")} for hint in run.without_events.fields["hints"]]:
         yield f"{shown.name} has other hints without events"
     yield from check_file(shown.with_suffix(".txt"), run.text, accept)
     mended = shown.with_name(shown.name.replace("shows", "mended", 1))

@@ -284,10 +284,14 @@ def range_indexes(fields):
                 yield from range_indexes(value["runs"])
 
 
+def is_range_name(key):
+    """Whether a key of this name holds the index of a range wherever it stands."""
+    return key in ("range", "included", "undefined") or key.endswith("_range")
+
+
 def is_range(fields, key):
     """Whether a key holds the index of a range. "end" is one of a condition, and a time of a block or of a change of tempo."""
-    return (key in ("range", "name_range", "span_range", "included", "undefined") or key == "end" and "taken" in fields) \
-        and isinstance(fields[key], int)
+    return (is_range_name(key) or key == "end" and "taken" in fields) and isinstance(fields[key], int)
 
 
 def without_values(document):

@@ -52,6 +52,7 @@ class Outcome(NamedTuple):
     document: Document
     data: bytes       # of the document
     summary: Document # what is said without events
+    messages: bytes   # in the form of compilers
 
 
 def case_pieces(places=(os.path.join(TESTS, "cases"),)):
@@ -142,7 +143,8 @@ def outcome(programs, piece):
         written = run_case.read_file(score) if os.path.isfile(score) else None
         data = explain(explainer, piece, folders[1], os.path.join(top, "explain.json"))
         summary = explain(explainer, piece, folders[1], os.path.join(top, "summary.json"), "--no-events")
-    return Outcome(piece, run.returncode, run_case.cut_banner(run.stderr), written, Document(data), data, Document(summary))
+        messages = explain(explainer, piece, folders[1], os.path.join(top, "messages"), "--format=gcc")
+    return Outcome(piece, run.returncode, run_case.cut_banner(run.stderr), written, Document(data), data, Document(summary), messages)
 
 
 def add_options(parser):

@@ -47,6 +47,14 @@ TEST(ExplainOptions, APieceAloneIsExplainedInFull)
     EXPECT_EQ("", line.screen);
 }
 
+TEST(ExplainOptions, HintsAreAFormatOfTheirOwn)
+{
+    EXPECT_EQ(Format::hints, read({"--hints", "in"}).options.format);
+    EXPECT_EQ(Format::gcc, read({"--hints", "--format=gcc", "in"}).options.format);
+    EXPECT_EQ(Task::list_hints, read({"--list-hints"}).task);
+    EXPECT_EQ("no option '--hint'", refusal({"--hint", "in"}));
+}
+
 TEST(ExplainOptions, StandInAnyOrder)
 {
     for (const auto &line : {read({"-m", "--no-events", "--format=gcc", "-o", "x", "in"}),

@@ -1,6 +1,6 @@
 #include "view/lanes.h"
 
-#include "view_scores.h"
+#include "score_support.h"
 
 #include <gtest/gtest.h>
 

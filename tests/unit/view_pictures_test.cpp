@@ -1,11 +1,11 @@
 #include "view/pictures.h"
 
+#include "score_support.h"
 #include "view/axes.h"
 #include "view/marks.h"
 #include "view/page_files.h"
 #include "view/plan.h"
 #include "view/summary.h"
-#include "view_scores.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "view/scale.h"
-#include "view/score.h"
+#include "view/scores.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
 #include "explain/hints/finder.h"
 
+#include "gather/words.h"
 #include "input/line_reader.h"
-
-#include "explain/words.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,8 @@
 // finder.h: what the rooms of the hints share: the piece, its text by places, and words for figures. Changes nothing of the piece.
 #pragma once
 
-#include "explain/piece.h"
+#include "explain/gathered.h"
+#include "explain/hints/hint.h"
 
 #include <string>
 #include <string_view>

@@ -1,7 +1,7 @@
 // hint.h: what a composer may not have meant, as it is found. The names of hints have their one home here.
 #pragma once
 
-#include "explain/source_map.h"
+#include "explain/gathered.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,6 +24,7 @@ enum class HintKind {
     code_as_duration,
     flat_by_b,
     sharp_by_hash,
+    tie_by_plus,
     range_letter,
     curve_letter,
     no_rhythm,
@@ -65,6 +66,7 @@ inline constexpr HintRow hint_rows[] = {
     {HintKind::code_as_duration, "code-as-duration", "a code of p3 that looks like a duration"},
     {HintKind::flat_by_b, "flat-by-b", "a flat that is written with b or es"},
     {HintKind::sharp_by_hash, "sharp-by-hash", "a sharp that is written with #"},
+    {HintKind::tie_by_plus, "tie-by-plus", "a tie that is written with +"},
     {HintKind::range_letter, "range-letter", "a note that is read as the letter of a distribution"},
     {HintKind::curve_letter, "curve-letter", "a note that is read as the letter of a curve"},
     {HintKind::no_rhythm, "no-rhythm", "a rhythm of 0, or one with a fraction"},

@@ -5,7 +5,7 @@
 
 namespace orlo::explain {
 
-void find_hints(Piece &piece, bool midi)
+std::vector<Hint> find_hints(const Piece &piece, bool midi)
 {
     Finder finder{piece, midi, {}};
     look_at_text(finder);
@@ -22,10 +22,11 @@ void find_hints(Piece &piece, bool midi)
     look_at_midi(finder);
     keep_quiet(finder);
     const auto earlier = [](const Hint &a, const Hint &b) {
-        return std::tie(a.place.file, a.place.begin) < std::tie(b.place.file, b.place.begin);
+        return std::tie(a.place.file, a.place.begin, a.kind, a.place.end) <
+               std::tie(b.place.file, b.place.begin, b.kind, b.place.end);
     };
-    std::stable_sort(finder.found.begin(), finder.found.end(), earlier);
-    piece.hints = std::move(finder.found);
+    std::sort(finder.found.begin(), finder.found.end(), earlier);
+    return std::move(finder.found);
 }
 
 } // namespace orlo::explain
