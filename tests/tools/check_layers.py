@@ -13,6 +13,7 @@ MAY["score"] = {"base", "platform", "score"}  # knows files, not the program tha
 MAY["view"] = MAY["score"] | {"view"}
 MAY["gather"] = MAY["driver"] | {"gather"}  # watches a run
 MAY["explain"] = MAY["gather"] | {"explain"}
+MAY["export"] = MAY["gather"] | MAY["score"] | {"export"}
 
 
 def faults(root):

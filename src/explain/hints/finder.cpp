@@ -18,6 +18,12 @@ void add(Finder &finder, Hint hint)
         finder.found.push_back(std::move(hint));
 }
 
+bool has_hint(const Finder &finder, HintKind kind, const Block &block)
+{
+    return std::any_of(finder.found.begin(), finder.found.end(),
+                       [kind, at = index_of(finder, block)](const Hint &hint) { return hint.kind == kind && hint.block == at; });
+}
+
 const File &file_of(const Finder &finder, const Place &place)
 {
     return finder.piece.source.files()[static_cast<std::size_t>(place.file)];
@@ -36,7 +42,7 @@ std::string_view text_behind(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped);
+    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped, MOST_LINE);
     return rest.substr(0, rest.find('\n'));
 }
 
@@ -45,7 +51,9 @@ std::string_view text_before(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(0, place.begin - file.skipped);
+    const std::size_t      at   = place.begin - file.skipped;
+    const std::size_t      from = at - std::min(at, MOST_LINE);
+    const std::string_view rest = std::string_view{file.text}.substr(from, at - from);
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
 }
 
@@ -53,6 +61,30 @@ char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte)
 {
     const File &of = finder.piece.source.files()[static_cast<std::size_t>(file)];
     return byte < of.skipped || byte - of.skipped >= of.text.size() ? '\n' : of.text[static_cast<std::size_t>(byte - of.skipped)];
+}
+
+std::string without_comments(std::string_view text)
+{
+    std::string plain{text};
+    unsigned    depth = 0;                       // of comments that nest
+    for (std::size_t i = 0; i < plain.size();) { // each round moves on
+        const std::string_view pair = text.substr(i, 2);
+        std::size_t            gone = 0;
+        if (depth == 0 && text[i] == ';')
+            gone = std::min(text.find('\n', i), text.size()) - i;
+        else if (pair == "/*" || (depth > 0 && pair == "*/"))
+            gone = 2;
+        else if (depth > 0)
+            gone = 1;
+        if (gone == 2 && pair == "/*")
+            ++depth;
+        else if (gone == 2 && pair == "*/")
+            --depth;
+        for (std::size_t end = i + gone; i < end; ++i)
+            plain[i] = plain[i] == '\n' ? '\n' : ' ';
+        i += gone == 0 ? 1 : 0;
+    }
+    return plain;
 }
 
 Place outermost(const Finder &finder, Place place)
@@ -94,7 +126,20 @@ std::string name_of(const Finder &finder, const Block &block)
     return "block " + std::to_string(number) + " (i" + std::to_string(block.instrument) + ")";
 }
 
+std::string name_of(const Section &section)
+{
+    std::string name{"p"};
+    return name += std::to_string(section.pfield);
+}
+
 std::string name_of_command(const Command &command) { return name_of_code(command.code); }
+
+Place end_of_section(const Finder &finder, const Block &block, std::size_t index)
+{
+    if (index + 1 < block.sections.size())
+        return before(outermost(finder, block.sections[index + 1].place));
+    return behind(outermost(finder, block.place));
+}
 
 std::string short_number(double number, int digits)
 {

@@ -21,11 +21,16 @@ struct Finder {
 /// Adds a hint; one about the same text as another of its kind, which came through another call, is left out.
 void add(Finder &finder, Hint hint);
 
+/// Whether a block has a hint of a kind by now.
+[[nodiscard]] bool has_hint(const Finder &finder, HintKind kind, const Block &block);
+
 /// The text of a file, and how many bytes stand before it in the file.
 [[nodiscard]] const File &file_of(const Finder &finder, const Place &place);
 
 /// The text at a place; empty for no place.
 [[nodiscard]] std::string_view text_at(const Finder &finder, const Place &place);
+
+inline constexpr std::size_t MOST_LINE = 2047; // bytes; longer lines are read in pieces
 
 /// The characters after, and before, a place on its line, without the line end.
 [[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
@@ -33,6 +38,9 @@ void add(Finder &finder, Hint hint);
 
 /// The character at a byte of a file; a line end outside its text.
 [[nodiscard]] char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte);
+
+/// A text in which blanks stand for comments, so that everything else keeps its place. The text begins outside comments.
+[[nodiscard]] std::string without_comments(std::string_view text);
 
 /// Whether a place is written in the piece itself, or in an included file, and came through no call.
 [[nodiscard]] inline bool is_plain(const Place &place) { return place.file != NONE && place.call == NONE; }
@@ -47,8 +55,14 @@ void add(Finder &finder, Hint hint);
 /// A block as it is called in a sentence: "block 2 (i3)".
 [[nodiscard]] std::string name_of(const Finder &finder, const Block &block);
 
+/// A section as it is called in a sentence: "p5".
+[[nodiscard]] std::string name_of(const Section &section);
+
 /// A generator as it is written.
 [[nodiscard]] std::string name_of_command(const Command &command);
+
+/// Where the text of a section ends: an empty place where the next one begins, or behind its block, which is closed.
+[[nodiscard]] Place end_of_section(const Finder &finder, const Block &block, std::size_t index);
 
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);

@@ -98,21 +98,6 @@ void look_at_joined(Finder &finder, std::vector<Words> &all)
     }
 }
 
-void look_at_ties(Finder &finder, std::vector<Words> &all)
-{
-    for (const Joined &joined : finder.piece.joined) {
-        const std::string first{text_at(finder, joined.first)};
-        const std::string second{text_at(finder, joined.second)};
-        if (joined.input != TYPE_RH || joined.input_of_first != TYPE_RH || !second.starts_with('+'))
-            continue;
-        Place sign = before(joined.second);
-        ++sign.end;
-        add_word(all, HintKind::tie_by_plus, joined.block, joined.pfield, {sign, ","},
-                 quoted(first + second) + " is read as two rhythms, " + first + " and " + second.substr(1),
-                 "a + is the sign of a number, and a tie is written with a comma: " + first + "," + second.substr(1));
-    }
-}
-
 // whether an error stands behind a place, with blanks between, and at a note
 bool fails_at_note(const Finder &finder, const Place &place)
 {
@@ -248,7 +233,6 @@ void look_at_letters(Finder &finder)
     std::vector<Words> words;
     look_at_joined(finder, words);
     look_at_types(finder, words);
-    look_at_ties(finder, words);
     add_words(finder, words);
     look_at_generators(finder);
 }
