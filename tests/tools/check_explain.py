@@ -820,8 +820,9 @@ def shown_gone(gone):
     """What an edit takes away: as much of it as is shown, characters that can't be seen by their numbers."""
     if len(gone) <= 4 and not any(32 <= byte < 127 or byte in b"\n\t" for byte in gone):
         return (b"the byte " if len(gone) == 1 else b"the bytes ") + b" ".join(b"%02X" % byte for byte in gone)
-    gone = gone.rstrip(b"\n\r ")
-    return b'"%s"' % in_one_line(gone if len(gone) <= 60 else gone[:60] + b"...")
+    label = (b"the line " if gone.count(b"\n") == 1 else b"the lines ") if gone.endswith(b"\n") else b""
+    gone = gone[:-1] if label else gone
+    return label + b'"%s"' % in_one_line(gone if len(gone) <= 60 else gone[:40] + b" ... " + gone[-15:])
 
 
 def fix_of(edit, document, source):
