@@ -253,6 +253,7 @@ void loop_mark(bool opens, std::size_t column)
 void literal(std::size_t begin, std::size_t end)
 {
     join_value(begin, end);
+    count_cut(end);
     now.fused = IS_FUSED != 0;
     if (now.source.kind != Kind::literal)
         now.new_source = true;
@@ -267,6 +268,7 @@ void repeat(std::size_t begin, std::size_t end)
 {
     repeat_from(Kind::repeat);
     now.source.place = in_section_here(begin, end);
+    count_cut(end);
 }
 
 void fill(bool by_loop)

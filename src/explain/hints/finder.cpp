@@ -1,6 +1,7 @@
 #include "explain/hints/finder.h"
 
 #include "gather/words.h"
+#include "input/line_reader.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -56,6 +57,12 @@ std::string_view text_before(const Finder &finder, const Place &place)
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
 }
 
+char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte)
+{
+    const File &of = finder.piece.source.files()[static_cast<std::size_t>(file)];
+    return byte < of.skipped || byte - of.skipped >= of.text.size() ? '\n' : of.text[static_cast<std::size_t>(byte - of.skipped)];
+}
+
 std::string without_comments(std::string_view text)
 {
     std::string plain{text};
@@ -90,6 +97,23 @@ Place outermost(const Finder &finder, Place place)
 Place before(const Place &place) { return {place.file, place.begin, place.begin, place.call}; }
 
 Place behind(const Place &place) { return {place.file, place.end, place.end, place.call}; }
+
+std::vector<Edit> take_out(const Finder &finder, const Place &place)
+{
+    const std::string_view rest     = text_behind(finder, place);
+    const std::string_view earlier  = text_before(finder, place);
+    const auto             is_empty = [](std::string_view text) { return std::all_of(text.begin(), text.end(), is_blank); };
+    Place                  gone     = place;
+    if (is_empty(rest) && is_empty(earlier)) {
+        gone.begin -= earlier.size();
+        gone.end += rest.size() + (char_at(finder, gone.file, gone.end + rest.size()) == '\n' ? 1 : 0);
+        const File &file = file_of(finder, gone);
+        gone.end         = std::min<std::uint64_t>(gone.end, file.skipped + file.text.size());
+    } else if (!rest.empty() && is_blank(rest.front())) {
+        ++gone.end;
+    }
+    return {{gone, {}}};
+}
 
 std::int32_t index_of(const Finder &finder, const Block &block)
 {
@@ -128,6 +152,14 @@ std::string short_number(double number, int digits)
             shown.pop_back();
     }
     return shown == "-0" ? "0" : shown;
+}
+
+std::string quoted(std::string_view text)
+{
+    std::string result(1, '"');
+    result += text;
+    result += '"';
+    return result;
 }
 
 std::string counted(std::uint64_t count, std::string_view what)

@@ -36,6 +36,9 @@ inline constexpr std::size_t MOST_LINE = 2047; // bytes; longer lines are read i
 [[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
 [[nodiscard]] std::string_view text_before(const Finder &finder, const Place &place);
 
+/// The character at a byte of a file; a line end outside its text.
+[[nodiscard]] char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte);
+
 /// A text in which blanks stand for comments, so that everything else keeps its place. The text begins outside comments.
 [[nodiscard]] std::string without_comments(std::string_view text);
 
@@ -67,8 +70,14 @@ inline constexpr std::size_t MOST_LINE = 2047; // bytes; longer lines are read i
 /// A number with at most so many digits after the point, without zeros at their end.
 [[nodiscard]] std::string short_number(double number, int digits = 3);
 
+/// A text in quotation marks.
+[[nodiscard]] std::string quoted(std::string_view text);
+
 /// "1 event", "2 events".
 [[nodiscard]] std::string counted(std::uint64_t count, std::string_view what);
+
+/// Takes a text out, with its line where nothing else stands there.
+[[nodiscard]] std::vector<Edit> take_out(const Finder &finder, const Place &place);
 
 /// Whether a block's values are all known: it was read to its end as in a run.
 [[nodiscard]] inline bool is_whole(const Block &block) { return block.closed && !block.skipped && !block.recovered; }
