@@ -71,4 +71,16 @@ struct Music {
 /// The p-fields of a note, from p4 up.
 [[nodiscard]] const std::vector<Field> &fields_of(const Music &music, const Note &note);
 
+/// The first of some p-fields that means this, by its place among them; NONE where there is none.
+[[nodiscard]] int field_with(const std::vector<Field> &fields, Meaning meaning);
+
+/// A p-field of a note by its place among them; NOTHING where it has none.
+[[nodiscard]] double value_at(const Music &music, const Note &note, int field);
+
+/// The pitch of a note in semitones, 48 is middle C; NOTHING where it has none.
+[[nodiscard]] double pitch_of(const Music &music, const Note &note);
+
+/// The name of a part as people have it: "i1".
+[[nodiscard]] std::string name_of(const Part &part);
+
 } // namespace orlo::exporting
