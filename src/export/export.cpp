@@ -124,17 +124,21 @@ bool get_music(const Options &options, Music &music)
     return complain(options.in + " is a MIDI file already");
 }
 
-bool write(const Music &music, const Options &options, std::FILE *file)
+// what can't be written of it; empty when all was
+std::string write(const Music &music, const Options &options, std::vector<std::string> &said, std::FILE *file)
 {
+    const auto fault = [](bool written) { return written ? "" : NOT_WRITTEN; };
     switch (options.format) {
     case Format::csv:
-        return write_csv(music, options.names, file);
+        return fault(write_csv(music, options.names, file));
     case Format::json:
-        return write_json(music, options.names, file);
+        return fault(write_json(music, options.names, file));
+    case Format::midi:
+        return write_midi(music, options.midi, said, file);
     case Format::guess:
         break;
     }
-    return false;
+    return NOT_WRITTEN;
 }
 
 bool do_export(const Options &options)
@@ -147,10 +151,19 @@ bool do_export(const Options &options)
     music.title = title_of(options.in);
     if (music.notes.empty())
         return complain(options.in + " has no events");
-    WholeOutput       out{options.out};
-    const bool        complete = out.fault.empty() && write(music, options, out.file.stream);
-    const std::string lost     = close_whole(out.file, complete);
-    return (complete && lost.empty()) || cant_write(options.out, out.fault.empty() ? lost : out.fault);
+    WholeOutput out{options.out};
+    if (!out.fault.empty())
+        return cant_write(options.out, out.fault);
+    std::vector<std::string> said;
+    const std::string        fault = write(music, options, said, out.file.stream);
+    const std::string        lost  = close_whole(out.file, fault.empty());
+    if (!fault.empty() && fault != NOT_WRITTEN)
+        return complain(options.in + ": " + fault);
+    if (!fault.empty() || !lost.empty())
+        return cant_write(options.out, lost);
+    for (const std::string &sentence : said)
+        say(options.out + ": " + sentence);
+    return true;
 }
 
 bool print(const char *text)

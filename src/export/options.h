@@ -1,12 +1,14 @@
 // options.h: the command line of orlo-export. Opens no file.
 #pragma once
 
+#include "export/midi.h"
+
 #include <map>
 #include <string>
 
 namespace orlo::exporting {
 
-enum class Format { guess, csv, json };
+enum class Format { guess, csv, json, midi };
 
 /// What the command line asks for.
 struct Options {
@@ -14,6 +16,7 @@ struct Options {
     std::string                out; ///< "-" is the standard output
     Format                     format = Format::guess;
     std::map<int, std::string> names; ///< of p-fields
+    MidiOptions                midi;
 };
 
 /// What is to be done with a command line.
