@@ -692,7 +692,8 @@ def check_start(block, document):
 
 def written_number(words):
     """The number that is written, and nothing else; not a number for something else."""
-    return single(float(words)) if re.fullmatch(rb"[-+]?[\d.]+", words) else float("nan")
+    number_text = re.sub(rb"^- +", b"-", words)  # of events
+    return single(float(number_text)) if re.fullmatch(rb"[-+]?[\d.]+", number_text) else float("nan")
 
 
 def check_header(block, document, source):
