@@ -44,12 +44,12 @@ void put_cell(std::string &line, std::string_view text)
     line += '"';
 }
 
-// those of a piece have 32 bits, which are seven digits
+// those of a piece have 32 bits
 std::string time_text(bool of_piece, double value)
 {
     if (std::isnan(value))
         return {};
-    return number_text(value, of_piece ? 7 : 15);
+    return decimal_text(value, of_piece ? 6 : 9);
 }
 
 std::string file_of(const Music &music, const Note &note)
