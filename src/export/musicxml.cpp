@@ -346,7 +346,11 @@ void put_parts_list(Page &page)
         std::string         name  = escaped(name_of(page.music.parts[staff.part]));
         if (staff.number > 0)
             name += joined({" (", std::to_string(staff.number + 1), ")"});
-        page.line(2, {"<score-part id=\"", id_of(i), "\"><part-name>", name, "</part-name></score-part>"});
+        page.line(2, {"<score-part id=\"", id_of(i), "\">"});
+        page.line(3, {"<part-name>", name, "</part-name>"});
+        page.line(3,
+                  {"<score-instrument id=\"", id_of(i), "-I1\"><instrument-name>", name, "</instrument-name></score-instrument>"});
+        page.line(2, {"</score-part>"});
     }
     page.line(1, {"</part-list>"});
 }

@@ -11,8 +11,8 @@
 namespace orlo::exporting {
 namespace {
 
-constexpr double SHORT  = 0.55; // of what is written: less is staccato
-constexpr double FULL   = 0.98; // more is tenuto
+constexpr double SHORT  = 0.55;  // of what is written: less is staccato
+constexpr double FULL   = 0.985; // more is tenuto
 constexpr Units  SOFT   = QUARTER / 4;
 constexpr double MOSTLY = 0.5; // of the chords of a part: what more of them have need not be marked
 
