@@ -55,6 +55,7 @@ struct Gathering {
     Place                               last_value;           // on the line, of a list or a generator, and its type
     std::size_t                         last_value_end   = 0; // its column; 0: there is none
     std::int32_t                        last_value_input = 0;
+    bool                                fused            = false; // the last literal is a further member of a chord
     Source                              source;
     bool                                new_source = true; // the next value begins a run
     std::size_t                         set        = 0;

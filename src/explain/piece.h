@@ -161,12 +161,31 @@ struct Loop {
     bool          open  = true;
 };
 
-/// A p3 that may be a code or a duration, by the first value of its kind.
+/// A p3 that may be a code or a duration; one that comes without being written again is that of the same number.
 struct Coded {
     float         value;
-    float         seconds; // what it makes of its event
+    float         least;    // seconds that it makes of its events
+    float         greatest; // seconds
     Place         place;
+    bool          written; // as a value, where the place is
     std::uint64_t count = 1;
+};
+
+/// The values of a section that are written one after the other; a chord counts once, by its first member.
+struct List {
+    static constexpr std::size_t TOLD_APART = 3;
+
+    std::uint64_t count    = 0;
+    std::size_t   distinct = 0; // TOLD_APART: so many or more
+    float         values[TOLD_APART];
+    float         last    = 0.0F;
+    bool          rises   = true; // no value is below the one before it
+    bool          falls   = true;
+    bool          twice   = false; // the last two are the same
+    bool          chord   = false; // the last one is a chord
+    bool          unmixed = true;  // nothing else has made values before the block was filled
+    Place         begin;           // the first value
+    Place         end;             // the last value, or the last member of its chord
 };
 
 struct Input {
@@ -200,6 +219,12 @@ struct Section {
     std::uint64_t      backward  = 0;    // intervals below 0
     Place              backward_place;   // of the first of them
     std::vector<Coded> coded;            // by value, MOST_CODED of them
+    List               list;
+    std::int32_t       full   = NONE;    // the warning that there are more values than events
+    std::uint64_t      levels = 0;       // amplitudes that are written in decibels and have none
+    Place              level;            // what made the first of them
+    float              sounds   = 0.0F;  // the least value that is no rest
+    bool               sounding = false; // there is one
 
     // of each value, when values are wanted
     std::vector<float>         read;
@@ -266,10 +291,12 @@ struct Block {
     std::optional<Events> notes;
 
     // what hints ask for
+    std::int32_t        incomplete  = NONE;  // the error that sections are missing
     bool                tempo_moves = false; // the tempo map has more than one tempo
     float               settles     = 0.0F;  // beat from which on it has one
     double              by_map      = 0.0;   // seconds of its start by the whole map
     float               reach       = 0.0F;  // beat at which the last interval ends
+    float               last_start  = 0.0F;  // beat at which it begins
     double              reach_time  = 0.0;   // the same in seconds, without deviations
     bool                steady      = true;  // its beats only go on, one interval after the other
     std::vector<Moment> moments;             // of its events where the tempo moves, without deviations

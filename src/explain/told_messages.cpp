@@ -49,6 +49,17 @@ Place end_of_line(const char *line)
     return place;
 }
 
+// what hints ask for: which section is full, which block lacks sections
+void note_place_of(Severity severity, int number)
+{
+    const auto index   = static_cast<std::int32_t>(now.piece->diagnostics.size()) - 1;
+    const bool is_full = number == W_EVENTS_NOT_ADDED || number == W_DDF_TRUNCATED || number == W_REPEAT_TRUNCATED;
+    if (severity == Severity::warning && is_full && now.in_section)
+        section().full = index;
+    if (severity == Severity::error && number == SKIPPED_PFIELDS && now.in_block && !now.in_section)
+        block().incomplete = index;
+}
+
 } // namespace
 
 namespace told {
@@ -60,6 +71,7 @@ void message_begins(Severity severity, int number)
     diagnostic.number      = number;
     diagnostic.place       = usual_place(severity);
     diagnostic.recovered   = now.recovering;
+    note_place_of(severity, number);
 }
 
 void message_text(const char *text, std::size_t length) { now.piece->diagnostics.back().text.append(text, length); }

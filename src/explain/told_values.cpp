@@ -2,6 +2,7 @@
 
 #include "explain/told.h"
 
+#include "base/codes.h"
 #include "base/random.h"
 #include "events/block.h"
 #include "explain/gathering.h"
@@ -84,7 +85,8 @@ void place_event(float beats, float tempo, float beat, float start)
         return;
     if (open.tempo_moves)
         open.moments.push_back({beat, open.reach_time});
-    open.reach = beat + beats;
+    open.last_start = beat;
+    open.reach      = beat + beats;
     open.reach_time += 60.0 / static_cast<double>(tempo) * static_cast<double>(beats);
 }
 
@@ -95,12 +97,62 @@ void count_code(float value, float duration)
     constexpr float LAST  = 1400.0F;
     if (value < FIRST || value > LAST)
         return;
-    std::vector<Coded> &coded = section().coded;
+    std::vector<Coded> &coded   = section().coded;
+    const bool          written = now.source.kind == Kind::literal;
     const auto known = std::find_if(coded.begin(), coded.end(), [value](const Coded &each) { return each.value == value; });
-    if (known != coded.end())
-        ++known->count;
-    else if (coded.size() < MOST_CODED)
-        coded.push_back({value, duration, place_of_value()});
+    if (known == coded.end() || written) {
+        if (coded.size() < MOST_CODED)
+            coded.push_back({value, duration, duration, place_of_value(), written});
+        return;
+    }
+    known->least    = std::min(known->least, duration);
+    known->greatest = std::max(known->greatest, duration);
+    ++known->count;
+}
+
+// the next value of a list, not the further members of a chord
+void count_item(List &list, float value)
+{
+    list.begin = list.count == 0 ? now.last_value : list.begin;
+    list.rises = list.rises && (list.count == 0 || value >= list.last);
+    list.falls = list.falls && (list.count == 0 || value <= list.last);
+    list.twice = list.count > 0 && value == list.last && !list.chord;
+    list.chord = false;
+    list.last  = value;
+    ++list.count;
+    float *end = list.values + list.distinct;
+    if (list.distinct < List::TOLD_APART && std::find(+list.values, end, value) == end)
+        list.values[list.distinct++] = value;
+}
+
+void count_in_list(float value)
+{
+    List &list = section().list;
+    if (section().filled)
+        return;
+    if (now.source.kind != Kind::literal) {
+        list.unmixed = false;
+        return;
+    }
+    if (now.fused) {
+        list.chord = true;
+        list.twice = false;
+    } else {
+        count_item(list, value);
+    }
+    list.end = now.last_value;
+}
+
+// of p4 and up
+void count_sounding(float value, float result)
+{
+    Section &stored = section();
+    if (stored.output == TYPE_DB && !(result > 0.0F) && stored.levels++ == 0)
+        stored.level = place_of_value();
+    if (IN_TYPE == TYPE_NO && value < 0.0F) // a rest
+        return;
+    stored.sounds   = stored.sounding ? std::min(stored.sounds, result) : result;
+    stored.sounding = true;
 }
 
 void count_value(double result)
@@ -177,6 +229,7 @@ void add_value(float value, float deviated, float result)
         section().commands[now.source.command].last_value = value;
     if (wants_values())
         keep_value(section(), value, deviated, result);
+    count_in_list(value);
     count_value(static_cast<double>(result));
     now.drawn = draws_made();
 }
@@ -200,6 +253,7 @@ void loop_mark(bool opens, std::size_t column)
 void literal(std::size_t begin, std::size_t end)
 {
     join_value(begin, end);
+    now.fused = IS_FUSED != 0;
     if (now.source.kind != Kind::literal)
         now.new_source = true;
     now.source.kind = Kind::literal;
@@ -287,6 +341,7 @@ void stored(Goes goes, float value, float deviated, float result)
             now.ring.store_beside(static_cast<std::uint32_t>(index));
         }
     }
+    count_sounding(value, result);
     add_value(value, deviated, result);
 }
 

@@ -48,6 +48,30 @@ std::string_view text_before(const Finder &finder, const Place &place)
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
 }
 
+std::string without_comments(std::string_view text)
+{
+    std::string plain{text};
+    unsigned    depth = 0;                       // of comments that nest
+    for (std::size_t i = 0; i < plain.size();) { // each round moves on
+        const std::string_view pair = text.substr(i, 2);
+        std::size_t            gone = 0;
+        if (depth == 0 && text[i] == ';')
+            gone = std::min(text.find('\n', i), text.size()) - i;
+        else if (pair == "/*" || (depth > 0 && pair == "*/"))
+            gone = 2;
+        else if (depth > 0)
+            gone = 1;
+        if (gone == 2 && pair == "/*")
+            ++depth;
+        else if (gone == 2 && pair == "*/")
+            --depth;
+        for (std::size_t end = i + gone; i < end; ++i)
+            plain[i] = plain[i] == '\n' ? '\n' : ' ';
+        i += gone == 0 ? 1 : 0;
+    }
+    return plain;
+}
+
 Place outermost(const Finder &finder, Place place)
 {
     while (place.call != NONE) // a call stands in a text that was there before it
@@ -71,6 +95,12 @@ std::string name_of(const Finder &finder, const Block &block)
 }
 
 std::string name_of_command(const Command &command) { return name_of_code(command.code); }
+
+std::string name_of(const Section &section)
+{
+    std::string name{"p"};
+    return name += std::to_string(section.pfield);
+}
 
 std::string short_number(double number, int digits)
 {

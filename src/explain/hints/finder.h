@@ -30,6 +30,9 @@ void add(Finder &finder, Hint hint);
 [[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
 [[nodiscard]] std::string_view text_before(const Finder &finder, const Place &place);
 
+/// A text in which blanks stand for comments, so that everything else keeps its place. The text begins outside comments.
+[[nodiscard]] std::string without_comments(std::string_view text);
+
 /// Whether a place is written in the piece itself, or in an included file, and came through no call.
 [[nodiscard]] inline bool is_plain(const Place &place) { return place.file != NONE && place.call == NONE; }
 
@@ -45,6 +48,9 @@ void add(Finder &finder, Hint hint);
 
 /// A generator as it is written.
 [[nodiscard]] std::string name_of_command(const Command &command);
+
+/// A section as it is called in a sentence: "p5".
+[[nodiscard]] std::string name_of(const Section &section);
 
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);

@@ -14,6 +14,7 @@ void find_hints(Piece &piece, bool midi)
     look_at_starts(finder);
     look_at_intervals(finder);
     look_at_sections(finder);
+    look_at_lists(finder);
     look_at_values(finder);
     look_at_spans(finder);
     look_at_midi(finder);

@@ -1,7 +1,195 @@
+// What is left over in a section is read by nobody, so it is looked at only as a text, without its comments. It ends where the next
+// section begins, or with its block.
+
 #include "explain/hints/hints.h"
 
-namespace orlo::explain {
+#include "diag/messages.h"
 
-void look_at_sections(Finder &finder) { static_cast<void>(finder); }
+#include <algorithm>
+
+namespace orlo::explain {
+namespace {
+
+constexpr std::size_t MOST_QUOTED = 20;    // characters of a word
+constexpr std::size_t MOST_NAMED  = 6;     // p-fields in a sentence
+constexpr double      THOUSANDTH  = 0.001; // beats
+constexpr double      LEAST_STEP  = 0.02;  // beats; shorter intervals may well end there
+
+bool begins_value(char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' || c == '-' || c == '+' ||
+           c == '$' || c == '~' || c == '<';
+}
+
+// what is left of a section, from the outermost text on in which reading stopped
+struct Rest {
+    Place       place; // of its first word
+    std::string text;  // without comments
+};
+
+// where the text of a section ends: with its line in a block that ends with an error
+Place end_of_section(const Finder &finder, const Block &block, std::size_t index, const Place &stopped)
+{
+    if (index + 1 < block.sections.size())
+        return before(outermost(finder, block.sections[index + 1].place));
+    if (block.closed)
+        return behind(outermost(finder, block.place));
+    const std::uint64_t end = stopped.end + text_behind(finder, stopped).size();
+    return {stopped.file, end, end, NONE};
+}
+
+Rest rest_of(const Finder &finder, const Block &block, std::size_t index, const Diagnostic &full)
+{
+    const Place stopped = outermost(finder, full.place);
+    const Place end     = end_of_section(finder, block, index, stopped);
+    Rest        rest{stopped, {}};
+    if (end.file != stopped.file || end.end <= stopped.begin)
+        return rest;
+    rest.place.end = end.end;
+    rest.text      = without_comments(text_at(finder, rest.place));
+    if (index + 1 == block.sections.size() && rest.text.ends_with('}'))
+        rest.text.pop_back();
+    const auto first = std::find_if(rest.text.begin(), rest.text.end(), begins_value);
+    rest.place.begin += static_cast<std::uint64_t>(first - rest.text.begin());
+    rest.text.erase(rest.text.begin(), first);
+    rest.place.end = rest.place.begin + std::min(rest.text.find_first_of(" \t\r\n,/'><"), rest.text.size());
+    if (rest.text.starts_with('<'))
+        rest.place.end = rest.place.begin + 1;
+    return rest;
+}
+
+std::string quoted(const Finder &finder, const Place &place)
+{
+    return '"' + std::string{text_at(finder, place).substr(0, MOST_QUOTED)} + '"';
+}
+
+std::string why_full(const Block &block, const Section &section)
+{
+    const std::string counts = counted(section.count, section.pfield == 2 ? "interval" : "event");
+    if (section.pfield > 2)
+        return "the block has " + counts + ", and by then each of them has its value";
+    if (block.events > 0)
+        return "the block has " + counted(block.events, "event") + " by its length";
+    return "the block is " + short_number(static_cast<double>(block.beats)) + " beats long, and " + counts + " have used them up";
+}
+
+bool has_open_loop(const Section &section) { return !section.loops.empty() && section.loops.back().open; }
+
+void look_at_rest(Finder &finder, const Block &block, std::size_t index)
+{
+    const Section    &section = block.sections[index];
+    const Diagnostic &full    = finder.piece.diagnostics[static_cast<std::size_t>(section.full)];
+    if (!full.placed || full.place.file == NONE)
+        return;
+    const Rest rest = rest_of(finder, block, index, full);
+    if (rest.text.empty() && full.number != W_EVENTS_NOT_ADDED)
+        return;
+    const std::string why = why_full(block, section);
+    if (has_open_loop(section) && rest.text.find('>') != std::string::npos) {
+        add(finder, {HintKind::unreached_loop,
+                     "the loop of " + name_of(section) + " is longer than the block, and never comes round",
+                     why + ": nothing is read from " + quoted(finder, rest.place) + " on",
+                     section.loops.back().place,
+                     index_of(finder, block),
+                     {}});
+    } else if (const std::size_t loop = rest.text.find('<'); loop != std::string::npos) {
+        const std::uint64_t at = rest.place.begin + loop;
+        add(finder, {HintKind::unreached_loop,
+                     "the loop of " + name_of(section) + " is never reached",
+                     why + ": nothing is read from " + quoted(finder, rest.place) + " on",
+                     {rest.place.file, at, at + 1, NONE},
+                     index_of(finder, block),
+                     {}});
+    } else {
+        add(finder, {HintKind::left_over,
+                     "nothing is read from " + quoted(finder, rest.place) + " on in " + name_of(section),
+                     why,
+                     rest.place,
+                     index_of(finder, block),
+                     {}});
+    }
+}
+
+// "p2, p3 and p4"
+std::string listed(const std::vector<std::int32_t> &pfields)
+{
+    std::string text;
+    for (std::size_t i = 0; i < pfields.size(); ++i) {
+        const bool last = i + 1 == pfields.size();
+        if (i >= MOST_NAMED && !last)
+            continue;
+        if (i > MOST_NAMED)
+            text += " ...";
+        if (i > 0)
+            text += last ? " and " : ", ";
+        text += 'p';
+        text += std::to_string(pfields[i]);
+    }
+    return text;
+}
+
+void look_for_missing(Finder &finder, const Block &block)
+{
+    const Diagnostic         &error = finder.piece.diagnostics[static_cast<std::size_t>(block.incomplete)];
+    std::vector<std::int32_t> there;
+    for (const Section &section : block.sections)
+        there.push_back(section.pfield);
+    std::sort(there.begin(), there.end());
+    std::vector<std::int32_t> missing;
+    for (std::int32_t pfield = 2; pfield <= block.pfields; ++pfield)
+        if (!std::binary_search(there.begin(), there.end(), pfield))
+            missing.push_back(pfield);
+    if (missing.empty())
+        return;
+    const bool        last_ones = there.size() >= 2 && there.back() < missing.front();
+    std::vector<Edit> edits;
+    if (last_ones && is_plain(block.header.pfields))
+        edits.push_back({block.header.pfields, std::to_string(there.back())});
+    const std::string found = there.empty() ? "none" : listed(there);
+    add(finder,
+        {HintKind::missing_pfields, name_of(finder, block) + " has no section for " + listed(missing),
+         "its header says that it has " + std::to_string(block.pfields) + " p-fields, p1 counted; what it has is " + found,
+         block.header.pfields.file != NONE ? block.header.pfields : error.place, index_of(finder, block), std::move(edits)});
+}
+
+bool has_generators(const Section &section)
+{
+    return std::any_of(section.commands.begin(), section.commands.end(),
+                       [](const Command &command) { return command.span.has_value(); });
+}
+
+void look_at_end(Finder &finder, const Block &block)
+{
+    const Section &starts = block.sections.front();
+    const double   end    = static_cast<double>(block.start) + static_cast<double>(block.beats);
+    const double   left   = end - static_cast<double>(block.last_start);
+    if (block.beats <= 0.0F || !block.steady || starts.count < 2 || left > THOUSANDTH ||
+        static_cast<double>(block.reach - block.last_start) < LEAST_STEP)
+        return;
+    std::vector<Edit> edits;
+    if (is_plain(block.header.length) && !has_generators(starts))
+        edits.push_back({block.header.length, short_number(1.0 - static_cast<double>(starts.count))});
+    add(finder, {HintKind::event_at_end, name_of(finder, block) + " has an event at its very end, at beat " + short_number(end),
+                 counted(starts.count - 1, "interval") + " do not fill its " + short_number(static_cast<double>(block.beats)) +
+                     " beats exactly: " + short_number(left, 7) + " of a beat is left, and one more event begins there",
+                 block.header.length, index_of(finder, block), std::move(edits)});
+}
+
+} // namespace
+
+void look_at_sections(Finder &finder)
+{
+    for (const Block &block : finder.piece.blocks) {
+        if (block.incomplete != NONE)
+            look_for_missing(finder, block);
+        if (block.skipped || block.recovered || block.sections.empty() || block.sections.front().no_numbers > 0)
+            continue;
+        for (std::size_t i = 0; i < block.sections.size(); ++i)
+            if (block.sections[i].full != NONE)
+                look_at_rest(finder, block, i);
+        if (block.closed)
+            look_at_end(finder, block);
+    }
+}
 
 } // namespace orlo::explain
