@@ -1,11 +1,25 @@
 #include "explain/gathering.h"
 
 #include "base/codes.h"
+#include "base/random.h"
 #include "input/line_reader.h"
 
 namespace orlo::explain {
 
 Gathering now;
+
+namespace {
+
+// the draws of a sequence that was started in the section
+void count_draws(Sequence &sequence)
+{
+    if (sequence.block != now.block || sequence.pfield != section().pfield)
+        return;
+    sequence.in_section = draws_made();
+    sequence.values     = section().count;
+}
+
+} // namespace
 
 bool wants_values() { return now.detail == Detail::events && !now.recovering; }
 
@@ -90,10 +104,19 @@ void join_value(std::size_t begin, std::size_t end)
     now.last_value       = now.piece->source.place_of(begin, end);
 }
 
+void count_cut(std::size_t end)
+{
+    std::size_t        length = 0;
+    const std::int32_t call   = now.piece->source.divided_call(end, length);
+    if (call != NONE && now.piece->cuts.size() < MOST_CUTS)
+        now.piece->cuts.push_back({call, length, now.in_block ? now.block : NONE});
+}
+
 void end_section()
 {
     if (!now.in_section)
         return;
+    count_draws(now.piece->sequences.back());
     reach_last_literal();
     if (loop_is_open() && section().loops.back().count == 0)
         close_loop(section().loops.back(), true);

@@ -112,6 +112,9 @@ void reach_last_literal();
 /// A value stands in the text, in the section's input type; the text before it may be another value.
 void join_value(std::size_t begin, std::size_t end);
 
+/// A number ends at a column of the line, which may lie within the text of a constant.
+void count_cut(std::size_t end);
+
 /// Type in which values of the open section are written; NONE outside sections.
 [[nodiscard]] std::int32_t input_in_force();
 

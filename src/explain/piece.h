@@ -15,6 +15,8 @@ namespace orlo::explain {
 inline constexpr std::size_t MOST_DISTINCT = 10000; // values that are told apart in a section
 inline constexpr std::size_t MOST_CODED    = 16;    // codes of p3 that are kept of a section
 inline constexpr std::size_t MOST_JOINED   = 1000;  // pairs of values without a blank between them that are kept of a piece
+inline constexpr std::size_t MOST_SHARPS   = 1000;  // "#" among notes that are kept of a piece
+inline constexpr std::size_t MOST_CUTS     = 1000;  // numbers that end within a constant's text that are kept of a piece
 
 struct Related {
     std::string text;
@@ -29,6 +31,8 @@ struct Diagnostic {
     bool                 placed    = false; // its place was told, not guessed
     bool                 recovered = false;
     std::vector<Related> related;
+    std::int32_t         block = NONE; // that is open where it is said
+    std::int32_t         input = NONE; // type in which values are written there; NONE outside sections
 };
 
 struct Macro {
@@ -58,6 +62,14 @@ struct Conditional {
 struct Sequence {
     std::int64_t seed;
     Place        place;
+
+    // what hints ask for
+    std::int32_t  block      = NONE;  // where it is started
+    std::int32_t  pfield     = NONE;  // NONE outside sections
+    bool          first      = false; // before any value of its section
+    std::uint64_t draws      = 0;     // before the next one is started
+    std::uint64_t in_section = 0;     // the same up to the end of its section
+    std::uint64_t values     = 0;     // of its section
 };
 
 struct TempoChange {
@@ -317,6 +329,19 @@ struct Joined {
     std::int32_t input_of_first;
 };
 
+/// A "#" among notes.
+struct Sharp {
+    Place        place;
+    std::int32_t block;
+};
+
+/// The text of a constant or an equation of which a whole number has taken a part.
+struct Cut {
+    std::int32_t call;
+    std::size_t  length; // of the part
+    std::int32_t block;
+};
+
 struct Piece {
     SourceMap                source;
     std::vector<Diagnostic>  diagnostics;
@@ -329,6 +354,8 @@ struct Piece {
     std::vector<Block>       blocks;
     std::vector<ScorePart>   score;
     std::vector<Joined>      joined;
+    std::vector<Sharp>       sharps;
+    std::vector<Cut>         cuts;
     std::vector<Hint>        hints;
 };
 

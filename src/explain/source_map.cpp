@@ -210,6 +210,17 @@ const TextMap *SourceMap::argument(std::string_view name) const
     return nullptr;
 }
 
+std::int32_t SourceMap::divided_call(std::size_t column, std::size_t &length) const
+{
+    if (column == 0 || column >= line().length)
+        return NONE;
+    const Stretch &stretch = stretch_at(line(), column);
+    if (!stretch.anew || stretch.column == column)
+        return NONE;
+    length = column - stretch.column;
+    return stretch.call;
+}
+
 Place SourceMap::at(const TextMap &text, std::size_t column) const
 {
     if (text.stretches.empty())

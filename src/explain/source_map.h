@@ -112,6 +112,9 @@ class SourceMap {
     [[nodiscard]] Place place_on_top(std::size_t begin, std::size_t end) const { return place_in(texts.back().map, begin, end); }
     [[nodiscard]] bool  in_call() const { return texts.size() > 1; }
 
+    /// The call whose number a column of the line divides in two, and how long the first part is; NONE where it divides none.
+    [[nodiscard]] std::int32_t divided_call(std::size_t column, std::size_t &length) const;
+
     /// The smallest text that holds both: both are lifted to the innermost call or file that they share.
     [[nodiscard]] Place join(Place first, Place last) const;
 

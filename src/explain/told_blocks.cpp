@@ -71,6 +71,7 @@ void block_begins(std::size_t column)
 void header_number(HeaderPart part, std::size_t begin, std::size_t end)
 {
     HeaderPlaces &header = block().header;
+    count_cut(end);
     switch (part) {
     case HeaderPart::pfields:
         header.pfields = here(begin, end);
@@ -140,6 +141,7 @@ void section_begins(std::int32_t pfield, std::size_t begin, std::size_t end)
         now.ring.clear();
     else
         now.ring.begin_section(static_cast<std::size_t>(pfield));
+    count_cut(end);
 }
 
 void output_type(std::int32_t code, std::size_t begin, std::size_t end)

@@ -3,6 +3,7 @@
 #include "explain/told.h"
 
 #include "base/codes.h"
+#include "base/random.h"
 #include "events/tempo_map.h"
 #include "explain/gathering.h"
 
@@ -100,6 +101,23 @@ void add_tempo_change(const Command &command)
 // whether a number is written in the section's input type
 bool is_value(Part part) { return part == Part::low || part == Part::high || part == Part::value || part == Part::start; }
 
+// a directive has no place in a section
+void count_sharp(std::size_t column)
+{
+    if (input_in_force() == TYPE_NO && now.piece->sharps.size() < MOST_SHARPS)
+        now.piece->sharps.push_back({now.piece->source.place_of(column, column + 1), now.block});
+}
+
+void begin_sequence(const Command &command)
+{
+    Sequence begun{static_cast<std::int64_t>(command.numbers.front()), command.place};
+    begun.block  = now.in_block ? now.block : NONE;
+    begun.pfield = now.in_section ? section().pfield : NONE;
+    begun.first  = now.in_section && section().count == 0;
+    now.piece->sequences.push_back(begun);
+    now.drawn = 0;
+}
+
 // lists that were begun for a value that did not come
 void drop_empty_lists(Command &command)
 {
@@ -114,8 +132,10 @@ namespace told {
 
 void command_begins(std::int32_t code, std::size_t column)
 {
-    if (code == CMD_DIRECT || code == CMD_DIRECTIVE || code == CMD_CONSTANT)
+    if (code == CMD_DIRECT || code == CMD_DIRECTIVE || code == CMD_CONSTANT) {
+        count_sharp(column);
         return;
+    }
     Command &begun = commands().emplace_back();
     begun.code     = code;
     begun.place    = in_section_here(column, column + 2);
@@ -135,8 +155,12 @@ void number_read(Part part, double value, std::size_t begin, std::size_t end)
     }
     const Place place = in_section_here(begin, end);
     command.place     = now.piece->source.join(command.place, place);
+    count_cut(end);
     switch (part) {
     case Part::seed:
+        now.piece->sequences.back().draws = draws_made(); // the new one is started after this
+        command.numbers.push_back(value);
+        return;
     case Part::deviation:
     case Part::rate:
     case Part::factor:
@@ -175,10 +199,8 @@ void command_read(std::size_t end)
     now.in_command = false;
     if (command.code == CMD_TE && !command.numbers.empty())
         add_tempo_change(command);
-    if (command.code == CMD_RS) {
-        now.piece->sequences.push_back({static_cast<std::int64_t>(command.numbers.front()), command.place});
-        now.drawn = 0;
-    }
+    if (command.code == CMD_RS)
+        begin_sequence(command);
     now.new_source = true;
     if (!command.span) // no generator
         return;

@@ -72,6 +72,8 @@ void message_begins(Severity severity, int number)
     diagnostic.place       = usual_place(severity);
     diagnostic.recovered   = now.recovering;
     note_place_of(severity, number);
+    diagnostic.block = now.in_block ? now.block : NONE;
+    diagnostic.input = input_in_force();
 }
 
 void message_text(const char *text, std::size_t length) { now.piece->diagnostics.back().text.append(text, length); }
@@ -100,6 +102,7 @@ void message_place(const char *line, std::size_t column)
     if (diagnostic.placed)
         return;
     diagnostic.placed = true;
+    count_cut(column);
     if (now.failed_call.file != NONE) {
         diagnostic.place = now.failed_call;
         return;

@@ -254,6 +254,7 @@ void literal(std::size_t begin, std::size_t end)
 {
     join_value(begin, end);
     now.fused = IS_FUSED != 0;
+    count_cut(end);
     if (now.source.kind != Kind::literal)
         now.new_source = true;
     now.source.kind = Kind::literal;
@@ -267,6 +268,7 @@ void repeat(std::size_t begin, std::size_t end)
 {
     repeat_from(Kind::repeat);
     now.source.place = in_section_here(begin, end);
+    count_cut(end);
 }
 
 void fill(bool by_loop)

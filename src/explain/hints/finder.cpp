@@ -72,6 +72,12 @@ std::string without_comments(std::string_view text)
     return plain;
 }
 
+char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte)
+{
+    const File &of = finder.piece.source.files()[static_cast<std::size_t>(file)];
+    return byte < of.skipped || byte - of.skipped >= of.text.size() ? '\n' : of.text[static_cast<std::size_t>(byte - of.skipped)];
+}
+
 Place outermost(const Finder &finder, Place place)
 {
     while (place.call != NONE) // a call stands in a text that was there before it

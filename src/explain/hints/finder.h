@@ -33,6 +33,9 @@ void add(Finder &finder, Hint hint);
 /// A text in which blanks stand for comments, so that everything else keeps its place. The text begins outside comments.
 [[nodiscard]] std::string without_comments(std::string_view text);
 
+/// The character at a byte of a file; a line end outside its text.
+[[nodiscard]] char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte);
+
 /// Whether a place is written in the piece itself, or in an included file, and came through no call.
 [[nodiscard]] inline bool is_plain(const Place &place) { return place.file != NONE && place.call == NONE; }
 
