@@ -3,12 +3,15 @@
 #include "base/visible_text.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace orlo::explain {
 namespace {
 
 constexpr std::size_t WIDTH      = 78;  // columns of what is wrapped
 constexpr std::size_t MOST_SHOWN = 200; // bytes of a line of the piece that are shown
+constexpr std::size_t MOST_GONE  = 60;  // bytes of what goes that are shown
+constexpr std::size_t MOST_FIXES = 5;   // of a hint that are shown
 constexpr char        MARGIN[]   = "    ";
 
 bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
@@ -82,10 +85,12 @@ void put_hint(std::string &text, Piece &piece, const Hint &hint)
         put_source(text, piece.source, hint.place);
     put_words(text, "why: ", as_sentence(hint.reason));
     const char *label = "fix: ";
-    for (const Edit &edit : hint.edits) {
-        put_words(text, label, fix_text(piece.source, edit));
+    for (std::size_t i = 0; i < std::min(hint.edits.size(), MOST_FIXES); ++i) {
+        put_words(text, label, fix_text(piece.source, hint.edits[i]));
         label = "     ";
     }
+    if (hint.edits.size() > MOST_FIXES)
+        put_words(text, label, "and so on, " + std::to_string(hint.edits.size()) + " in all");
     text += "\n";
 }
 
@@ -96,6 +101,37 @@ void put_quoted(std::string &text, std::string_view words)
     text += '"';
 }
 
+bool is_hidden(char c)
+{
+    return c != '\n' && c != '\t' && (static_cast<unsigned char>(c) < ' ' || static_cast<unsigned char>(c) > '~');
+}
+
+void put_bytes(std::string &text, std::string_view bytes)
+{
+    text += bytes.size() == 1 ? "the byte" : "the bytes";
+    for (const char byte : bytes) {
+        char number[8];
+        std::snprintf(number, sizeof number, " %02X", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+        text += number;
+    }
+}
+
+// what goes; single characters that can't be seen by their numbers
+void put_gone(std::string &text, std::string_view gone)
+{
+    constexpr std::size_t MOST_BYTES = 4;
+    if (gone.size() <= MOST_BYTES && std::all_of(gone.begin(), gone.end(), is_hidden)) {
+        put_bytes(text, gone);
+        return;
+    }
+    while (!gone.empty() && (gone.back() == '\n' || gone.back() == '\r' || gone.back() == ' '))
+        gone.remove_suffix(1);
+    std::string shown{gone.substr(0, MOST_GONE)};
+    if (shown.size() < gone.size())
+        shown += "...";
+    put_quoted(text, shown);
+}
+
 } // namespace
 
 std::string fix_text(const SourceMap &source, const Edit &edit)
@@ -104,11 +140,11 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
     const std::string_view whole{file.text};
     const std::string_view gone = whole.substr(edit.place.begin - file.skipped, edit.place.end - edit.place.begin);
     std::string            text;
-    if (edit.text == "\n" && gone.empty())
+    if (edit.text == "\n" && (gone.empty() || gone == "\r"))
         return "begin a new line here";
     if (edit.text.empty()) {
         text += "take out ";
-        put_quoted(text, gone);
+        put_gone(text, gone);
         return text;
     }
     text += gone.empty() ? "put in " : "write ";
@@ -116,7 +152,7 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
     if (gone.empty())
         return text;
     text += " in place of ";
-    put_quoted(text, gone);
+    put_gone(text, gone);
     return text;
 }
 

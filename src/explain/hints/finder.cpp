@@ -1,5 +1,7 @@
 #include "explain/hints/finder.h"
 
+#include "input/line_reader.h"
+
 #include "explain/words.h"
 
 #include <algorithm>
@@ -89,6 +91,23 @@ Place before(const Place &place) { return {place.file, place.begin, place.begin,
 
 Place behind(const Place &place) { return {place.file, place.end, place.end, place.call}; }
 
+std::vector<Edit> take_out(const Finder &finder, const Place &place)
+{
+    const std::string_view rest     = text_behind(finder, place);
+    const std::string_view earlier  = text_before(finder, place);
+    const auto             is_empty = [](std::string_view text) { return std::all_of(text.begin(), text.end(), is_blank); };
+    Place                  gone     = place;
+    if (is_empty(rest) && is_empty(earlier)) {
+        gone.begin -= earlier.size();
+        gone.end += rest.size() + (char_at(finder, gone.file, gone.end + rest.size()) == '\n' ? 1 : 0);
+        const File &file = file_of(finder, gone);
+        gone.end         = std::min<std::uint64_t>(gone.end, file.skipped + file.text.size());
+    } else if (!rest.empty() && is_blank(rest.front())) {
+        ++gone.end;
+    }
+    return {{gone, {}}};
+}
+
 std::int32_t index_of(const Finder &finder, const Block &block)
 {
     return static_cast<std::int32_t>(&block - finder.piece.blocks.data());
@@ -119,6 +138,14 @@ std::string short_number(double number, int digits)
             shown.pop_back();
     }
     return shown == "-0" ? "0" : shown;
+}
+
+std::string quoted(std::string_view text)
+{
+    std::string result(1, '"');
+    result += text;
+    result += '"';
+    return result;
 }
 
 std::string counted(std::uint64_t count, std::string_view what)

@@ -61,8 +61,14 @@ void add(Finder &finder, Hint hint);
 /// A number with at most so many digits after the point, without zeros at their end.
 [[nodiscard]] std::string short_number(double number, int digits = 3);
 
+/// A text in quotation marks.
+[[nodiscard]] std::string quoted(std::string_view text);
+
 /// "1 event", "2 events".
 [[nodiscard]] std::string counted(std::uint64_t count, std::string_view what);
+
+/// Takes a text out, with its line where nothing else stands there.
+[[nodiscard]] std::vector<Edit> take_out(const Finder &finder, const Place &place);
 
 /// Whether a block's values are all known: it was read to its end as in a run.
 [[nodiscard]] inline bool is_whole(const Block &block) { return block.closed && !block.skipped && !block.recovered; }

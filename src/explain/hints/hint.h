@@ -46,9 +46,9 @@ enum class HintKind {
     hidden_macro,
     text_after_block,
     include_elsewhere,
-    tab,
     byte_order_mark,
     no_utf8,
+    carriage_returns,
 };
 
 struct HintRow {
@@ -65,7 +65,7 @@ inline constexpr HintRow hint_rows[] = {
     {HintKind::negative_interval, "negative-interval", "an interval below 0 in a block of beats"},
     {HintKind::backward_starts, "backward-starts", "a deviation that turns intervals into rests"},
     {HintKind::code_as_duration, "code-as-duration", "a code of p3 that looks like a duration"},
-    {HintKind::flat_by_b, "flat-by-b", "a flat that is written with b"},
+    {HintKind::flat_by_b, "flat-by-b", "a flat that is written with b or es"},
     {HintKind::sharp_by_hash, "sharp-by-hash", "a sharp that is written with #"},
     {HintKind::range_letter, "range-letter", "a note that is read as the letter of a distribution"},
     {HintKind::curve_letter, "curve-letter", "a note that is read as the letter of a curve"},
@@ -89,9 +89,9 @@ inline constexpr HintRow hint_rows[] = {
     {HintKind::hidden_macro, "hidden-macro", "a parameter with the name of a macro"},
     {HintKind::text_after_block, "text-after-block", "text behind a block, on its last line"},
     {HintKind::include_elsewhere, "include-elsewhere", "a file that would be found from another folder"},
-    {HintKind::tab, "tab", "a tab where a blank has to stand"},
     {HintKind::byte_order_mark, "byte-order-mark", "bytes before the text that editors hide"},
     {HintKind::no_utf8, "no-utf8", "text in another encoding than UTF-8"},
+    {HintKind::carriage_returns, "carriage-returns", "line ends that end no line"},
 };
 
 static_assert([] {

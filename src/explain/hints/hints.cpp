@@ -10,7 +10,10 @@ void find_hints(Piece &piece, bool midi)
     Finder finder{piece, midi, {}};
     look_at_text(finder);
     look_at_definitions(finder);
+    look_at_decimals(finder);
+    look_at_seeds(finder);
     look_at_letters(finder);
+    look_at_sharps(finder);
     look_at_starts(finder);
     look_at_intervals(finder);
     look_at_sections(finder);

@@ -17,7 +17,10 @@ void look_at_values(Finder &finder);      ///< single values: rhythms, codes, wh
 void look_at_sections(Finder &finder);    ///< sections: what is left over, what is missing
 void look_at_lists(Finder &finder);       ///< lists and loops, and what comes when they have ended
 void look_at_midi(Finder &finder);        ///< MIDI files
-void look_at_definitions(Finder &finder); ///< macros, constants, seeds
+void look_at_sharps(Finder &finder);      ///< sharps in another spelling
+void look_at_definitions(Finder &finder); ///< names of macros and constants
+void look_at_decimals(Finder &finder);    ///< values of constants as they are written
+void look_at_seeds(Finder &finder);       ///< sequences of chance
 void look_at_text(Finder &finder);        ///< files as they are written
 
 /// Leaves out what a comment "; orlo: quiet NAME ..." has silenced: in a block or just before it, for the block; before the first
