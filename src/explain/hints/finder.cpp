@@ -19,6 +19,12 @@ void add(Finder &finder, Hint hint)
         finder.found.push_back(std::move(hint));
 }
 
+bool has_hint(const Finder &finder, HintKind kind, const Block &block)
+{
+    return std::any_of(finder.found.begin(), finder.found.end(),
+                       [kind, at = index_of(finder, block)](const Hint &hint) { return hint.kind == kind && hint.block == at; });
+}
+
 const File &file_of(const Finder &finder, const Place &place)
 {
     return finder.piece.source.files()[static_cast<std::size_t>(place.file)];

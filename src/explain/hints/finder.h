@@ -20,6 +20,9 @@ struct Finder {
 /// Adds a hint; one about the same text as another of its kind, which came through another call, is left out.
 void add(Finder &finder, Hint hint);
 
+/// Whether a block has a hint of a kind by now.
+[[nodiscard]] bool has_hint(const Finder &finder, HintKind kind, const Block &block);
+
 /// The text of a file, and how many bytes stand before it in the file.
 [[nodiscard]] const File &file_of(const Finder &finder, const Place &place);
 

@@ -16,6 +16,7 @@ void find_hints(Piece &piece, bool midi)
     look_at_sharps(finder);
     look_at_starts(finder);
     look_at_intervals(finder);
+    look_at_rhythms(finder); // before what comes of them
     look_at_sections(finder);
     look_at_lists(finder);
     look_at_values(finder);

@@ -13,7 +13,8 @@ void look_at_starts(Finder &finder);      ///< where blocks start
 void look_at_intervals(Finder &finder);   ///< p2
 void look_at_spans(Finder &finder);       ///< generators: how far they reach
 void look_at_letters(Finder &finder);     ///< notes and letters
-void look_at_values(Finder &finder);      ///< single values: rhythms, codes, what is no number
+void look_at_rhythms(Finder &finder);     ///< rhythms
+void look_at_values(Finder &finder);      ///< single values: codes, what is no number
 void look_at_sections(Finder &finder);    ///< sections: what is left over, what is missing
 void look_at_lists(Finder &finder);       ///< lists and loops, and what comes when they have ended
 void look_at_midi(Finder &finder);        ///< MIDI files

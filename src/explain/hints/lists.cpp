@@ -1,6 +1,6 @@
 // A list that has ended goes on with its last value, which is often meant, and a loop comes round. What shows that a list was meant
-// to come round is that its last value is written twice, which would be of no use, or that it goes up and down, with three different
-// values or beside a loop of as many.
+// to come round is that its last value is written twice, which would be of no use, or that it goes up and down, with three
+// different values or beside a loop of as many.
 
 #include "explain/hints/hints.h"
 
@@ -34,14 +34,15 @@ void look_behind_loop(Finder &finder, const Block &block, const Section &section
     const std::uint64_t round = section.count - section.written;
     if (tail == 0 || loop.count == 0 || round < loop.count)
         return;
+    const bool        repeats = text_behind(finder, loop.place).starts_with('x');
     std::vector<Edit> edits;
-    if (tail == loop.count && is_plain(loop.place) && is_plain(section.place) && section.place.file == loop.place.file)
+    if (tail == loop.count && !repeats && is_plain(loop.place) && is_plain(section.place) && section.place.file == loop.place.file)
         edits = {{{loop.place.file, loop.place.end - 1, loop.place.end, NONE}, ""}, {behind(section.place), ">"}};
-    add(finder,
-        {HintKind::values_after_loop, "what stands behind the loop of " + name_of(section) + " comes only once",
-         "the loop has " + counted(loop.count, "value") + ", and " + std::to_string(tail) + (tail == 1 ? " comes" : " come") +
-             " once behind it; then the loop alone goes on for " + counted(round, "event"),
-         loop.place, index_of(finder, block), std::move(edits)});
+    add(finder, {HintKind::values_after_loop, "what stands behind the loop of " + name_of(section) + " comes only once",
+                 "the loop has " + counted(loop.count, "value") + ", and " + std::to_string(tail) +
+                     (tail == 1 ? " comes" : " come") + " once behind it" + (repeats ? ", where its last value is repeated" : "") +
+                     "; then the loop alone goes on for " + counted(round, "event"),
+                 loop.place, index_of(finder, block), std::move(edits)});
 }
 
 // whether a place can stand in a loop as it is written: all of a call whose text begins no section and has no mark of its own

@@ -22,7 +22,7 @@ bool begins_value(char c)
 }
 
 // what is left of a section, from the outermost text on in which reading stopped
-struct Rest {
+struct Remainder {
     Place       place; // of its first word
     std::string text;  // without comments
 };
@@ -38,24 +38,24 @@ Place end_of_section(const Finder &finder, const Block &block, std::size_t index
     return {stopped.file, end, end, NONE};
 }
 
-Rest rest_of(const Finder &finder, const Block &block, std::size_t index, const Diagnostic &full)
+Remainder remainder_of(const Finder &finder, const Block &block, std::size_t index, const Diagnostic &full)
 {
     const Place stopped = outermost(finder, full.place);
     const Place end     = end_of_section(finder, block, index, stopped);
-    Rest        rest{stopped, {}};
+    Remainder   remainder{stopped, {}};
     if (end.file != stopped.file || end.end <= stopped.begin)
-        return rest;
-    rest.place.end = end.end;
-    rest.text      = without_comments(text_at(finder, rest.place));
-    if (index + 1 == block.sections.size() && rest.text.ends_with('}'))
-        rest.text.pop_back();
-    const auto first = std::find_if(rest.text.begin(), rest.text.end(), begins_value);
-    rest.place.begin += static_cast<std::uint64_t>(first - rest.text.begin());
-    rest.text.erase(rest.text.begin(), first);
-    rest.place.end = rest.place.begin + std::min(rest.text.find_first_of(" \t\r\n,/'><"), rest.text.size());
-    if (rest.text.starts_with('<'))
-        rest.place.end = rest.place.begin + 1;
-    return rest;
+        return remainder;
+    remainder.place.end = end.end;
+    remainder.text      = without_comments(text_at(finder, remainder.place));
+    if (index + 1 == block.sections.size() && remainder.text.ends_with('}'))
+        remainder.text.pop_back();
+    const auto first = std::find_if(remainder.text.begin(), remainder.text.end(), begins_value);
+    remainder.place.begin += static_cast<std::uint64_t>(first - remainder.text.begin());
+    remainder.text.erase(remainder.text.begin(), first);
+    remainder.place.end = remainder.place.begin + std::min(remainder.text.find_first_of(" \t\r\n,/'><"), remainder.text.size());
+    if (remainder.text.starts_with('<'))
+        remainder.place.end = remainder.place.begin + 1;
+    return remainder;
 }
 
 std::string quoted(const Finder &finder, const Place &place)
@@ -75,39 +75,56 @@ std::string why_full(const Block &block, const Section &section)
 
 bool has_open_loop(const Section &section) { return !section.loops.empty() && section.loops.back().open; }
 
-void look_at_rest(Finder &finder, const Block &block, std::size_t index)
+void add_unreached(Finder &finder, const Block &block, const Section &section, const Remainder &remainder, const Place &loop)
+{
+    add(finder, {HintKind::unreached_loop,
+                 "the loop of " + name_of(section) + " is never reached",
+                 why_full(block, section) + ": nothing is read from " + quoted(finder, remainder.place) + " on",
+                 loop,
+                 index_of(finder, block),
+                 {}});
+}
+
+void look_at_remainder(Finder &finder, const Block &block, std::size_t index)
 {
     const Section    &section = block.sections[index];
     const Diagnostic &full    = finder.piece.diagnostics[static_cast<std::size_t>(section.full)];
     if (!full.placed || full.place.file == NONE)
         return;
-    const Rest rest = rest_of(finder, block, index, full);
-    if (rest.text.empty() && full.number != W_EVENTS_NOT_ADDED)
+    const Remainder remainder = remainder_of(finder, block, index, full);
+    if (remainder.text.empty() && full.number != W_EVENTS_NOT_ADDED)
         return;
     const std::string why = why_full(block, section);
-    if (has_open_loop(section) && rest.text.find('>') != std::string::npos) {
+    if (has_open_loop(section) && section.loops.back().first < section.count && remainder.text.find('>') != std::string::npos) {
         add(finder, {HintKind::unreached_loop,
                      "the loop of " + name_of(section) + " is longer than the block, and never comes round",
-                     why + ": nothing is read from " + quoted(finder, rest.place) + " on",
+                     why + ": nothing is read from " + quoted(finder, remainder.place) + " on",
                      section.loops.back().place,
                      index_of(finder, block),
                      {}});
-    } else if (const std::size_t loop = rest.text.find('<'); loop != std::string::npos) {
-        const std::uint64_t at = rest.place.begin + loop;
-        add(finder, {HintKind::unreached_loop,
-                     "the loop of " + name_of(section) + " is never reached",
-                     why + ": nothing is read from " + quoted(finder, rest.place) + " on",
-                     {rest.place.file, at, at + 1, NONE},
-                     index_of(finder, block),
-                     {}});
+    } else if (has_open_loop(section) && section.loops.back().first == section.count) {
+        add_unreached(finder, block, section, remainder, section.loops.back().place);
+    } else if (const std::size_t loop = remainder.text.find('<'); loop != std::string::npos) {
+        const std::uint64_t at = remainder.place.begin + loop;
+        add_unreached(finder, block, section, remainder, {remainder.place.file, at, at + 1, NONE});
     } else {
         add(finder, {HintKind::left_over,
-                     "nothing is read from " + quoted(finder, rest.place) + " on in " + name_of(section),
+                     "nothing is read from " + quoted(finder, remainder.place) + " on in " + name_of(section),
                      why,
-                     rest.place,
+                     remainder.place,
                      index_of(finder, block),
                      {}});
     }
+}
+
+void look_for_remainders(Finder &finder, const Block &block)
+{
+    const auto is_full = [](const Section &section) { return section.full != NONE; };
+    if (std::none_of(block.sections.begin(), block.sections.end(), is_full) || has_hint(finder, HintKind::no_rhythm, block))
+        return; // there are other events than are meant
+    for (std::size_t i = 0; i < block.sections.size(); ++i)
+        if (is_full(block.sections[i]))
+            look_at_remainder(finder, block, i);
 }
 
 // "p2, p3 and p4"
@@ -184,9 +201,7 @@ void look_at_sections(Finder &finder)
             look_for_missing(finder, block);
         if (block.skipped || block.recovered || block.sections.empty() || block.sections.front().no_numbers > 0)
             continue;
-        for (std::size_t i = 0; i < block.sections.size(); ++i)
-            if (block.sections[i].full != NONE)
-                look_at_rest(finder, block, i);
+        look_for_remainders(finder, block);
         if (block.closed)
             look_at_end(finder, block);
     }
