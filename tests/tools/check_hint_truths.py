@@ -85,7 +85,7 @@ class Checker:
         if now.count(here) >= before.count(here):
             yield "the hint is still there"
         new = collections.Counter(name for name, _ in now) - collections.Counter(name for name, _ in before)
-        if new:
+        if new and facts.document.status == 0:  # behind an error hints were not looked for
             yield f"it brings {dict(new)}"
         worse = collections.Counter(kind_of(each) for each in after.document.diagnostics if each["severity"] != "note") \
             - collections.Counter(kind_of(each) for each in facts.document.diagnostics)

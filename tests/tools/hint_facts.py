@@ -13,15 +13,17 @@ class Untrue(Exception):
 
 
 def form(template):
-    """A pattern of a template's sentence: "{x}" stands for any text, the same text where it comes again."""
+    """A pattern of a template's sentence: "{x}" stands for any text, the same text where it comes again; it may begin small."""
     known, parts = set(), []
+    initial = template[0] if template[0].isalpha() else ""
+    template = template[len(initial):]
     for place, part in enumerate(re.split(r"\{(\w+)\}", template)):
         if place % 2 == 0:
             parts.append(re.escape(part))
         else:
             parts.append(f"(?P={part})" if part in known else f"(?P<{part}>.+?)")
             known.add(part)
-    return re.compile("".join(parts), re.S)
+    return re.compile((f"(?i:{initial})" if initial else "") + "".join(parts), re.S)
 
 
 def differs(what, told, real, digits=3):
@@ -60,12 +62,12 @@ class Hint:
         raise Untrue(f"not known: {self.text!r}, {self.reason!r}")
 
     def section(self):
-        """The section that the place belongs to: by the block's sections in which it stands, through calls, too."""
+        """The section that the place belongs to: the last one of the block that begins before it."""
         root = self.facts.root(self.fields["range"])
-        inside = [each for each in self.block.sections if self.facts.covers(self.facts.root(each.fields["range"]), root)]
-        if not inside:
+        begun = [each for each in self.block.sections if self.facts.begin(each) <= (root.file, root.line, root.byte)]
+        if not begun:
             raise Untrue(f"{self.name} stands in no section")
-        return inside[-1]
+        return max(begun, key=self.facts.begin)
 
     def __str__(self):
         return f"{self.name} ({self.words!r}): {self.text}. {self.reason}"
@@ -81,6 +83,10 @@ class Facts:
 
     def root(self, index):
         return self.document.root(index)
+
+    def begin(self, section):
+        root = self.root(section.fields["range"])
+        return root.file, root.line, root.byte
 
     @staticmethod
     def covers(outer, place):
@@ -103,11 +109,14 @@ class Facts:
     def tempo_at(self, block, beat):
         return TempoMap(changes_before(self.document, block)).at(beat)
 
-    def seconds_by_map(self, block, beat, steps=20000):
-        """When a beat comes by all tempos before it: the integral of the tempo map."""
-        tempos = TempoMap(changes_before(self.document, block))
-        width = beat / steps
-        return sum(60 / tempos.at((step + .5) * width) for step in range(steps)) * width
+    def seconds_by_map(self, block, beat, steps=4000):
+        """When a beat comes by all tempos before it: the integral of the tempo map, from one change to the next."""
+        tempos, seconds = TempoMap(changes_before(self.document, block)), 0
+        edges = sorted({0, beat, *(edge for segment in tempos.segments for edge in segment[:2] if 0 < edge < beat)})
+        for low, high in zip(edges, edges[1:]):
+            width = (high - low) / steps
+            seconds += sum(60 / tempos.at(low + (step + .5) * width) for step in range(steps)) * width
+        return seconds
 
     def errors(self):
         """Texts of errors and warnings."""
@@ -129,12 +138,15 @@ def timeline(block):
 
 
 def seconds_of_beat(block, beat):
-    """When a block has a beat, by its intervals; None where it has none."""
+    """When a block has a beat, by its intervals, and how far deviation has moved that; None where it has none."""
     beats, seconds = timeline(block)
-    for place in range(len(beats) - 1):
+    section = block.by_pfield[2]
+    for place in range(section.count):
         if beats[place] <= beat <= beats[place + 1] and beats[place] < beats[place + 1]:
             share = (beat - beats[place]) / (beats[place + 1] - beats[place])
-            return seconds[place] + share * (seconds[place + 1] - seconds[place])
+            length = seconds[place + 1] - seconds[place]
+            moved = abs(length - abs(section.read[place]) * 60 / section.tempo[place]) * share
+            return seconds[place] + share * length, moved if section.run_of(place).deviation else 0
     return None
 
 
@@ -143,7 +155,7 @@ def command_at(section, hint):
     for command in section.fields["commands"]:
         if "span" not in command:
             continue
-        if hint.fields["range"] == command["range"] or hint.facts.document.ranges[command["range"]][:3] == hint.place[:3]:
+        if any(hint.facts.document.ranges[command[key]][:3] == hint.place[:3] for key in ("range", "span_range") if key in command):
             return command
     raise Untrue(f"{hint.name} stands at no generator")
 

@@ -9,7 +9,7 @@ from explain_texts import DISTRIBUTIONS, bare
 from hint_facts import Untrue, command_at, differs, is_not, made_by
 
 NOTE = r"[a-gA-G][sfn]*\d*"
-OTHERS = ("", ", and so is another", ", and so are {others} others")
+OTHERS = (", and so are {others} others", ", and so is another", "")
 
 
 def others_told(told):
@@ -281,6 +281,7 @@ def no_number_mended(facts, hint, after):
 
 FULL = [(f"The block has {{events}} event{s}, and by then each of them has its value", "") for s in ("s", "")] \
     + [("The block has 1 event, and by then it has its value", "")] \
+    + [(f"The block has {{events}} event{s} by its length", "") for s in ("s", "")] \
     + [(f"The block is {{beats}} beat{s} long, and {{count}} interval{t} {have} used them up", "")
        for s in ("s", "") for t in ("s", "") for have in ("have", "has")] \
     + [(f"The block is {{beats}} beat{s} long, and {{count}} interval{t} {have} used it up", "")
@@ -312,11 +313,12 @@ def left_over(facts, hint):
 
 
 def nothing_read(facts, hint, place):
-    """What stands there can be anything, without the letter p: the score is the same."""
-    if place.call != -1:
+    """What stands there can be another number, and anything behind it but the letter p: the score is the same."""
+    words = facts.source.words(place)
+    if place.call != -1 or re.search("[$~]", words):
         return
-    begin = place._replace(end_line=place.line, end_byte=place.byte)
-    after = facts.other_text(begin, "%% ")
+    other = re.sub(r"\d", "9", words)
+    after = facts.other_text(place, other + " %% ")
     if after.document.score() != facts.document.score() or after.document.status != facts.document.status:
         yield "what stands there is read"
 
@@ -336,23 +338,26 @@ def unreached_loop(facts, hint):
         yield "the loop is reached"
     if hint.place.call != -1:
         return
-    place = after_place(facts, hint.place, told["words"], section)
+    place = after_values(facts, hint.place, told["words"], section)
     if place is None:
         yield f"{told['words']!r} stands nowhere"
     else:
         yield from nothing_read(facts, hint, place)
 
 
-def after_place(facts, place, words, section):
-    """Where these words stand first, behind a place and behind the last value that was read."""
-    ends = [facts.document.ranges[run.fields["ranges"] + each] for run in section.runs if run.kind == "literal"
-            for each in range(run.count)]
-    at = max([(place.line, place.byte), *[(each.end_line, each.end_byte) for each in ends if each.file == place.file and each.call == -1]])
+def after_values(facts, place, words, section):
+    """Where these words stand first behind the last value that was read."""
+    ranges = facts.document.ranges
+    ends = [ranges[run.fields["ranges"] + each] for run in section.runs if run.kind == "literal" for each in range(run.count)]
+    ends += [ranges[run.fields["range"]] for run in section.runs if run.kind == "repeat"]
+    ends += [ranges[command["range"]] for command in section.fields["commands"] if command.get("count")]
+    begin = facts.root(section.fields["range"])
+    at = max([(begin.line, begin.byte), *[(each.end_line, each.end_byte) for each in ends if each.file == place.file and each.call == -1]])
     lines = facts.source.lines[place.file]
     for line in range(at[0], len(lines)):
-        found = lines[line].find(words.encode("latin-1"), at[1] if line == at[0] else 0)
-        if found >= 0:
-            return place._replace(line=line, byte=found, end_line=line, end_byte=found + len(words))
+        found = re.compile(rb"(?<![\w.])" + re.escape(words.encode("latin-1"))).search(lines[line], at[1] if line == at[0] else 0)
+        if found:
+            return place._replace(line=line, byte=found.start(), end_line=line, end_byte=found.end())
     return None
 
 
