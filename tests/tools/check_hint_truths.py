@@ -33,6 +33,12 @@ TRUTHS = hints_of_time.TRUTHS | hints_of_values.TRUTHS | hints_of_text.TRUTHS
 PLAIN = re.compile(r"(?:README|docs/tutorial|docs/manual|examples/README)\.md: |\w+\.(?:orlo|csd)(?: -m)?$")
 ERRORS = (Fault, Untrue, KeyError, IndexError, ValueError, TypeError, ArithmeticError)
 ABOUT = {}
+IN_PARTS = ("flat-by-b", "sharp-by-hash", "range-letter", "curve-letter", "no-rhythm", "left-over", "three-decimals",
+            "decimals-in-whole", "unused-macro", "unused-constant", "text-after-block", "same-seed", "code-as-duration", "cut-span",
+            "held-list", "hidden-macro", "values-after-loop", "open-loop")  # a block may have several, each of its own place
+AFTER = {  # hints that may come of a fix, and why
+    "flat-by-b": ("held-list", "the list is shorter by the notes that were none"),
+}
 
 
 class Tally:
@@ -80,23 +86,35 @@ class Checker:
 
     def check_fix(self, facts, hint, promise):
         after = self.run(mended(facts, hint))
-        before, now = ([(each.name, each.block and each.block.index) for each in part.hints] for part in (facts, after))
-        here = hint.name, hint.block and hint.block.index
-        if now.count(here) >= before.count(here):
+        before, now = ([(each.name, each.block and each.block.index, each.words) for each in part.hints] for part in (facts, after))
+        here = hint.name, hint.block and hint.block.index, hint.words
+        if now.count(here) >= before.count(here) or hint.name not in IN_PARTS and here[:2] in [each[:2] for each in now]:
             yield "the hint is still there"
-        new = collections.Counter(name for name, _ in now) - collections.Counter(name for name, _ in before)
-        if new and facts.document.status == 0:  # behind an error hints were not looked for
-            yield f"it brings {dict(new)}"
-        worse = collections.Counter(kind_of(each) for each in after.document.diagnostics if each["severity"] != "note") \
-            - collections.Counter(kind_of(each) for each in facts.document.diagnostics)
+        new = {name for name, _, _ in now} - {name for name, _, _ in before} - set(AFTER.get(hint.name, ("",))[0].split())
+        if new and facts.document.status == 0 and not begins_to_sound(hint, after):  # behind an error hints were not looked for
+            yield f"it brings {', '.join(sorted(new))}"
+        worse = severities(after, "error") - severities(facts, "error")
         if worse:
-            yield f"it brings {dict(worse)}"
+            yield f"it brings errors: {dict(worse)}"
+        worse = severities(after, "warning") - severities(facts, "warning")
+        if worse and facts.document.status == 0 and hint.name != "text-after-block" \
+                and severities(after, "warning").total() > severities(facts, "warning").total():
+            yield f"it brings warnings: {dict(worse)}"
         if promise:
             yield from promise(facts, hint, after)
 
 
-def kind_of(message):
-    return text(message["text"]).decode("latin-1")
+def severities(facts, severity):
+    """The messages of a severity, by their texts."""
+    return collections.Counter(text(each["text"]).decode("latin-1") for each in facts.document.diagnostics
+                               if each["severity"] == severity and not each.get("recovered"))
+
+
+def begins_to_sound(hint, after):
+    """A block that had no events has some now, and hints of them are new."""
+    if hint.block is None or hint.block.events is None:
+        return False
+    return hint.block.events.count == 0 < after.document.blocks[hint.block.index].events.count
 
 
 def attempt(check, *arguments):

@@ -45,7 +45,7 @@ def decimals_in_whole(_, hint):
 
 
 def decimals_in_whole_mended(facts, hint, after):
-    if after.document.score() == facts.document.score() and after.errors() == facts.errors():
+    if after.document.status == 0 and after.document.score() == facts.document.score() and after.errors() == facts.errors():
         yield "nothing has changed"
 
 
@@ -180,7 +180,9 @@ def text_after_block_mended(facts, hint, after):
         fields = part.document.fields
         return len(fields["blocks"]), len(fields["commands"]), len(fields["macros"]), len(fields["constants"]), part.document.score()
 
-    if read(after) == read(facts):
+    if hint.edits[0]["text"] == "" and after.document.score() != facts.document.score():
+        yield "the score is another"
+    if hint.edits[0]["text"] != "" and read(after) == read(facts):
         yield "it is still not read"
 
 
@@ -209,15 +211,14 @@ def byte_order_mark(facts, hint):
 def no_utf8(facts, hint):
     told = hint.told(*[(f"{{count}} byte{s} of the file {are} no UTF-8", "The first is {byte}, which is {letter} in Latin-1")
                        for s, are in (("s", "are"), ("", "is"))],
-                     *[(f"{{count}} byte{s} of the file {are} no UTF-8", "The first is {byte}, which is {letter} in Windows-1252")
-                       for s, are in (("s", "are"), ("", "is"))])
+                     *[(f"{{count}} byte{s} of the file {are} no UTF-8", "The first is {byte}") for s, are in (("s", "are"), ("", "is"))])
     name = text(facts.document.fields["files"][hint.place.file]["name"]).decode()
     data = facts.piece.files[name]
     wrong = [ord(each) - 0xdc00 for each in data.decode("utf-8", "surrogateescape") if 0xdc80 <= ord(each) <= 0xdcff]
     yield from is_not("how many", int(told["count"]), len(wrong))
     yield from is_not("the first", told["byte"], f"{wrong[0]:02X}")
-    letter = bytes([wrong[0]]).decode("cp1252" if "1252" in hint.reason else "latin-1")
-    yield from is_not("its letter", told["letter"].encode("latin-1").decode("utf-8"), letter)
+    if told.get("letter"):
+        yield from is_not("its letter", told["letter"].encode("latin-1").decode("utf-8"), chr(wrong[0]))
     line = facts.source.lines[hint.place.file][hint.place.line]
     yield from is_not("the place", line[hint.place.byte], wrong[0])
 

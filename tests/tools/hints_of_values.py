@@ -52,8 +52,12 @@ def same_pitch(facts, words, value):
 
 def flat_by_b(facts, hint):
     reason = "Notes need no blank between them, and a flat is written with f: {flat}"
-    told = hint.told(*with_others('"{words}" is read as two notes, {first} and {second}', reason))
+    told = hint.told(*with_others('"{words}" is read as two notes, {first} and {second}', reason),
+                     ('"{words}" is read as the input type {kind}', "The type {kind} stands before decibels, and a flat is written with f: {flat}"))
     words = told["words"]
+    if told.get("kind"):
+        yield from read_as_type(facts, hint, told)
+        return
     yield from is_not("the place", hint.words, words)
     if not re.fullmatch(r"[a-gA-G][bB]\d*", words):
         yield f"{words!r} is no flat by b"
@@ -71,6 +75,14 @@ def flat_by_b(facts, hint):
         yield from is_not("how many", count_of(hint, told), len(hint.edits))
 
 
+def read_as_type(facts, hint, told):
+    yield from is_not("the type", told["kind"], told["words"].lower())
+    yield from is_not("the flat", told["flat"], told["words"][0] + "f")
+    if not any(facts.document.ranges[each["range"]] == hint.place and each["name"] == told["kind"]
+               for each in hint.section().fields["inputs"]):
+        yield "no input type stands there"
+
+
 def flat_by_b_mended(facts, hint, after):
     yield from is_written(facts, hint, after, hint.words[0] + "f" + hint.words[2:])
 
@@ -85,16 +97,20 @@ def is_written(facts, hint, after, words, skipped=0):
     value = literal_at(after, section, (hint.place.file, hint.place.line, hint.place.byte + skipped))
     if value is not None and not same_pitch(after, words, section.read[value]):
         yield f"{words} is {section.read[value]}"
-    if value is None and not block.has("failed") and not section.fields["commands"] and hint.place.call == -1:
+    if value is None and after.document.status == 0 and not section.fields["commands"] and hint.place.call == -1:
         yield f"{words} is no value"
+
+
+SHARP = r"#?([a-gA-G])#?(\d*)#?"
 
 
 def sharp_by_hash(facts, hint):
     reason = "A sharp is written with s, and # is passed over: {sharp}"
-    told = hint.told(*with_others('"{words}" is no note', reason), *with_others('"{words}" is read as the note {read}', reason))
+    told = hint.told(*with_others('"{words}" is no note', "A sharp is written with s, and # is no part of a note: {sharp}"),
+                     *with_others('"{words}" is no note', reason), *with_others('"{words}" is read as the note {read}', reason))
     words = told["words"]
     yield from is_not("the place", hint.words, words)
-    note = re.fullmatch(r"#?([a-gA-G])#?(\d*)#?", words)
+    note = re.fullmatch(SHARP, words)
     if not note or "#" not in words:
         yield f"{words!r} is no sharp by #"
         return
@@ -110,7 +126,7 @@ def sharp_by_hash(facts, hint):
 
 
 def sharp_by_hash_mended(facts, hint, after):
-    note = re.fullmatch(r"#?([a-gA-G])#?(\d*)#?", hint.words)
+    note = re.fullmatch(SHARP, hint.words)
     yield from is_written(facts, hint, after, note[1] + "s" + note[2])
 
 
@@ -182,6 +198,7 @@ TWO = '"{words}" is read as two rhythms, "{first}" and "{second}"'
 def no_rhythm(facts, hint):
     forms = [("0 is no rhythm", "Rhythms are whole numbers from 1 up; 4 beats divided by 0 make an interval without end"),
              ("0 is no rhythm", "Rhythms are whole numbers from 1 up; 4 beats divided by 0 make {no} value")]
+    forms.append(('"{words}" is read as two rhythms, the first of which is 0', forms[0][1]))
     for a, b in BEATS:
         forms += [(TWO, DOT + f"{{first}} is {a}, and {{second}} is {b}"),
                   (TWO, DOT + f"0 is none, and makes the interval infinite, and {{second}} is {b}"),
@@ -196,6 +213,10 @@ def no_rhythm(facts, hint):
         return
     words = told["words"]
     yield from is_not("the place", hint.words[:len(words)], words)
+    if told.get("first") is None:
+        if not re.match(r"0+\.", words):
+            yield f"{words} doesn't begin with 0"
+        return
     yield from is_not("the two", told["first"] + ("/" if "/" in words else "") + told["second"], words)
     for key, part in (("a", "first"), ("b", "second")):
         if told.get(key):
@@ -234,7 +255,8 @@ def no_rhythm_mended(facts, hint, after):
         wanted, skipped = literals.rhythm(words.split("/")[1]), 0
     value = literal_at(after, other, (hint.place.file, hint.place.line, hint.place.byte + skipped))
     if value is None:
-        yield "no value stands there"
+        if after.document.status == 0:
+            yield "no value stands there"
     elif "+" in words:
         if other.read[value] < wanted:
             yield f"the value is {other.read[value]}, not {wanted}"
@@ -355,7 +377,10 @@ def after_values(facts, place, words, section):
     at = max([(begin.line, begin.byte), *[(each.end_line, each.end_byte) for each in ends if each.file == place.file and each.call == -1]])
     lines = facts.source.lines[place.file]
     for line in range(at[0], len(lines)):
-        found = re.compile(rb"(?<![\w.])" + re.escape(words.encode("latin-1"))).search(lines[line], at[1] if line == at[0] else 0)
+        column = at[1] if line == at[0] else 0
+        near = re.match(rb"[\s,/<>':]*", lines[line][column:]).end() if line == at[0] else 0
+        found = re.compile((rb"" if near or line == at[0] and lines[line].startswith(words.encode("latin-1"), column)
+                            else rb"(?<![\w.])") + re.escape(words.encode("latin-1"))).search(lines[line], column)
         if found:
             return place._replace(line=line, byte=found.start(), end_line=line, end_byte=found.end())
     return None
