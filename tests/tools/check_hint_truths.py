@@ -94,7 +94,7 @@ class Checker:
         if new and facts.document.status == 0 and not begins_to_sound(hint, after):  # behind an error hints were not looked for
             yield f"it brings {', '.join(sorted(new))}"
         worse = severities(after, "error") - severities(facts, "error")
-        if worse:
+        if worse and facts.document.status == 0:  # behind one error may be another
             yield f"it brings errors: {dict(worse)}"
         worse = severities(after, "warning") - severities(facts, "warning")
         if worse and facts.document.status == 0 and hint.name != "text-after-block" \

@@ -97,8 +97,9 @@ class Facts:
         return self.source.words(self.document.ranges[index])
 
     def call_name(self, block):
-        """A block as it is called in a sentence; muted ones count."""
-        return f"block {block.index + 1} (i{block.fields['instrument']})"
+        """A block as it is called in a sentence: by its number, or by the one that it would have had."""
+        before = sum(each.has("number") for each in self.document.blocks[:block.index])
+        return f"block {block.fields.get('number', before + 1)} (i{block.fields['instrument']})"
 
     def block_called(self, name):
         found = [block for block in self.document.blocks if "instrument" in block.fields and self.call_name(block) == name.lower()]

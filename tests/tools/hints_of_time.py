@@ -142,8 +142,8 @@ def late_curve_mended(_, hint, after):
 
 
 def at_end_of_way(section, command):
-    """The last value of a motion lies in its last range."""
-    if command["name"] != "MO":
+    """The last value of a motion lies in its last range, if it has two."""
+    if command["name"] != "MO" or command["count"] < 2:
         return
     low, high = sorted(number32(command["sets"][0]["ranges"][1][key]) for key in ("low", "high"))
     last = made_by(section, command)[-1]

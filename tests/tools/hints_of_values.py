@@ -372,7 +372,7 @@ def after_values(facts, place, words, section):
     ranges = facts.document.ranges
     ends = [ranges[run.fields["ranges"] + each] for run in section.runs if run.kind == "literal" for each in range(run.count)]
     ends += [ranges[run.fields["range"]] for run in section.runs if run.kind == "repeat"]
-    ends += [ranges[command["range"]] for command in section.fields["commands"] if command.get("count")]
+    ends += [ranges[command["range"]] for command in section.fields["commands"]]
     begin = facts.root(section.fields["range"])
     at = max([(begin.line, begin.byte), *[(each.end_line, each.end_byte) for each in ends if each.file == place.file and each.call == -1]])
     lines = facts.source.lines[place.file]
