@@ -42,7 +42,7 @@ class Layers(unittest.TestCase):
         self.passes("output/midi_file.cpp", "output/midi_file.h", "events/block.h", "base/numerics.h")
         self.passes("view/main.cpp", "view/view.h", "base/numerics.h", "platform/ending_signals.h")
         self.passes("tables/main.cpp", "driver/options.h", "output/midi_numbers.h")
-        self.passes("explain/collector.cpp", "explain/collector.h", "driver/run.h", "words/keywords.h", "platform/whole_file.h")
+        self.passes("gather/collector.cpp", "gather/collector.h", "driver/run.h", "words/keywords.h", "platform/whole_file.h")
 
     def test_what_stands_above_may_not(self):
         floors = "base", "platform", "diag", "input", "events", "words", "ddf", "lang", "driver"

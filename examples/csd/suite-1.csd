@@ -40,6 +40,8 @@ endin
 ; Suite, first movement: Ground. The bass repeats four bars, the others vary above it.
 
 ; suite-common.inc: what the movements of the suite share. Each of them includes it first.
+; No movement needs all of them.
+; orlo: quiet unused-macro
 
 ; The switch: 1 plays every repeat and variation, 0 the short version.
 #const full 1

@@ -52,6 +52,8 @@ endin
 ; Suite, second movement: Jig. Two strains of four bars, A and B; the form says how they follow one another.
 
 ; suite-common.inc: what the movements of the suite share. Each of them includes it first.
+; No movement needs all of them.
+; orlo: quiet unused-macro
 
 ; The switch: 1 plays every repeat and variation, 0 the short version.
 #const full 1

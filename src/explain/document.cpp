@@ -6,7 +6,7 @@
 #include "base/curves.h"
 #include "explain/out.h"
 #include "explain/out_blocks.h"
-#include "explain/words.h"
+#include "gather/words.h"
 
 #include <algorithm>
 
@@ -40,7 +40,7 @@ void put_files(Out &out)
 void put_diagnostics(Out &out)
 {
     put_objects(out, "diagnostics", out.piece.diagnostics, [&out](const Diagnostic &diagnostic) {
-        put_text(out, "severity", name_of(diagnostic.severity));
+        put_text(out, "severity", name_of_severity(diagnostic.severity));
         if (diagnostic.number != 0)
             put(out, "number", diagnostic.number);
         put_text(out, "text", diagnostic.text);
@@ -55,9 +55,9 @@ void put_diagnostics(Out &out)
     });
 }
 
-void put_hints(Out &out)
+void put_hints(Out &out, const std::vector<Hint> &hints)
 {
-    put_objects(out, "hints", out.piece.hints, [&out](const Hint &hint) {
+    put_objects(out, "hints", hints, [&out](const Hint &hint) {
         put_text(out, "name", name_of(hint.kind));
         put_text(out, "text", hint.text);
         put_text(out, "reason", hint.reason);
@@ -194,7 +194,7 @@ void put_places(Out &out)
 
 } // namespace
 
-bool write_document(Piece &piece, const Heading &heading, std::FILE *file)
+bool write_document(Piece &piece, const std::vector<Hint> &hints, const Heading &heading, std::FILE *file)
 {
     Out out{JsonWriter{file}, piece, heading.events, {}};
     out.json.begin_object();
@@ -204,7 +204,7 @@ bool write_document(Piece &piece, const Heading &heading, std::FILE *file)
     put(out, "status", heading.status);
     put_files(out);
     put_diagnostics(out);
-    put_hints(out);
+    put_hints(out, hints);
     put_calls(out);
     put_definitions(out);
     put_commands(out, piece.commands);

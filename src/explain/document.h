@@ -1,10 +1,11 @@
 // document.h: a gathered piece as a JSON document. Its form is docs/explain.schema.json.
 #pragma once
 
-#include "explain/piece.h"
+#include "explain/hints/hint.h"
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace orlo::explain {
 
@@ -19,6 +20,6 @@ struct Heading {
 };
 
 /// Writes the document. @return false when it could not be written in full
-[[nodiscard]] bool write_document(Piece &piece, const Heading &heading, std::FILE *file);
+[[nodiscard]] bool write_document(Piece &piece, const std::vector<Hint> &hints, const Heading &heading, std::FILE *file);
 
 } // namespace orlo::explain

@@ -1,7 +1,7 @@
 #include "explain/gcc_messages.h"
 
 #include "explain/hints_text.h"
-#include "explain/words.h"
+#include "gather/words.h"
 
 #include <algorithm>
 
@@ -68,16 +68,16 @@ void put_chain(Out &out, Place place)
 
 } // namespace
 
-std::string gcc_messages(Piece &piece)
+std::string gcc_messages(Piece &piece, const std::vector<Hint> &hints)
 {
     Out out{piece, {}};
     for (const Diagnostic &diagnostic : piece.diagnostics) {
-        put_line(out, diagnostic.place, name_of(diagnostic.severity), diagnostic.text);
+        put_line(out, diagnostic.place, name_of_severity(diagnostic.severity), diagnostic.text);
         put_chain(out, diagnostic.place);
         for (const Related &related : diagnostic.related)
             put_line(out, related.place, "note", related.text);
     }
-    for (const Hint &hint : piece.hints) {
+    for (const Hint &hint : hints) {
         put_line(out, hint.place, "warning", hint.text + " [" + std::string{name_of(hint.kind)} + "]");
         put_chain(out, hint.place);
         put_line(out, hint.place, "note", hint.reason);

@@ -156,15 +156,15 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
     return text;
 }
 
-std::string hints_text(Piece &piece, const Heading &heading)
+std::string hints_text(Piece &piece, const std::vector<Hint> &hints, const Heading &heading)
 {
     std::string text;
-    for (const Hint &hint : piece.hints)
+    for (const Hint &hint : hints)
         put_hint(text, piece, hint);
-    if (piece.hints.empty())
+    if (hints.empty())
         text += "No hints.\n";
     else
-        text += "Each is a chapter of the manual; \"; orlo: quiet " + std::string{name_of(piece.hints.front().kind)} +
+        text += "Each is a chapter of the manual; \"; orlo: quiet " + std::string{name_of(hints.front().kind)} +
                 "\" in a block silences it there.\n";
     if (heading.status != 0)
         text += "The piece ends with an error: orlo-explain --format=gcc shows it.\n";

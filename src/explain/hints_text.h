@@ -2,14 +2,16 @@
 #pragma once
 
 #include "explain/document.h"
-#include "explain/piece.h"
+#include "explain/gathered.h"
+#include "explain/hints/hint.h"
 
 #include <string>
+#include <vector>
 
 namespace orlo::explain {
 
 /// All hints of a piece with their lines, reasons and fixes; a sentence where there are none.
-[[nodiscard]] std::string hints_text(Piece &piece, const Heading &heading);
+[[nodiscard]] std::string hints_text(Piece &piece, const std::vector<Hint> &hints, const Heading &heading);
 
 /// What is to be done for an edit: 'write "bf4" in place of "bb4"'. In one line.
 [[nodiscard]] std::string fix_text(const SourceMap &source, const Edit &edit);

@@ -2,7 +2,7 @@
 
 #include "explain/options.h"
 
-#include "explain/say.h"
+#include "platform/say.h"
 
 #include <string_view>
 

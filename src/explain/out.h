@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/json.h"
-#include "explain/piece.h"
+#include "explain/gathered.h"
 
 #include <string_view>
 #include <vector>

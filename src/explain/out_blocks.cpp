@@ -1,7 +1,7 @@
 #include "explain/out_blocks.h"
 
 #include "base/curves.h"
-#include "explain/words.h"
+#include "gather/words.h"
 
 #include <algorithm>
 

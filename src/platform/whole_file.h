@@ -23,6 +23,17 @@ struct WholeFile {
 /// @return what went wrong; empty when nothing did
 [[nodiscard]] std::string close_whole(WholeFile &file, bool complete);
 
+/// A file that goes when it is left before it was closed as complete.
+struct WholeOutput {
+    WholeFile   file;
+    std::string fault; // of opening it; empty when it is open
+
+    explicit WholeOutput(const std::string &name) : fault(open_whole(file, name)) {}
+    WholeOutput(const WholeOutput &)            = delete;
+    WholeOutput &operator=(const WholeOutput &) = delete;
+    ~WholeOutput() { static_cast<void>(close_whole(file, false)); }
+};
+
 /// Removes what is not complete, if there is anything; to be called where the program ends in the middle.
 void remove_unfinished();
 

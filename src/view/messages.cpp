@@ -1,6 +1,7 @@
 #include "view/messages.h"
 
 #include "base/visible_text.h"
+#include "platform/say.h"
 #include "platform/terminal.h"
 
 #include <cstdio>
@@ -8,19 +9,19 @@
 namespace orlo::view {
 namespace {
 
-void say(const std::string &text) { std::fwrite(text.data(), 1, text.size(), stderr); }
+void put(const std::string &text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
 // a caret after nothing but blanks; it stands at a byte of the line before it
 bool is_caret(std::string_view line) { return line.ends_with('^') && line.find_first_not_of(" \t") == line.size() - 1; }
 
 } // namespace
 
-void tell(const std::string &line) { say((is_terminal(stderr) ? visible_text(line) : line) + "\n"); }
+void tell(const std::string &line) { say(line); }
 
 void pass_on(std::string_view messages)
 {
     if (!is_terminal(stderr))
-        return say(std::string{messages});
+        return put(std::string{messages});
     std::string      shown;
     std::string_view before;
     while (!messages.empty()) { // each round takes a line
@@ -31,7 +32,7 @@ void pass_on(std::string_view messages)
         messages.remove_prefix(end == std::string_view::npos ? messages.size() : end + 1);
         before = line;
     }
-    say(shown);
+    put(shown);
 }
 
 } // namespace orlo::view

@@ -10,10 +10,10 @@
 #include "platform/standard_streams.h"
 #include "platform/terminal.h"
 #include "score/build_score.h"
+#include "score/files.h"
 #include "score/midi_reader.h"
 #include "score/pitch.h"
 #include "score/score_reader.h"
-#include "view/files.h"
 #include "view/messages.h"
 #include "view/options.h"
 #include "view/pictures.h"
@@ -66,6 +66,19 @@ bool get_from_orlo(const Options &options, const Limits &limits, std::string &by
     return complain(shown_name(options) + ": " + fault);
 }
 
+Input input_of(Kind kind)
+{
+    switch (kind) {
+    case Kind::midi:
+        return Input::midi;
+    case Kind::orlo:
+        return Input::orlo;
+    case Kind::score:
+        break;
+    }
+    return Input::score;
+}
+
 // the file's bytes and what kind of file they are; an input of orlo becomes a score
 bool get_bytes(const Options &options, const Limits &limits, std::string &bytes, Input &kind)
 {
@@ -76,7 +89,7 @@ bool get_bytes(const Options &options, const Limits &limits, std::string &bytes,
     if (!fault.empty())
         return complain("can't read " + shown_name(options) + ": " + fault);
     if (kind == Input::guess)
-        kind = kind_of(options.in, bytes);
+        kind = input_of(kind_of(options.in, bytes));
     if (kind == Input::midi && !is_midi(bytes))
         return complain(shown_name(options) + " is no MIDI file");
     if (kind != Input::orlo)

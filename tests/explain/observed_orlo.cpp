@@ -6,7 +6,7 @@
 
 #include "base/observer.h"
 #include "driver/run.h"
-#include "explain/collector.h"
+#include "gather/collector.h"
 #include "platform/memory_limit.h"
 
 #include <cstddef>
@@ -16,7 +16,7 @@
 
 namespace {
 
-using orlo::explain::Detail;
+using orlo::gather::Detail;
 
 template <class... Told> using Function = void (*)(Told...);
 
@@ -39,12 +39,12 @@ int run(const std::vector<const char *> &arguments) { return orlo::run(static_ca
 
 int run_gathered(const std::vector<const char *> &arguments, Detail detail)
 {
-    orlo::explain::Piece piece;
-    orlo::explain::start_collecting(piece, detail);
-    orlo::observer   = &orlo::explain::collecting_observer(detail);
+    orlo::gather::Piece piece;
+    orlo::gather::start_collecting(piece, detail);
+    orlo::observer   = &orlo::gather::collecting_observer(detail);
     const int status = run(arguments);
     orlo::observer   = nullptr;
-    return orlo::explain::end_collecting() ? status : NOT_ENOUGH_MEMORY;
+    return orlo::gather::end_collecting() ? status : NOT_ENOUGH_MEMORY;
 }
 
 } // namespace

@@ -816,14 +816,24 @@ def place_of(document, index):
     return b"%s:%d:%d: " % (text(document.fields["files"][place.file]["name"]), place.line + 1, place.byte + 1)
 
 
+def shown_gone(gone):
+    """What an edit takes away: as much of it as is shown, characters that can't be seen by their numbers."""
+    if len(gone) <= 4 and not any(32 <= byte < 127 or byte in b"\n\t" for byte in gone):
+        return (b"the byte " if len(gone) == 1 else b"the bytes ") + b" ".join(b"%02X" % byte for byte in gone)
+    gone = gone.rstrip(b"\n\r ")
+    return b'"%s"' % in_one_line(gone if len(gone) <= 60 else gone[:60] + b"...")
+
+
 def fix_of(edit, document, source):
     """An edit in words."""
     gone, new = source.text(document.ranges[edit["range"]]), text(edit["text"])
+    if new == b"\n" and gone in (b"", b"\r"):
+        return b"note: begin a new line here"
     if not gone:
-        return b"note: " + (b"begin a new line here" if new == b"\n" else b'put in "%s"' % in_one_line(new))
+        return b'note: put in "%s"' % in_one_line(new)
     if not new:
-        return b'note: take out "%s"' % in_one_line(gone)
-    return b'note: write "%s" in place of "%s"' % (in_one_line(new), in_one_line(gone))
+        return b"note: take out " + shown_gone(gone)
+    return b'note: write "%s" in place of ' % in_one_line(new) + shown_gone(gone)
 
 
 def make_check(schema, screen):

@@ -11,7 +11,9 @@ MAY["driver"] |= {"output"}
 MAY["tables"] = MAY["driver"] | {"tables"}  # shows what all others hold
 MAY["score"] = {"base", "platform", "score"}  # knows files, not the program that writes them
 MAY["view"] = MAY["score"] | {"view"}
-MAY["explain"] = MAY["driver"] | {"explain"}  # watches a run
+MAY["gather"] = MAY["driver"] | {"gather"}  # watches a run
+MAY["explain"] = MAY["gather"] | {"explain"}
+MAY["export"] = MAY["gather"] | MAY["score"] | {"export"}
 
 
 def faults(root):

@@ -61,7 +61,7 @@ AREAS = {
     "input/equations": "constants", "input/": "reader", "lang/data_list": "data", "lang/global_block": "global",
     "lang/tempo_command": "tempo", "lang/settings": "global iblock", "lang/": "iblock reader data",
     "events/tempo_map": "tempo", "events/timing": "timing", "events/": "events timing", "output/midi": "midi",
-    "output/": "score midi", "view/": "view", "score/": "view", "explain/": "explain",
+    "output/": "score midi", "view/": "view", "score/": "view", "explain/": "explain", "gather/": "explain",
 }
 
 NOT_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|^[ \t]*#(?:[^\n\\]|\\.)*|\bstatic_assert\s*\([^;]*;', re.S | re.M)

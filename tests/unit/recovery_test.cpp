@@ -3,7 +3,7 @@
 #include "driver/recovery.h"
 
 #include "diag/messages.h"
-#include "explained.h"
+#include "gathered.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -31,12 +31,12 @@ using Errors = std::vector<Found>;
 Errors errors_of(const std::string &text)
 {
     const test::Folder folder;
-    explain::Piece     piece;
+    gather::Piece      piece;
     const int          status = test::explain(folder.write("piece", text), piece);
     Errors             errors;
-    for (const explain::Diagnostic &diagnostic : piece.diagnostics)
+    for (const gather::Diagnostic &diagnostic : piece.diagnostics)
         if (diagnostic.severity == Severity::error) {
-            const bool          placed = diagnostic.place.file != explain::NONE;
+            const bool          placed = diagnostic.place.file != gather::NONE;
             const std::uint64_t line   = placed ? piece.source.position(diagnostic.place.file, diagnostic.place.begin).line + 1 : 0;
             errors.push_back({diagnostic.number, line, diagnostic.recovered});
         }

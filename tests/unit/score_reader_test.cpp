@@ -1,8 +1,8 @@
 // Readers of scores and MIDI files: values that a roll does not show, and limits that files of a sensible size do not reach.
 
+#include "score/files.h"
 #include "score/midi_reader.h"
 #include "score/score_reader.h"
-#include "view/files.h"
 
 #include <gtest/gtest.h>
 
@@ -16,9 +16,6 @@
 namespace {
 
 using namespace orlo::score;
-using orlo::view::Input;
-using orlo::view::kind_of;
-using orlo::view::read_file;
 
 Score score_of(std::string_view text, const Limits &limits = {})
 {
@@ -301,12 +298,12 @@ TEST(Files, ReadsAsManyBytesAsItMay)
 
 TEST(Files, KnowsKinds)
 {
-    EXPECT_EQ(kind_of("a.orlo", ""), Input::orlo);
-    EXPECT_EQ(kind_of("a.orlo", "MThd"), Input::midi);
-    EXPECT_EQ(kind_of("a", "; i1 = 3\n i 12 ="), Input::orlo);
-    EXPECT_EQ(kind_of("a", "I1=4"), Input::orlo);
-    EXPECT_EQ(kind_of("a", "i1 0 1 = 4\ni\ni- = 1\ni1"), Input::score);
-    EXPECT_EQ(kind_of("a", ""), Input::score);
+    EXPECT_EQ(kind_of("a.orlo", ""), Kind::orlo);
+    EXPECT_EQ(kind_of("a.orlo", "MThd"), Kind::midi);
+    EXPECT_EQ(kind_of("a", "; i1 = 3\n i 12 ="), Kind::orlo);
+    EXPECT_EQ(kind_of("a", "I1=4"), Kind::orlo);
+    EXPECT_EQ(kind_of("a", "i1 0 1 = 4\ni\ni- = 1\ni1"), Kind::score);
+    EXPECT_EQ(kind_of("a", ""), Kind::score);
 }
 
 } // namespace

@@ -1,8 +1,7 @@
 #include "explain/hints/finder.h"
 
+#include "gather/words.h"
 #include "input/line_reader.h"
-
-#include "explain/words.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -43,7 +42,7 @@ std::string_view text_behind(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped);
+    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped, MOST_LINE);
     return rest.substr(0, rest.find('\n'));
 }
 
@@ -52,8 +51,16 @@ std::string_view text_before(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(0, place.begin - file.skipped);
+    const std::size_t      at   = place.begin - file.skipped;
+    const std::size_t      from = at - std::min(at, MOST_LINE);
+    const std::string_view rest = std::string_view{file.text}.substr(from, at - from);
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none
+}
+
+char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte)
+{
+    const File &of = finder.piece.source.files()[static_cast<std::size_t>(file)];
+    return byte < of.skipped || byte - of.skipped >= of.text.size() ? '\n' : of.text[static_cast<std::size_t>(byte - of.skipped)];
 }
 
 std::string without_comments(std::string_view text)
@@ -78,12 +85,6 @@ std::string without_comments(std::string_view text)
         i += gone == 0 ? 1 : 0;
     }
     return plain;
-}
-
-char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte)
-{
-    const File &of = finder.piece.source.files()[static_cast<std::size_t>(file)];
-    return byte < of.skipped || byte - of.skipped >= of.text.size() ? '\n' : of.text[static_cast<std::size_t>(byte - of.skipped)];
 }
 
 Place outermost(const Finder &finder, Place place)
@@ -125,12 +126,19 @@ std::string name_of(const Finder &finder, const Block &block)
     return "block " + std::to_string(number) + " (i" + std::to_string(block.instrument) + ")";
 }
 
-std::string name_of_command(const Command &command) { return name_of_code(command.code); }
-
 std::string name_of(const Section &section)
 {
     std::string name{"p"};
     return name += std::to_string(section.pfield);
+}
+
+std::string name_of_command(const Command &command) { return name_of_code(command.code); }
+
+Place end_of_section(const Finder &finder, const Block &block, std::size_t index)
+{
+    if (index + 1 < block.sections.size())
+        return before(outermost(finder, block.sections[index + 1].place));
+    return behind(outermost(finder, block.place));
 }
 
 std::string short_number(double number, int digits)

@@ -1,7 +1,8 @@
 // finder.h: what the rooms of the hints share: the piece, its text by places, and words for figures. Changes nothing of the piece.
 #pragma once
 
-#include "explain/piece.h"
+#include "explain/gathered.h"
+#include "explain/hints/hint.h"
 
 #include <string>
 #include <string_view>
@@ -29,15 +30,17 @@ void add(Finder &finder, Hint hint);
 /// The text at a place; empty for no place.
 [[nodiscard]] std::string_view text_at(const Finder &finder, const Place &place);
 
+inline constexpr std::size_t MOST_LINE = 2047; // bytes; longer lines are read in pieces
+
 /// The characters after, and before, a place on its line, without the line end.
 [[nodiscard]] std::string_view text_behind(const Finder &finder, const Place &place);
 [[nodiscard]] std::string_view text_before(const Finder &finder, const Place &place);
 
-/// A text in which blanks stand for comments, so that everything else keeps its place. The text begins outside comments.
-[[nodiscard]] std::string without_comments(std::string_view text);
-
 /// The character at a byte of a file; a line end outside its text.
 [[nodiscard]] char char_at(const Finder &finder, std::int32_t file, std::uint64_t byte);
+
+/// A text in which blanks stand for comments, so that everything else keeps its place. The text begins outside comments.
+[[nodiscard]] std::string without_comments(std::string_view text);
 
 /// Whether a place is written in the piece itself, or in an included file, and came through no call.
 [[nodiscard]] inline bool is_plain(const Place &place) { return place.file != NONE && place.call == NONE; }
@@ -52,11 +55,14 @@ void add(Finder &finder, Hint hint);
 /// A block as it is called in a sentence: "block 2 (i3)".
 [[nodiscard]] std::string name_of(const Finder &finder, const Block &block);
 
+/// A section as it is called in a sentence: "p5".
+[[nodiscard]] std::string name_of(const Section &section);
+
 /// A generator as it is written.
 [[nodiscard]] std::string name_of_command(const Command &command);
 
-/// A section as it is called in a sentence: "p5".
-[[nodiscard]] std::string name_of(const Section &section);
+/// Where the text of a section ends: an empty place where the next one begins, or behind its block, which is closed.
+[[nodiscard]] Place end_of_section(const Finder &finder, const Block &block, std::size_t index);
 
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);

@@ -1,7 +1,7 @@
 // hint.h: what a composer may not have meant, as it is found. The names of hints have their one home here.
 #pragma once
 
-#include "explain/source_map.h"
+#include "explain/gathered.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -5,7 +5,7 @@
 
 namespace orlo::explain {
 
-void find_hints(Piece &piece, bool midi)
+std::vector<Hint> find_hints(const Piece &piece, bool midi)
 {
     Finder finder{piece, midi, {}};
     look_at_text(finder);
@@ -15,8 +15,8 @@ void find_hints(Piece &piece, bool midi)
     look_at_letters(finder);
     look_at_sharps(finder);
     look_at_starts(finder);
-    look_at_intervals(finder);
     look_at_rhythms(finder); // before what comes of them
+    look_at_intervals(finder);
     look_at_sections(finder);
     look_at_lists(finder);
     look_at_values(finder);
@@ -24,10 +24,11 @@ void find_hints(Piece &piece, bool midi)
     look_at_midi(finder);
     keep_quiet(finder);
     const auto earlier = [](const Hint &a, const Hint &b) {
-        return std::tie(a.place.file, a.place.begin) < std::tie(b.place.file, b.place.begin);
+        return std::tie(a.place.file, a.place.begin, a.kind, a.place.end) <
+               std::tie(b.place.file, b.place.begin, b.kind, b.place.end);
     };
-    std::stable_sort(finder.found.begin(), finder.found.end(), earlier);
-    piece.hints = std::move(finder.found);
+    std::sort(finder.found.begin(), finder.found.end(), earlier);
+    return std::move(finder.found);
 }
 
 } // namespace orlo::explain

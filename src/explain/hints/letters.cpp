@@ -114,7 +114,7 @@ bool fails_at_note(const Finder &finder, const Place &place)
 }
 
 // "db" among notes
-void look_at_type(Finder &finder, std::vector<Words> &all, std::int32_t block, const Section &section, const Input &type)
+void look_at_type(Finder &finder, std::vector<Words> &all, std::int32_t block, const Section &section, const gather::Input &type)
 {
     Place place = type.place;
     if (place.file == NONE || place.end != place.begin + 2 || !begins_word(finder, place, place.call != NONE))

@@ -117,7 +117,7 @@ void look_for_blocks(Finder &finder, const Block &first)
         at                          = skip_blanks(rest, at + 1);
         const std::string_view line = std::string_view{rest}.substr(at, rest.find('\n', at) - at);
         if (looks_like_header(line) && count++ == 0)
-            place = {end.file, end.end + at, end.end + at + line.find('='), NONE};
+            place = {end.file, end.end + at, end.end + at + line.find_last_not_of(" \t", line.find('=') - 1) + 1, NONE};
     }
     if (count == 0)
         return;

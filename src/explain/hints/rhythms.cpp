@@ -149,22 +149,20 @@ void look_at_joined(Finder &finder)
     }
 }
 
-// words of a line, up to a comment
-
 struct Word {
     std::string_view text;
-    std::uint64_t    at; // from the beginning of the line
+    std::uint64_t    at; // from the beginning of the text
 };
 
-std::vector<Word> words_of(std::string_view line)
+std::vector<Word> words_of(std::string_view text)
 {
+    constexpr char    BLANKS[] = " \t\r\n";
     std::vector<Word> words;
-    line = line.substr(0, std::min(line.find(';'), line.find("/*")));
-    for (std::size_t at = 0; at < line.size();) { // each round moves on
-        at                    = std::min(line.find_first_not_of(" \t\r", at), line.size());
-        const std::size_t end = std::min(line.find_first_of(" \t\r", at), line.size());
+    for (std::size_t at = 0; at < text.size();) { // each round moves on
+        at                    = std::min(text.find_first_not_of(BLANKS, at), text.size());
+        const std::size_t end = std::min(text.find_first_of(BLANKS, at), text.size());
         if (end > at)
-            words.push_back({line.substr(at, end - at), at});
+            words.push_back({text.substr(at, end - at), at});
         at = end;
     }
     return words;
@@ -181,20 +179,31 @@ bool is_decimal(std::string_view word)
     return point != std::string_view::npos && is_fraction(word.substr(0, point + 1), word.substr(point + 1));
 }
 
-// every number with a fraction from a place on, where nothing but rhythms follows on the line
-std::vector<Edit> decimals_from(const Finder &finder, const Place &first)
+// the words of a section from a place on, up to where the next one begins
+std::vector<Word> words_from(const Finder &finder, const Place &first, const Place &end, std::string &text)
 {
-    const Place            line{first.file, first.begin, first.end + text_behind(finder, first).size(), NONE};
+    if (end.file != first.file || end.end <= first.begin)
+        return {};
+    text                    = without_comments(text_at(finder, {first.file, first.begin, end.end, NONE}));
+    std::vector<Word> words = words_of(text);
+    const auto        last =
+        std::find_if(words.begin(), words.end(), [](const Word &word) { return word.at > 0 && ends_section(word.text); });
+    words.erase(last, words.end());
+    return words;
+}
+
+// every number with a fraction from a place on, where nothing but rhythms follows
+std::vector<Edit> decimals_from(const Finder &finder, const Place &first, const Place &end)
+{
     const std::string_view ahead = text_before(finder, first);
+    std::string            text;
     std::vector<Edit>      edits;
     if (!is_plain(first) || (!ahead.empty() && ahead.back() != ' ' && ahead.back() != '\t'))
         return {};
-    for (const Word &word : words_of(text_at(finder, line))) {
-        if (ends_section(word.text))
-            break;
+    for (const Word &word : words_from(finder, first, end, text)) {
+        const std::uint64_t at = first.begin + word.at;
         if (is_decimal(word.text))
-            edits.push_back({{first.file, first.begin + word.at, first.begin + word.at + word.text.size(), NONE},
-                             "re " + std::string{word.text} + " rh"});
+            edits.push_back({{first.file, at, at + word.text.size(), NONE}, "re " + std::string{word.text} + " rh"});
         else if (word.text.find_first_not_of("0123456789.,+-") != std::string_view::npos)
             return {};
     }
@@ -202,7 +211,7 @@ std::vector<Edit> decimals_from(const Finder &finder, const Place &first)
 }
 
 // what has made an interval infinite: "0", or the "0." of "0.5"
-void look_at_zero(Finder &finder, const Block &block, const Section &section)
+void look_at_zero(Finder &finder, const Block &block, const Section &section, const Place &end)
 {
     const std::string_view zero = text_at(finder, section.no_number);
     if (zero.empty() || zero.find_first_not_of("+-0.") != std::string_view::npos)
@@ -217,7 +226,7 @@ void look_at_zero(Finder &finder, const Block &block, const Section &section)
     const std::string reason = "rhythms are whole numbers from 1 up; 4 beats divided by 0 make an interval without end";
     if (fraction)
         add(finder, {HintKind::no_rhythm, "\"" + written + "\" is read as two rhythms, the first of which is 0", reason, place,
-                     index_of(finder, block), decimals_from(finder, place)});
+                     index_of(finder, block), decimals_from(finder, place, end)});
     else
         add(finder, {HintKind::no_rhythm, "0 is no rhythm", reason, place, index_of(finder, block), {}});
 }
@@ -230,28 +239,26 @@ bool has_rhythms(const Section &section)
 // "1/4"
 bool is_note_value(std::string_view word)
 {
-    constexpr std::string_view values[] = {"1/2", "1/4", "1/8", "1/16", "1/32", "1/64"};
+    constexpr std::string_view values[] = {"1/1", "1/2", "1/4", "1/8", "1/16", "1/32", "1/64"};
     return std::find(std::begin(values), std::end(values), word) != std::end(values);
 }
 
-void look_at_slashes(Finder &finder, const Block &block, const Section &section)
+void look_at_slashes(Finder &finder, const Block &block, const Section &section, const Place &end)
 {
     if (!is_plain(section.place))
         return;
-    const Place lines{section.place.file, section.place.begin, section.place.end + text_behind(finder, section.place).size(), NONE};
     std::vector<Edit> edits;
+    std::string       text;
     std::string       first;
     bool              rhythms = false;
     bool              others  = false; // words with slashes that part values
-    for (const Word &word : words_of(text_at(finder, lines))) {
-        if (word.at > 0 && ends_section(word.text))
-            break;
+    for (const Word &word : words_from(finder, section.place, end, text)) {
         if (word.text == "rh" || word.text == "re" || word.text == "in")
             rhythms = word.text == "rh";
         else if (rhythms && is_note_value(word.text)) {
             first                  = first.empty() ? std::string{word.text} : first;
-            const std::uint64_t at = lines.begin + word.at;
-            edits.push_back({{lines.file, at, at + 2, NONE}, ""});
+            const std::uint64_t at = section.place.begin + word.at;
+            edits.push_back({{section.place.file, at, at + 2, NONE}, ""});
         } else {
             others = others || word.text.find('/') != std::string_view::npos;
         }
@@ -275,12 +282,14 @@ void look_at_rhythms(Finder &finder)
     for (const Block &block : finder.piece.blocks) {
         if (!is_whole(block))
             continue;
-        for (const Section &section : block.sections) {
+        for (std::size_t i = 0; i < block.sections.size(); ++i) {
+            const Section &section = block.sections[i];
             if (!has_rhythms(section))
                 continue;
-            look_at_slashes(finder, block, section);
+            const Place end = end_of_section(finder, block, i);
+            look_at_slashes(finder, block, section, end);
             if (section.no_numbers > 0 && !has_hint(finder, HintKind::no_rhythm, block))
-                look_at_zero(finder, block, section);
+                look_at_zero(finder, block, section, end);
         }
     }
 }

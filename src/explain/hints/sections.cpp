@@ -23,38 +23,39 @@ bool begins_value(char c)
 
 // what is left of a section, from the outermost text on in which reading stopped
 struct Remainder {
-    Place       place; // of its first word
-    std::string text;  // without comments
+    Place         place;     // of its first word
+    std::string   text;      // without comments
+    std::uint64_t begin = 0; // of that text, in the file of the outermost call
 };
 
-// where the text of a section ends: with its line in a block that ends with an error
-Place end_of_section(const Finder &finder, const Block &block, std::size_t index, const Place &stopped)
+// in a block that ends with an error its last section ends with the line
+Place end_of_text(const Finder &finder, const Block &block, std::size_t index, const Place &stopped)
 {
-    if (index + 1 < block.sections.size())
-        return before(outermost(finder, block.sections[index + 1].place));
-    if (block.closed)
-        return behind(outermost(finder, block.place));
+    if (block.closed || index + 1 < block.sections.size())
+        return end_of_section(finder, block, index);
     const std::uint64_t end = stopped.end + text_behind(finder, stopped).size();
     return {stopped.file, end, end, NONE};
 }
 
 Remainder remainder_of(const Finder &finder, const Block &block, std::size_t index, const Diagnostic &full)
 {
+    const bool  in_call = full.place.call != NONE;
     const Place stopped = outermost(finder, full.place);
-    const Place end     = end_of_section(finder, block, index, stopped);
-    Remainder   remainder{stopped, {}};
-    if (end.file != stopped.file || end.end <= stopped.begin)
+    const Place end     = end_of_text(finder, block, index, stopped);
+    const Place all{stopped.file, in_call ? stopped.end : stopped.begin, end.end, NONE};
+    Remainder   remainder{full.place, {}};
+    if (end.file != stopped.file || all.end <= all.begin)
         return remainder;
-    remainder.place.end = end.end;
-    remainder.text      = without_comments(text_at(finder, remainder.place));
+    remainder.text = without_comments(text_at(finder, all));
     if (index + 1 == block.sections.size() && remainder.text.ends_with('}'))
         remainder.text.pop_back();
     const auto first = std::find_if(remainder.text.begin(), remainder.text.end(), begins_value);
-    remainder.place.begin += static_cast<std::uint64_t>(first - remainder.text.begin());
+    remainder.begin  = all.begin + static_cast<std::uint64_t>(first - remainder.text.begin());
     remainder.text.erase(remainder.text.begin(), first);
-    remainder.place.end = remainder.place.begin + std::min(remainder.text.find_first_of(" \t\r\n,/'><"), remainder.text.size());
-    if (remainder.text.starts_with('<'))
-        remainder.place.end = remainder.place.begin + 1;
+    if (in_call && full.number == W_EVENTS_NOT_ADDED) // it goes on behind the call
+        return remainder;
+    const std::size_t length = remainder.text.starts_with('<') ? 1 : remainder.text.find_first_of(" \t\r\n,/'><");
+    remainder.place          = {all.file, remainder.begin, remainder.begin + std::min(length, remainder.text.size()), NONE};
     return remainder;
 }
 
@@ -70,7 +71,9 @@ std::string why_full(const Block &block, const Section &section)
         return "the block has " + counts + ", and by then each of them has its value";
     if (block.events > 0)
         return "the block has " + counted(block.events, "event") + " by its length";
-    return "the block is " + short_number(static_cast<double>(block.beats)) + " beats long, and " + counts + " have used them up";
+    const std::string beats = short_number(static_cast<double>(block.beats)) + (block.beats == 1.0F ? " beat" : " beats");
+    return "the block is " + beats + " long, and " + counts + (section.count == 1 ? " has" : " have") + " used " +
+           (block.beats == 1.0F ? "it" : "them") + " up";
 }
 
 bool has_open_loop(const Section &section) { return !section.loops.empty() && section.loops.back().open; }
@@ -105,8 +108,8 @@ void look_at_remainder(Finder &finder, const Block &block, std::size_t index)
     } else if (has_open_loop(section) && section.loops.back().first == section.count) {
         add_unreached(finder, block, section, remainder, section.loops.back().place);
     } else if (const std::size_t loop = remainder.text.find('<'); loop != std::string::npos) {
-        const std::uint64_t at = remainder.place.begin + loop;
-        add_unreached(finder, block, section, remainder, {remainder.place.file, at, at + 1, NONE});
+        const std::uint64_t at = remainder.begin + loop;
+        add_unreached(finder, block, section, remainder, {outermost(finder, full.place).file, at, at + 1, NONE});
     } else {
         add(finder, {HintKind::left_over,
                      "nothing is read from " + quoted(finder, remainder.place) + " on in " + name_of(section),

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace orlo::explain {
 namespace {
@@ -143,7 +144,10 @@ void look_at_starts(Finder &finder)
     for (const Block &block : finder.piece.blocks)
         if (block.written)
             blocks.push_back(&block);
-    std::stable_sort(blocks.begin(), blocks.end(), [](const Block *a, const Block *b) { return a->start < b->start; });
+    const auto starts_earlier = [](const Block *a, const Block *b) {
+        return std::tie(a->start, a->number) < std::tie(b->start, b->number);
+    };
+    std::sort(blocks.begin(), blocks.end(), starts_earlier);
     std::vector<const Block *> references;
     for (const Block *block : blocks)
         if (look_at_start(finder, *block, references) && block->steady)

@@ -97,7 +97,8 @@ void look_at_encoding(Finder &finder, const File &file, std::int32_t index)
     const char byte     = file.text[strange.first.front()];
     Hint       hint{HintKind::no_utf8,
               counted(strange.count, "byte") + " of the file " + (strange.count == 1 ? "is" : "are") + " no UTF-8",
-              "the first is " + hexadecimal(byte) + (is_latin1(byte) ? ", which is " + from_latin1(byte) + " in Latin-1" : ""),
+              "the first is the byte " + hexadecimal(byte) +
+                  (is_latin1(byte) ? ", which is " + from_latin1(byte) + " in Latin-1" : ""),
               place_of(strange.first.front()),
               NONE,
               {}};
@@ -110,7 +111,7 @@ void look_at_encoding(Finder &finder, const File &file, std::int32_t index)
 // line ends
 
 // Carriage returns that no line feed follows, and whether one of them hides what stands behind it: in a comment, a direct line or a
-// directive.
+// directive, or behind a block.
 struct Returns {
     std::vector<std::size_t> first; // MOST_EDITS of them
     std::size_t              count = 0;
@@ -127,7 +128,7 @@ Returns lone_returns(std::string_view text)
         const bool lone = c == '\r' && (at + 1 == text.size() || text[at + 1] != '\n');
         if (c == '\n')
             marked = passed = false;
-        else if (c == ';' || c == '>' || c == '#')
+        else if (c == ';' || c == '>' || c == '#' || c == '}')
             marked = true;
         if (lone && ++returns.count <= MOST_EDITS)
             returns.first.push_back(at);
@@ -145,7 +146,9 @@ void look_at_returns(Finder &finder, const File &file, std::int32_t index)
     const auto place_of = [&](std::size_t at) { return Place{index, file.skipped + at, file.skipped + at + 1, NONE}; };
     Hint       hint{HintKind::carriage_returns,
               "the file has " + counted(returns.count, "line end") + " of old Macs, which end no line",
-              "a carriage return is a blank when no line feed follows it, so that a comment goes on behind it",
+              "a carriage return is a blank when no line feed follows it: a comment goes on behind it, and so does a line on which "
+                    "a block has "
+                    "ended",
               place_of(returns.first.front()),
               NONE,
               {}};
@@ -179,8 +182,8 @@ void look_for_file(Finder &finder, const File &missing)
         if (!is_there(folder, missing.name))
             continue;
         add(finder, {HintKind::include_elsewhere,
-                     quoted(missing.name) + " lies in " + folder + ", where orlo doesn't look for it",
-                     "names of include files count from the folder in which the program is run: run it in " + folder,
+                     quoted(missing.name) + " lies in the folder " + quoted(folder) + ", and not in the one where orlo is run",
+                     "names of include files count from the folder in which the program is run, and not from that of the piece",
                      missing.included,
                      NONE,
                      {}});
@@ -228,7 +231,9 @@ void look_behind(Finder &finder, const Block &block)
         return;
     const Place            rest = rest_of_line(finder, block.place);
     const std::string_view text = text_at(finder, rest);
-    if (text.empty())
+    const std::uint64_t    gap  = rest.begin - block.place.end;
+    if (text.empty() ||
+        text_behind(finder, block.place).substr(0, static_cast<std::size_t>(gap)).find('\r') != std::string_view::npos)
         return;
     constexpr std::size_t MOST_SHOWN = 40;
     Hint                  hint{HintKind::text_after_block,

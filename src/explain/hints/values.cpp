@@ -164,7 +164,8 @@ void look_at_values(Finder &finder)
             continue;
         const auto no_numbers = std::find_if(block.sections.begin(), block.sections.end(),
                                              [](const Section &section) { return section.no_numbers > 0; });
-        if (no_numbers != block.sections.end() && !has_hint(finder, HintKind::no_rhythm, block))
+        if (no_numbers != block.sections.end() && !has_hint(finder, HintKind::no_rhythm, block) &&
+            !has_hint(finder, HintKind::decimals_in_whole, block))
             look_at_no_number(finder, block, *no_numbers);
         if (no_numbers != block.sections.end())
             continue;
