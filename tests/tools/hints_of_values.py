@@ -1,0 +1,587 @@
+"""Whether hints of letters, values, lists and MIDI files are true: as in hints_of_time."""
+
+import math
+import re
+
+import literals
+from explain_document import number32
+from explain_texts import DISTRIBUTIONS, bare
+from hint_facts import Untrue, command_at, differs, is_not, made_by
+
+NOTE = r"[a-gA-G][sfn]*\d*"
+OTHERS = (", and so are {others} others", ", and so is another", "")
+
+
+def others_told(told):
+    """How many there are besides the one that is named."""
+    return int(told["others"]) if told.get("others") else 0
+
+
+def with_others(sentence, reason):
+    """Forms of a sentence about one, two or many."""
+    return [(sentence + end, reason) for end in OTHERS]
+
+
+def count_of(hint, told):
+    return 2 if "so is another" in hint.text else 1 + others_told(told)
+
+
+def pitch_of(facts, words):
+    pitch, whole = literals.note(words, facts.piece.midi)
+    return pitch if whole or pitch is None else pitch % 12
+
+
+def literal_at(facts, section, place):
+    """The literal value that begins at a place."""
+    for run in section.runs if section.has_values else ():
+        if run.kind == "literal":
+            for value in range(run.first, run.end):
+                other = facts.document.ranges[run.fields["ranges"] + value - run.first]
+                if (other.file, other.line, other.byte) == place:
+                    return value
+    return None
+
+
+def same_pitch(facts, words, value):
+    """Whether a value is that of a note's text, whose octave may stand before it."""
+    pitch, whole = literals.note(words, facts.piece.midi)
+    return pitch == value if whole else (value - pitch) % 12 == 0
+
+
+# ---- letters
+
+def flat_by_b(facts, hint):
+    reason = "Notes need no blank between them, and a flat is written with f: {flat}"
+    told = hint.told(*with_others('"{words}" is read as two notes, {first} and {second}', reason),
+                     ('"{words}" is read as the input type {kind}', "The type {kind} stands before decibels, and a flat is written with f: {flat}"))
+    words = told["words"]
+    if told.get("kind"):
+        yield from read_as_type(facts, hint, told)
+        return
+    yield from is_not("the place", hint.words, words)
+    if not re.fullmatch(r"[a-gA-G][bB]\d*", words):
+        yield f"{words!r} is no flat by b"
+    yield from is_not("the notes", (told["first"], told["second"]), (words[0], words[1:]))
+    yield from is_not("the flat", told["flat"], words[0] + "f" + words[2:])
+    section = hint.section()
+    first = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte))
+    second = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte + 1))
+    if section.written and section.has_values and first is not None:
+        if second is None and section.written > first + 1 or not same_pitch(facts, words[0], section.read[first]):
+            yield "these two notes are not among the values"
+        elif second is not None and not same_pitch(facts, words[1:], section.read[second]):
+            yield f"{words[1:]} is {section.read[second]}"
+    if hint.edits:
+        yield from is_not("how many", count_of(hint, told), len(hint.edits))
+
+
+def read_as_type(facts, hint, told):
+    yield from is_not("the type", told["kind"], told["words"].lower())
+    yield from is_not("the flat", told["flat"], told["words"][0] + "f")
+    if not any(facts.document.ranges[each["range"]] == hint.place and each["name"] == told["kind"]
+               for each in hint.section().fields["inputs"]):
+        yield "no input type stands there"
+
+
+def flat_by_b_mended(facts, hint, after):
+    yield from is_written(facts, hint, after, hint.words[0] + "f" + hint.words[2:])
+
+
+def is_written(facts, hint, after, words, skipped=0):
+    """A value of the mended section is that of these words, at the hint's place."""
+    block = after.document.blocks[hint.block.index]
+    if hint.section().pfield not in block.by_pfield:
+        yield "the section is gone"
+        return
+    section = block.by_pfield[hint.section().pfield]
+    value = literal_at(after, section, (hint.place.file, hint.place.line, hint.place.byte + skipped))
+    if value is not None and not same_pitch(after, words, section.read[value]):
+        yield f"{words} is {section.read[value]}"
+    if value is None and after.document.status == 0 and not section.fields["commands"] and hint.place.call == -1:
+        yield f"{words} is no value"
+
+
+SHARP = r"#?([a-gA-G])#?(\d*)#?"
+
+
+def sharp_by_hash(facts, hint):
+    reason = "A sharp is written with s, and # is passed over: {sharp}"
+    told = hint.told(*with_others('"{words}" is no note', "A sharp is written with s, and # is no part of a note: {sharp}"),
+                     *with_others('"{words}" is no note', reason), *with_others('"{words}" is read as the note {read}', reason))
+    words = told["words"]
+    yield from is_not("the place", hint.words, words)
+    note = re.fullmatch(SHARP, words)
+    if not note or "#" not in words:
+        yield f"{words!r} is no sharp by #"
+        return
+    yield from is_not("the sharp", told["sharp"], note[1] + "s" + note[2])
+    section, block = hint.section(), hint.block
+    first = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte + words.startswith("#")))
+    if told.get("read"):
+        yield from is_not("the note", told["read"], words.replace("#", ""))
+        if first is not None and not same_pitch(facts, told["read"], section.read[first]):
+            yield f"{told['read']} is {section.read[first]}"
+    elif not block.has("failed") and not block.has("recovered"):
+        yield "there is no error"
+
+
+def sharp_by_hash_mended(facts, hint, after):
+    note = re.fullmatch(SHARP, hint.words)
+    yield from is_written(facts, hint, after, note[1] + "s" + note[2])
+
+
+LETTER = 'stands first in "{words}"'
+
+
+def letter_of(facts, hint, kind, letters):
+    thing = "A range" if kind == "a distribution" else "A motion"
+    told = hint.told((f'"{{words}}" is read as the letter {{letter}} of {kind}, and {{rest}}',
+                      f"{thing} may begin with the letter of {kind}, and the letters win over notes: write one before the note, "
+                      "such as {better}"))
+    yield from is_not("the place", hint.words, told["words"])
+    yield from is_not("the letter", told["letter"], told["words"][:1])
+    yield from is_not("the rest", told["rest"], told["words"][1:])
+    if told["letter"].lower() not in letters or not re.fullmatch(NOTE, told["words"]):
+        yield f"{told['letter']} is no letter of {kind}"
+    sets, failed = sets_around(facts, hint), hint.block.has("failed") or hint.block.has("recovered")
+    if not sets and not failed:
+        yield "no set of a generator is there"
+    for each in sets:
+        yield from read_so(facts, each, told, kind, failed)
+
+
+def sets_around(facts, hint):
+    """The sets of generators in which the hint stands."""
+    return [each for section in hint.block.sections for command in section.fields["commands"] for each in command.get("sets", [])
+            if each["range"] is not None and facts.covers(facts.document.ranges[each["range"]], hint.place)]
+
+
+def read_so(facts, given, told, kind, failed):
+    """The set was really read with this letter, and with what stands behind it as a value."""
+    found = [each["distribution"] for each in given.get("ranges", [])] if kind == "a distribution" else [given.get("curve", "").lower()]
+    letter = told["letter"].lower()
+    if (DISTRIBUTIONS[letter] if kind == "a distribution" else letter) not in found and not failed:
+        yield f"the set has {found}"
+    values = [number32(each[key]) for each in given.get("ranges", []) for key in ("low", "high")] \
+        + [number32(each) for row in given.get("lists", []) for each in row]
+    if not failed and not any(same_pitch(facts, told["rest"], value) for value in values):
+        yield f"{told['rest']} is not among {values}"
+
+
+def range_letter(facts, hint):
+    yield from letter_of(facts, hint, "a distribution", DISTRIBUTIONS)
+
+
+def curve_letter(facts, hint):
+    yield from letter_of(facts, hint, "a curve", "ceflsv")
+
+
+def letter_mended(facts, hint, after):
+    """The note is read as a note: it is among the values of a set."""
+    values = [number32(each[key]) for section in after.document.blocks[hint.block.index].sections
+              for command in section.fields["commands"] for given in command.get("sets", [])
+              for each in given.get("ranges", []) for key in ("low", "high")]
+    values += [number32(each) for section in after.document.blocks[hint.block.index].sections
+               for command in section.fields["commands"] for given in command.get("sets", [])
+               for row in given.get("lists", []) for each in row]
+    if values and not any(same_pitch(after, hint.words, value) for value in values):
+        yield f"{hint.words} is not among {values}"
+
+
+# ---- numbers
+
+BEATS = [(f"{{a}} beat{s}", f"{{b}} beat{t}") for s in ("s", "") for t in ("s", "")]
+DOT = "Rhythms are whole numbers, and a point behind one is a dot: "
+TWO = '"{words}" is read as two rhythms, "{first}" and "{second}"'
+
+
+def no_rhythm(facts, hint):
+    forms = [("0 is no rhythm", "Rhythms are whole numbers from 1 up; 4 beats divided by 0 make an interval without end"),
+             ("0 is no rhythm", "Rhythms are whole numbers from 1 up; 4 beats divided by 0 make {no} value")]
+    forms.append(('"{words}" is read as two rhythms, the first of which is 0', forms[0][1]))
+    for a, b in BEATS:
+        forms += [(TWO, DOT + f"{{first}} is {a}, and {{second}} is {b}"),
+                  (TWO, DOT + f"0 is none, and makes the interval infinite, and {{second}} is {b}"),
+                  (TWO, f"The + is the sign of a number: {{first}} is {a}, and {{second}} is {b}; a comma without blanks ties"),
+                  (TWO, f"A slash parts values: {{first}} is {a}, and {{second}} is {b}")]
+    told = hint.told(*with_rest(forms))
+    section = hint.section()
+    if told.get("words") is None:
+        if not re.fullmatch(r"[-+]?0+\.*", hint.words) or not any(math.isinf(read) or read != read for read in section.read) \
+                and section.has_values:
+            yield f"{hint.words!r} stands there"
+        return
+    words = told["words"]
+    yield from is_not("the place", hint.words[:len(words)], words)
+    if told.get("first") is None:
+        if not re.match(r"0+\.", words):
+            yield f"{words} doesn't begin with 0"
+        return
+    yield from is_not("the two", told["first"] + ("/" if "/" in words else "") + told["second"], words)
+    for key, part in (("a", "first"), ("b", "second")):
+        if told.get(key):
+            yield from differs(told[part], told[key], literals.rhythm(told[part]))
+    first = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte))
+    if first is not None:
+        yield from rhythm_read(section.read[first], told["first"])
+
+
+def with_rest(forms):
+    """A sentence may go on with its others."""
+    return [(sentence + end, reason) for sentence, reason in forms for end in OTHERS]
+
+
+def rhythm_read(read, words):
+    if words.rstrip(".") == "0":
+        if math.isfinite(read):
+            yield f"{words} is {read}"
+    elif read != literals.rhythm(words):
+        yield f"{words} is {read}, not {literals.rhythm(words)}"
+
+
+def no_rhythm_mended(facts, hint, after):
+    """The value that was meant is there: a number of beats, a tied rhythm, or the rhythm behind the slash."""
+    section = hint.section()
+    other = after.document.blocks[hint.block.index].by_pfield.get(section.pfield)
+    if other is None or hint.place.call != -1:
+        return
+    words = hint.words
+    if "." in words and "+" not in words and "/" not in words:
+        wanted, skipped = literals.real(words), 3
+    elif "+" in words:
+        parts = [literals.rhythm(part) for part in words.split("+")]
+        wanted, skipped = sum(parts), 0
+    else:
+        wanted, skipped = literals.rhythm(words.split("/")[1]), 0
+    value = literal_at(after, other, (hint.place.file, hint.place.line, hint.place.byte + skipped))
+    if value is None:
+        if after.document.status == 0:
+            yield "no value stands there"
+    elif "+" in words:
+        if other.read[value] < wanted:
+            yield f"the value is {other.read[value]}, not {wanted}"
+    else:
+        yield from differs("the value", f"{wanted:.4f}", other.read[value])
+
+
+NUMBERS = ("{count} of its {all} values is", "{count} of its {all} values are", "Its only value is", "All of its {all} values are",
+           "Both of its values are")
+
+
+def no_number(facts, hint):
+    forms = []
+    for each in NUMBERS:
+        forms += [("{p} is written in decibels, and an amplitude of 0 has none", each + " written as -inf or nan"),
+                  ("{p} is written in decibels, and an amplitude below 0 has none", each + " written as -inf or nan"),
+                  ("{p} has values that are no number", each + " infinite or no number at all, which the score shows as inf or nan"),
+                  ("{p} has a value that is no number", each + " infinite or no number at all, which the score shows as inf or nan")]
+    told = hint.told(*forms)
+    section = hint.section()
+    yield from is_not("the p-field", told["p"], f"p{section.pfield}")
+    decibels = "decibels" in hint.text
+    if decibels:
+        yield from is_not("the output type", section.fields["output"], "db")
+        none = [value for value in section.result if not literals.round_int(value) > 0]
+    else:
+        none = [value for value in section.result if not math.isfinite(value)]
+    yield from is_not("values without number", int(told.get("count") or told.get("all") or len(section.result)), len(none))
+    yield from is_not("all values", int(told.get("all") or len(section.result)), len(section.result))
+    if not none:
+        yield "all values are numbers"
+    if decibels and "amplitude of 0" in hint.text and not any(literals.round_int(value) == 0 for value in none):
+        yield "no amplitude is 0"
+
+
+def no_number_mended(facts, hint, after):
+    pfield = hint.section().pfield
+    events = after.document.blocks[hint.block.index].events
+    if pfield in events.printed and any(re.search("inf|nan", each) for each in events.printed[pfield]):
+        yield f"p{pfield} still has no numbers"
+
+
+# ---- what is left of a section
+
+FULL = [(f"The block has {{events}} event{s}, and by then each of them has its value", "") for s in ("s", "")] \
+    + [("The block has 1 event, and by then it has its value", "")] \
+    + [(f"The block has {{events}} event{s} by its length", "") for s in ("s", "")] \
+    + [(f"The block is {{beats}} beat{s} long, and {{count}} interval{t} {have} used them up", "")
+       for s in ("s", "") for t in ("s", "") for have in ("have", "has")] \
+    + [(f"The block is {{beats}} beat{s} long, and {{count}} interval{t} {have} used it up", "")
+       for s in ("s", "") for t in ("s", "") for have in ("have", "has")]
+
+
+def full_block(hint, told, section):
+    """The figures of why nothing more is read."""
+    if told.get("events"):
+        yield from is_not("events", int(told["events"]), section.count)
+    elif told.get("beats"):
+        yield from is_not("the p-field", section.pfield, 2)
+        yield from differs("beats", told["beats"], number32(hint.block.fields["beats"]))
+        yield from is_not("intervals", int(told["count"]), section.count)
+    else:
+        yield from is_not("events", 1, section.count)
+    if re.search(r"\b1 (events|beats|intervals|values|interval have)\b|\b(?!1 )\d+ (event|beat|interval|value)\b", hint.reason):
+        yield "one and many are mixed up"
+
+
+def left_over(facts, hint):
+    told = hint.told(*[('Nothing is read from "{words}" on in {p}', reason) for reason, _ in FULL])
+    section = hint.section()
+    yield from is_not("the p-field", told["p"], f"p{section.pfield}")
+    yield from full_block(hint, told, section)
+    if not hint.words.startswith(told["words"].rstrip(".")):
+        yield f"{hint.words!r} stands there"
+    yield from nothing_read(facts, hint, hint.place)
+
+
+def nothing_read(facts, hint, place):
+    """What stands there can be another number, and anything behind it but the letter p: the score is the same."""
+    words = facts.source.words(place)
+    if place.call != -1 or re.search("[$~]", words):
+        return
+    other = re.sub(r"\d", "9", words)
+    after = facts.other_text(place, other + " %% ")
+    if after.document.score() != facts.document.score() or after.document.status != facts.document.status:
+        yield "what stands there is read"
+
+
+def unreached_loop(facts, hint):
+    told = hint.told(*[(sentence, reason + ': nothing is read from "{words}" on') for reason, _ in FULL for sentence in
+                       ("The loop of {p} is never reached", "The loop of {p} is longer than the block, and never comes round")])
+    section = hint.section()
+    yield from is_not("the p-field", told["p"], f"p{section.pfield}")
+    yield from full_block(hint, told, section)
+    if not hint.words.startswith("<"):
+        yield f"{hint.words!r} stands there"
+    begun = [loop for loop in section.fields["loops"] if loop["first"] < section.written]
+    if "longer" in hint.text and not begun:
+        yield "the loop is not longer than the block: none of its values is reached"
+    if "never reached" in hint.text and begun and hint.place[:3] == facts.document.ranges[begun[0]["range"]][:3]:
+        yield "the loop is reached"
+    if hint.place.call != -1:
+        return
+    place = after_values(facts, hint.place, told["words"], section)
+    if place is None:
+        yield f"{told['words']!r} stands nowhere"
+    else:
+        yield from nothing_read(facts, hint, place)
+
+
+def after_values(facts, place, words, section):
+    """Where these words stand first behind the last value that was read."""
+    ranges = facts.document.ranges
+    ends = [ranges[run.fields["ranges"] + each] for run in section.runs if run.kind == "literal" for each in range(run.count)]
+    ends += [ranges[run.fields["range"]] for run in section.runs if run.kind == "repeat"]
+    ends += [ranges[command["range"]] for command in section.fields["commands"]]
+    begin = facts.root(section.fields["range"])
+    at = max([(begin.line, begin.byte), *[(each.end_line, each.end_byte) for each in ends if each.file == place.file and each.call == -1]])
+    lines = facts.source.lines[place.file]
+    for line in range(at[0], len(lines)):
+        column = at[1] if line == at[0] else 0
+        near = re.match(rb"[\s,/<>':]*", lines[line][column:]).end() if line == at[0] else 0
+        found = re.compile((rb"" if near or line == at[0] and lines[line].startswith(words.encode("latin-1"), column)
+                            else rb"(?<![\w.])") + re.escape(words.encode("latin-1"))).search(lines[line], column)
+        if found:
+            return place._replace(line=line, byte=found.start(), end_line=line, end_byte=found.end())
+    return None
+
+
+def open_loop(facts, hint):
+    told = hint.told(*[("The loop of {p} has no end",
+                        f"A < stands before {{count}} value{s}, and no > follows; the end of the section counts as its end")
+                       for s in ("s", "")])
+    section = hint.section()
+    yield from is_not("the p-field", told["p"], f"p{section.pfield}")
+    yield from is_not("the place", hint.words[:1], "<")
+    loops = [loop for loop in section.fields["loops"] if loop.get("open")]
+    yield from is_not("open loops", len(loops), 1)
+    yield from is_not("its values", int(told["count"]), section.written - loops[0]["first"])
+    whole = bare(facts.words(section.fields["range"]) or "")
+    if hint.place.call == -1 and whole is not None and ">" in whole.rpartition("<")[2]:
+        yield "a > follows"
+
+
+def same_score(facts, hint, after):
+    if after.document.score() != facts.document.score():
+        yield "the score is another"
+
+
+def held_list(facts, hint):
+    told = hint.told(*[(f"The list of {{p}} ends early, and its last {{what}} goes on for {{held}} event{s}",
+                        f"It is enough for {{enough}} event{t}, and there are {{all}}; between < and > it would come round")
+                       for s in ("s", "") for t in ("s", "")])
+    section = hint.section()
+    yield from is_not("the p-field", told["p"], f"p{section.pfield}")
+    yield from is_not("what it is enough for", int(told["enough"]), section.written)
+    yield from is_not("events", int(told["all"]), section.count)
+    yield from is_not("held events", int(told["held"]), section.count - section.written)
+    last = section.runs[-1]
+    cycle = last.fields.get("cycle", 1)
+    yield from is_not("what fills it", section.fields.get("filled"), "last")
+    yield from is_not("what goes on", told["what"], "interval" if section.pfield == 2 else "chord" if cycle > 1 else "value")
+    held = section.read[section.written - cycle:]
+    if any(not literals.same(each, held[place % cycle]) for place, each in enumerate(held)):
+        yield "the values behind it are not the same"
+    if section.written < 3 or section.count < 2 * section.written:
+        yield "it is long enough"
+    literal = [run for run in section.runs if run.kind in ("literal", "repeat")]
+    if sum(run.count for run in literal) != section.written:
+        yield "it is no list"
+
+
+def comes_round(hint, after):
+    section = hint.section()
+    other = after.document.blocks[hint.block.index].by_pfield[section.pfield]
+    yield from is_not("what fills it", other.fields.get("filled"), "loop")
+    loop = other.fields["loops"][0] if other.fields["loops"] else {"first": 0, "count": 1}
+    yield from is_not("the values that come round", loop["first"] + loop["count"], other.written)
+    if other.read[:section.written] != section.read[:section.written]:
+        yield "the values that were written are others"
+    values = other.read[loop["first"]:other.written]
+    if any(each != values[place % len(values)] for place, each in enumerate(other.read[loop["first"]:])):
+        yield "it does not come round"
+
+
+def held_list_mended(_, hint, after):
+    yield from comes_round(hint, after)
+
+
+def values_after_loop(facts, hint):
+    told = hint.told(*[("What stands behind the loop of {p} comes only once",
+                        f"The loop has {{loop}} value{s}, and {{once}} come{t} once behind it; then the loop alone goes on for {{more}} "
+                        f"event{u}") for s in ("s", "") for t in ("s", "") for u in ("s", "")])
+    section = hint.section()
+    loop = section.fields["loops"][-1]
+    yield from is_not("the p-field", told["p"], f"p{section.pfield}")
+    yield from is_not("values of the loop", int(told["loop"]), loop["count"])
+    yield from is_not("values behind it", int(told["once"]), section.written - loop["first"] - loop["count"])
+    yield from is_not("events that are left", int(told["more"]), section.count - section.written)
+    yield from is_not("what fills it", section.fields.get("filled"), "loop")
+    yield from is_not("the place", hint.words[:1], "<")
+    if section.written == loop["first"] + loop["count"]:
+        yield "nothing stands behind it"
+
+
+def values_after_loop_mended(_, hint, after):
+    yield from comes_round(hint, after)
+
+
+# ---- headers and MIDI files
+
+def listed(pfields):
+    """P-fields as they are listed: of many the first six and the last."""
+    names = [f"p{each}" for each in pfields]
+    if len(names) > 8:
+        return ", ".join(names[:6]) + " ... and " + names[-1]
+    return names[0] if len(names) == 1 else ", ".join(names[:-1]) + " and " + names[-1]
+
+
+def missing_pfields(facts, hint):
+    told = hint.told(("Block {block} has no section for {missing}",
+                      "Its header says that it has {count} p-fields, p1 counted; what it has is {there}"),
+                     ("Block {block} has no section for {missing}",
+                      "Its header says that it has {count} p-fields, p1 counted; what it has are {there}"))
+    block = hint.block
+    yield from is_not("the block", f"block {told['block']}", facts.call_name(block))
+    yield from is_not("p-fields", int(told["count"]), block.fields["pfields"])
+    there = sorted(block.by_pfield)
+    yield from is_not("those that are there", told["there"], listed(there))
+    yield from is_not("the missing ones", told["missing"], listed([p for p in range(2, block.fields["pfields"] + 1) if p not in there]))
+    yield from is_not("the place", hint.place, facts.document.ranges[block.fields["pfields_range"]])
+
+
+def missing_pfields_mended(facts, hint, after):
+    block = after.document.blocks[hint.block.index]
+    yield from is_not("its p-fields", block.fields["pfields"], max(block.by_pfield))
+    if block.has("failed"):
+        yield "it still fails"
+
+
+def velocity(value):
+    return int(value * 127 / 32767)
+
+
+def midi_velocity(facts, hint):
+    least, most = "p4 is an amplitude from 0 to 32767, and goes down to {low}", "p4 is an amplitude up to 32767, and goes up to {high}"
+    silent = "p4 is an amplitude up to 32767, which becomes a velocity up to 127; {values} below 258, which would be 1"
+    told = hint.told(("All velocities are 0: the file is silent", silent),
+                     ("Velocities go up to {top}, and the highest is 127", most),
+                     ("Velocities go down to {bottom}, and the lowest is 0", least))
+    values = hint.block.events.value[4]
+    if not facts.piece.midi:
+        yield "this is no MIDI file"
+    if told.get("values"):
+        low, _, high = told["values"].removesuffix(" is").removesuffix(" are").partition(" to ")
+        yield from differs("the least", low, min(values))
+        yield from differs("the greatest", high or low, max(values))
+        if any(velocity(value) != 0 for value in values):
+            yield "some are not 0"
+    elif told.get("top"):
+        yield from is_not("the velocity", int(told["top"]), velocity(max(values)))
+        yield from differs("the amplitude", told["high"], max(values))
+    else:
+        yield from is_not("the velocity", int(told["bottom"]), velocity(min(values)))
+        yield from differs("the amplitude", told["low"], min(values))
+
+
+def midi_velocity_mended(_, hint, after):
+    """The numbers that were written are the velocities now."""
+    before, now = hint.block.events.value[4], after.document.blocks[hint.block.index].events.value[4]
+    if any(abs(velocity(new) - old) > 1 for old, new in zip(before, now)):
+        yield f"velocities are {[velocity(each) for each in now[:9]]}, written was {before[:9]}"
+
+
+def midi_key(facts, hint):
+    told = hint.told(("Keys go up to {top}, and the highest is 127",
+                      "p5 is in semitones, with 60 for middle C, and keys above 127 start again from 0"),
+                     ("Keys go down to {bottom}, and the lowest is 0",
+                      "p5 is in semitones, with 60 for middle C, and a key below 0 is written as it comes"))
+    values = hint.block.events.value[5]
+    if told.get("top"):
+        yield from is_not("the key", int(told["top"]), int(max(values)))
+        if int(max(values)) <= 127:
+            yield "no key is above 127"
+    else:
+        yield from is_not("the key", int(told["bottom"]), int(min(values)))
+        if int(min(values)) >= 0:
+            yield "no key is below 0"
+
+
+def midi_blocks(facts, hint):
+    first = "A MIDI file is made of the first block alone, {block}; what follows is not read, and is counted by its headers"
+    told = hint.told(*[(f"{{count}} block{s} left out of the MIDI file{empty}", first)
+                       for s in ("s are", " is") for empty in ("", ", which is empty")])
+    block, _, why = told["block"].partition(", which ")
+    yield from is_not("the block", block, facts.call_name(facts.document.blocks[0]))
+    yield from is_not("why", why, "is muted" if facts.document.blocks[0].has("skipped") else
+                      "has no notes" if "empty" in hint.text else "")
+    notes = facts.document.blocks[0].events.count if facts.document.blocks[0].events else 0
+    yield from is_not("empty", "empty" in hint.text, notes == 0)
+    if not re.match(r"i", hint.words):
+        yield f"{hint.words!r} stands there"
+    end = facts.document.ranges[facts.document.blocks[0].fields["range"]]
+    lines = facts.source.lines[end.file]
+    rest = bare(b"\n".join([lines[end.end_line][end.end_byte:], *lines[end.end_line + 1:]]).decode("latin-1"))
+    if rest is not None and "#" not in rest:
+        yield from is_not("the count", int(told["count"]), len(re.findall(r"^[ \t]*i\s*\S+\s*=", rest, re.M)))
+    if len(facts.document.blocks) > 1:
+        yield "more than one block is read"
+
+
+TRUTHS = {
+    "flat-by-b": (flat_by_b, flat_by_b_mended),
+    "sharp-by-hash": (sharp_by_hash, sharp_by_hash_mended),
+    "range-letter": (range_letter, letter_mended),
+    "curve-letter": (curve_letter, letter_mended),
+    "no-rhythm": (no_rhythm, no_rhythm_mended),
+    "no-number": (no_number, no_number_mended),
+    "left-over": (left_over, None),
+    "unreached-loop": (unreached_loop, None),
+    "open-loop": (open_loop, same_score),
+    "held-list": (held_list, held_list_mended),
+    "values-after-loop": (values_after_loop, values_after_loop_mended),
+    "missing-p-fields": (missing_pfields, missing_pfields_mended),
+    "midi-velocity": (midi_velocity, midi_velocity_mended),
+    "midi-key": (midi_key, None),
+    "midi-blocks": (midi_blocks, None),
+}
