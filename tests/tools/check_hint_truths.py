@@ -14,6 +14,7 @@ of a page has no hint, unless it stands in ABOUT. --folder compares the hints of
 import argparse
 import collections
 import os
+import pathlib
 import re
 import subprocess
 import sys
@@ -152,6 +153,26 @@ def check_stumbled(checker, options):
     return failed
 
 
+def shown_pieces(folder):
+    """The pieces that show hints, as check_hints.py runs them."""
+    for path in sorted(pathlib.Path(folder).glob("*/shows*.orlo")):
+        files = {each.name: each.read_bytes() for each in sorted(path.parent.iterdir()) if each.is_file() and each.suffix != ".txt"}
+        first = files[path.name].split(b"\n", 1)[0].decode("latin-1")
+        midi = first.startswith("; run with:") and "-m" in first
+        up = "../" if first.startswith("; run from:") else ""
+        yield explain_pieces.Piece(f"{path.parent.name}/{path.name}", up + path.name, {up + name: data for name, data in files.items()}, midi)
+
+
+def check_shown(checker, pieces):
+    failed = 0
+    for piece in pieces:
+        faults = checker.check(checker.run(piece))
+        if faults:
+            failed += 1
+            print(f"FAIL: {piece.name}", *faults, sep="\n  ", flush=True)
+    return failed
+
+
 def check_outcome(checker, options):
     def check(outcome):
         facts = Facts(outcome.piece, outcome.document, checker.run)
@@ -205,6 +226,8 @@ def main():
         return 1 if check_folder(checker, options.folder) else 0
     done, failed = explain_pieces.check_all(options, check_outcome(checker, options))
     failed += check_stumbled(checker, options)
+    if options.pages:
+        failed += check_shown(checker, shown_pieces(os.path.join(explain_pieces.TESTS, "hints")))
     for name, hint in checker.tally.unprovoked if options.unprovoked else []:
         print(f"{name}: {hint}")
     checker.tally.print_table()

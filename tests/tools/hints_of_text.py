@@ -167,7 +167,8 @@ def text_after_block(facts, hint):
     told = hint.told(('"{words}" is not read', 'What stands behind the "}" of {block} on its line is dropped'))
     if not hint.words.startswith(told["words"].removesuffix("...").rstrip()):
         yield f"{hint.words!r} stands there"
-    block = facts.block_called(told["block"])
+    block = hint.block or facts.block_called(told["block"])
+    yield from is_not("the block", told["block"], facts.call_name(block))
     end = facts.document.ranges[block.fields["range"]]
     if (end.file, end.end_line) != (hint.place.file, hint.place.line) or end.end_byte > hint.place.byte:
         yield "it doesn't stand behind that block"
@@ -187,8 +188,8 @@ def text_after_block_mended(facts, hint, after):
 
 
 def include_elsewhere(facts, hint):
-    told = hint.told(("\"{name}\" lies in {folder}, where orlo doesn't look for it",
-                      "Names of include files count from the folder in which the program is run: run it in {folder}"))
+    told = hint.told(('"{name}" lies in the folder "{folder}", and not in the one where orlo is run',
+                      "Names of include files count from the folder in which the program is run, and not from that of the piece"))
     files = {os.path.normpath(name) for name in facts.piece.files}
     if os.path.normpath(os.path.join(told["folder"], told["name"])) not in files:
         yield "it doesn't lie there"
@@ -204,16 +205,23 @@ def byte_order_mark(facts, hint):
     told = hint.told(("The file begins with a byte order mark",
                       "Editors hide its three bytes {bytes}, and no text of a piece begins with them"))
     yield from is_not("the bytes", told["bytes"], "EF BB BF")
-    name = text(facts.document.fields["files"][hint.place.file]["name"]).decode()
-    yield from is_not("how the file begins", facts.piece.files[name][:3], b"\xef\xbb\xbf")
+    yield from is_not("how the file begins", data_of(facts, hint.place)[:3], b"\xef\xbb\xbf")
+
+
+def data_of(facts, place):
+    return facts.piece.files[text(facts.document.fields["files"][place.file]["name"]).decode()]
 
 
 def no_utf8(facts, hint):
-    told = hint.told(*[(f"{{count}} byte{s} of the file {are} no UTF-8", "The first is {byte}, which is {letter} in Latin-1")
-                       for s, are in (("s", "are"), ("", "is"))],
-                     *[(f"{{count}} byte{s} of the file {are} no UTF-8", "The first is {byte}") for s, are in (("s", "are"), ("", "is"))])
-    name = text(facts.document.fields["files"][hint.place.file]["name"]).decode()
-    data = facts.piece.files[name]
+    forms = [(f"{{count}} byte{s} of the file {are} no UTF-8", reason) for s, are in (("s", "are"), ("", "is"))
+             for reason in ("The first is the byte {byte}, which is {letter} in Latin-1", "The first is the byte {byte}")]
+    told = hint.told(*forms, ("The file is written in UTF-{bits}",
+                              "A piece is read byte by byte, and every other byte of this one says nothing: save it as UTF-8"))
+    data = data_of(facts, hint.place)
+    if told.get("bits"):
+        if data[:2] not in (b"\xff\xfe", b"\xfe\xff") and data.count(0) < len(data) / 3:
+            yield "it is not"
+        return
     wrong = [ord(each) - 0xdc00 for each in data.decode("utf-8", "surrogateescape") if 0xdc80 <= ord(each) <= 0xdcff]
     yield from is_not("how many", int(told["count"]), len(wrong))
     yield from is_not("the first", told["byte"], f"{wrong[0]:02X}")
@@ -223,10 +231,24 @@ def no_utf8(facts, hint):
     yield from is_not("the place", line[hint.place.byte], wrong[0])
 
 
+def carriage_returns(facts, hint):
+    told = hint.told(*[(f"The file has {{count}} line end{s} of old Macs, which end{e} no line",
+                        "A carriage return is a blank when no line feed follows it: a comment goes on behind it, and so does a line on "
+                        "which a block has ended") for s, e in (("s", ""), ("", ""), ("", "s"))])
+    data = data_of(facts, hint.place)
+    yield from is_not("how many", int(told["count"]), len(re.findall(rb"\r(?!\n)", data)))
+    begin = sum(len(line) + 1 for line in data.split(b"\n")[:hint.place.line]) + hint.place.byte
+    yield from is_not("the place", begin, re.search(rb"\r(?!\n)", data).start())
+
+
+def carriage_returns_mended(_, hint, after):
+    if re.search(rb"\r(?!\n)", data_of(after, hint.place)):
+        yield "there still are some"
+
+
 def utf8_mended(_, hint, after):
-    name = text(after.document.fields["files"][hint.place.file]["name"]).decode()
     try:
-        after.piece.files[name].decode("utf-8")
+        data_of(after, hint.place).decode("utf-8")
     except UnicodeDecodeError:
         yield "the file is still no UTF-8"
 
@@ -242,4 +264,5 @@ TRUTHS = {
     "include-elsewhere": (include_elsewhere, None),
     "byte-order-mark": (byte_order_mark, None),
     "no-utf8": (no_utf8, utf8_mended),
+    "carriage-returns": (carriage_returns, carriage_returns_mended),
 }

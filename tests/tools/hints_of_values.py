@@ -4,7 +4,7 @@ import math
 import re
 
 import literals
-from explain_document import number32
+from explain_document import number32, text
 from explain_texts import DISTRIBUTIONS, bare
 from hint_facts import Untrue, command_at, differs, is_not, made_by
 
@@ -50,41 +50,56 @@ def same_pitch(facts, words, value):
 
 # ---- letters
 
+FLAT = r"([a-gA-G])(?:[bB]([\d$]\w*)?|(\d+)[bB]|[eE]?[sS]([\d$]\w*)?)"  # "eb4", "e4b", "ees4"
+TAKEN = "A flat is written with f, and before a note that begins with {first} stands a letter, such as f"
+
+
+def flat_of(words):
+    """What a flat by b or es should be; None when it is none."""
+    flat = re.fullmatch(FLAT, words)
+    return flat and flat[1] + "f" + (flat[2] or flat[3] or flat[4] or "")
+
+
 def flat_by_b(facts, hint):
     reason = "Notes need no blank between them, and a flat is written with f: {flat}"
+    of_type = "The type {kind} stands before decibels, and a flat is written with f: {flat}"
     told = hint.told(*with_others('"{words}" is read as two notes, {first} and {second}', reason),
-                     ('"{words}" is read as the input type {kind}', "The type {kind} stands before decibels, and a flat is written with f: {flat}"))
+                     *with_others('"{words}" is read as the letter {first} of a {what}, and {second}', TAKEN),
+                     *with_others('"{words}" is read as the input type {kind}, and the value {value}', of_type),
+                     *with_others('"{words}" is read as the input type {kind}', of_type))
     words = told["words"]
+    yield from is_not("the place", hint.words, words)
+    if flat_of(words) is None:
+        yield f"{words!r} is no flat by b"
+    if told.get("flat"):
+        yield from is_not("the flat", told["flat"], flat_of(words))
     if told.get("kind"):
         yield from read_as_type(facts, hint, told)
         return
-    yield from is_not("the place", hint.words, words)
-    if not re.fullmatch(r"[a-gA-G][bB]\d*", words):
-        yield f"{words!r} is no flat by b"
-    yield from is_not("the notes", (told["first"], told["second"]), (words[0], words[1:]))
-    yield from is_not("the flat", told["flat"], words[0] + "f" + words[2:])
+    yield from is_not("the two", told["first"] + told["second"], words)
     section = hint.section()
     first = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte))
-    second = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte + 1))
-    if section.written and section.has_values and first is not None:
-        if second is None and section.written > first + 1 or not same_pitch(facts, words[0], section.read[first]):
+    second = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte + len(told["first"])))
+    if first is not None and not told.get("what") and "$" not in words:
+        if second is None and section.written > first + 1 or not same_pitch(facts, told["first"], section.read[first]):
             yield "these two notes are not among the values"
-        elif second is not None and not same_pitch(facts, words[1:], section.read[second]):
-            yield f"{words[1:]} is {section.read[second]}"
+        elif second is not None and not same_pitch(facts, told["second"], section.read[second]):
+            yield f"{told['second']} is {section.read[second]}"
     if hint.edits:
         yield from is_not("how many", count_of(hint, told), len(hint.edits))
 
 
 def read_as_type(facts, hint, told):
-    yield from is_not("the type", told["kind"], told["words"].lower())
-    yield from is_not("the flat", told["flat"], told["words"][0] + "f")
-    if not any(facts.document.ranges[each["range"]] == hint.place and each["name"] == told["kind"]
+    yield from is_not("the type", told["kind"] + (told.get("value") or ""), told["words"].lower())
+    place = hint.place
+    if not any(facts.document.ranges[each["range"]][:3] == place[:3] and each["name"] == told["kind"]
                for each in hint.section().fields["inputs"]):
         yield "no input type stands there"
 
 
 def flat_by_b_mended(facts, hint, after):
-    yield from is_written(facts, hint, after, hint.words[0] + "f" + hint.words[2:])
+    if "$" not in hint.words:
+        yield from is_written(facts, hint, after, flat_of(hint.words))
 
 
 def is_written(facts, hint, after, words, skipped=0):
@@ -107,14 +122,18 @@ SHARP = r"#?([a-gA-G])#?(\d*)#?"
 def sharp_by_hash(facts, hint):
     reason = "A sharp is written with s, and # is passed over: {sharp}"
     told = hint.told(*with_others('"{words}" is no note', "A sharp is written with s, and # is no part of a note: {sharp}"),
-                     *with_others('"{words}" is no note', reason), *with_others('"{words}" is read as the note {read}', reason))
+                     ('The # of "{words}" ends the macro {macro}', "A body stands between two #, and a sharp is written with s: {sharp}"),
+                     *with_others('"{words}" is read as the note {read}', reason))
     words = told["words"]
     yield from is_not("the place", hint.words, words)
     note = re.fullmatch(SHARP, words)
     if not note or "#" not in words:
         yield f"{words!r} is no sharp by #"
         return
-    yield from is_not("the sharp", told["sharp"], note[1] + "s" + note[2])
+    yield from is_not("the sharp", told["sharp"].removeprefix("f "), note[1] + "s" + note[2])
+    if told.get("macro"):
+        yield from ends_macro(facts, hint, told)
+        return
     section, block = hint.section(), hint.block
     first = literal_at(facts, section, (hint.place.file, hint.place.line, hint.place.byte + words.startswith("#")))
     if told.get("read"):
@@ -125,7 +144,20 @@ def sharp_by_hash(facts, hint):
         yield "there is no error"
 
 
+def ends_macro(facts, hint, told):
+    """The body of the macro really ends at the # of the note."""
+    found = [each for each in facts.document.fields["macros"] if text(each["name"]).decode("latin-1") == told["macro"]]
+    if not found:
+        yield f"there is no macro {told['macro']}"
+        return
+    end = facts.document.ranges[found[-1]["range"]]
+    yield from is_not("the end of the body", (end.end_line, end.end_byte),
+                      (hint.place.line, hint.place.byte + told["words"].index("#") + 1))
+
+
 def sharp_by_hash_mended(facts, hint, after):
+    if hint.block is None:
+        return
     note = re.fullmatch(SHARP, hint.words)
     yield from is_written(facts, hint, after, note[1] + "s" + note[2])
 

@@ -83,7 +83,7 @@ def code_as_duration(chance):
 # ---- letters
 
 def flat_by_b(chance):
-    flats = notes(chance, 2, ["bb4", "eb4", "ab3", "Eb5", "db", "gb4"])
+    flats = notes(chance, 2, ["bb4", "eb4", "ab3", "Eb5", "db", "gb4", "ees4", "e4b", "as3"])
     return a_block(chance, chance.choice(["1", ".5"]), "1", f"no {notes(chance, 2)} {flats} {chance.choice(['', '<a bb>', 'c4:eb4'])}")
 
 
@@ -236,6 +236,13 @@ def no_utf8(data, chance):
     return data + chance.choice([b"; caf\xe9\n", b"; \xe4\xf6\xfc\n", b"; \x93quoted\x94\n"])
 
 
+@in_bytes
+def carriage_returns(data, chance):
+    """Somebody has put a line in on an old Mac."""
+    line = chance.choice([b"; a waltz\rsr(44100)\r", b"sr(44100)\r", b"sr(44100) ; of the sound\rrd(0)\n"])
+    return line + data
+
+
 STUMBLES = {
     "late-block": late_block, "seconds-in-p2": seconds_in_p2, "late-curve": late_curve, "cut-span": cut_span,
     "negative-interval": negative_interval, "backward-starts": backward_starts, "event-at-end": event_at_end,
@@ -246,7 +253,8 @@ STUMBLES = {
     "same-seed": same_seed, "three-decimals": three_decimals, "decimals-in-whole": decimals_in_whole, "unused-macro": unused_macro,
     "unused-constant": unused_constant, "hidden-macro": hidden_macro,
 }
-CHANGES = {"text-after-block": text_after_block, "byte-order-mark": byte_order_mark, "no-utf8": no_utf8}
+CHANGES = {"text-after-block": text_after_block, "byte-order-mark": byte_order_mark, "no-utf8": no_utf8,
+           "carriage-returns": carriage_returns}
 OF_MIDI = ("midi-velocity", "midi-key", "midi-blocks")
 
 
