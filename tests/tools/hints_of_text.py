@@ -23,6 +23,7 @@ def called(hint, words):
 def three_decimals(_, hint):
     sentence = '"{words}" is written as {written}, not as {real}'
     told = hint.told((sentence, "A constant is always written with three decimals; this one is {percent} % off by that"),
+                     (sentence, "A constant is always written with three decimals, so that nothing is left of this one"),
                      (sentence, "A fraction that three decimals round up to a whole is written wrongly"))
     value = called(hint, told["words"])
     yield from is_not("the place", hint.words, told["words"])
@@ -30,6 +31,9 @@ def three_decimals(_, hint):
     yield from differs("what it is", told["real"], value, 6)
     if told.get("percent"):
         yield from differs("how far it is off", told["percent"], 100 * abs(float(told["written"]) - value) / abs(value), 2)
+    elif "nothing is left" in hint.reason:
+        if float(told["written"]) != 0:
+            yield "something is left"
     elif not re.search(r"\.\d{4,}$", told["written"]):
         yield "it is written with three decimals"
     if float(told["written"]) == value:
@@ -37,8 +41,9 @@ def three_decimals(_, hint):
 
 
 def decimals_in_whole(_, hint):
-    told = hint.told(('"{words}" is written as {written} where a whole number has to stand',
-                      'The number ends before ".{zeros}", which is read for itself; a macro is written as it stands'))
+    told = hint.told(*[('"{words}" is written as {written} where a whole number has to stand', f'The number ends before "{dot}{{zeros}}", {rest}')
+                       for dot in (".", "") for rest in ("which is read for itself; a macro is written as it stands",
+                                                         "and the rest of the line is read with them", "{rest}")])
     value = called(hint, told["words"])
     yield from is_not("what is written", told["written"], literals.decimals(value))
     yield from is_not("what is left", told["zeros"], told["written"].partition(".")[2])
@@ -181,7 +186,7 @@ def text_after_block_mended(facts, hint, after):
         fields = part.document.fields
         return len(fields["blocks"]), len(fields["commands"]), len(fields["macros"]), len(fields["constants"]), part.document.score()
 
-    if hint.edits[0]["text"] == "" and after.document.score() != facts.document.score():
+    if hint.edits[0]["text"] == "" and facts.document.status == 0 and after.document.score() != facts.document.score():
         yield "the score is another"
     if hint.edits[0]["text"] != "" and read(after) == read(facts):
         yield "it is still not read"

@@ -176,7 +176,7 @@ def letter_of(facts, hint, kind, letters):
     if told["letter"].lower() not in letters or not re.fullmatch(NOTE, told["words"]):
         yield f"{told['letter']} is no letter of {kind}"
     sets, failed = sets_around(facts, hint), hint.block.has("failed") or hint.block.has("recovered")
-    if not sets and not failed:
+    if not sets and not failed and hint.place.call == -1:
         yield "no set of a generator is there"
     for each in sets:
         yield from read_so(facts, each, told, kind, failed)
@@ -478,10 +478,13 @@ def held_list_mended(_, hint, after):
     yield from comes_round(hint, after)
 
 
+ONCE = [f"{s} once behind it{why}" for s in ("s", "") for why in ("", ", where its last value is repeated")]
+
+
 def values_after_loop(facts, hint):
     told = hint.told(*[("What stands behind the loop of {p} comes only once",
-                        f"The loop has {{loop}} value{s}, and {{once}} come{t} once behind it; then the loop alone goes on for {{more}} "
-                        f"event{u}") for s in ("s", "") for t in ("s", "") for u in ("s", "")])
+                        f"The loop has {{loop}} value{s}, and {{once}} come{t}; then the loop alone goes on for {{more}} "
+                        f"event{u}") for s in ("s", "") for t in ONCE for u in ("s", "")])
     section = hint.section()
     loop = section.fields["loops"][-1]
     yield from is_not("the p-field", told["p"], f"p{section.pfield}")
