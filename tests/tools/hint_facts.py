@@ -98,7 +98,7 @@ class Facts:
 
     def call_name(self, block):
         """A block as it is called in a sentence: by its number, or by the one that it would have had."""
-        before = sum(each.has("number") for each in self.document.blocks[:block.index])
+        before = sum(each.has("number") or each.has("recovered") or each.has("failed") for each in self.document.blocks[:block.index])
         return f"block {block.fields.get('number', before + 1)} (i{block.fields['instrument']})"
 
     def block_called(self, name):

@@ -201,12 +201,14 @@ def backward_starts(facts, hint):
     told = hint.told(*[(f"Deviation turns {{turned}} interval{s} of p2 below 0, and so into {rests}",
                         "A deviation of {deviation} makes intervals {percent} per cent longer or shorter, and of {count} "
                         f"interval{many} the one that is furthest back has {{furthest}} s")
-                       for s, rests in (("s", "rests"), ("", "a rest")) for many in ("s", "")])
+                       for s, rests in (("s", "rests"), ("", "a rest"), ("", "rests")) for many in ("s", "")])
     section = hint.block.by_pfield[2]
     turned = [(run.deviation, section.result[value]) for run in section.runs for value in range(run.first, run.end)
               if section.read[value] > 0 > section.result[value]]
     yield from is_not("the count", int(told["turned"]), len(turned))
     yield from is_not("the intervals", int(told["count"]), section.count)
+    if int(told["turned"]) == 1 and "into rests" in hint.text:
+        yield "one and many are mixed up"
     yield from differs("the furthest", told["furthest"], min(result for _, result in turned) if turned else 0)
     if not any(not list(differs("", told["deviation"], deviation)) for deviation, _ in turned):
         yield f"no deviation is {told['deviation']}"
@@ -283,7 +285,7 @@ def code_as_duration_mended(facts, hint, after):
     """Values that were changed are now seconds: a thousandth of the number that was written, or what stands behind the 1000."""
     before, section = hint.block.by_pfield[3], after.document.blocks[hint.block.index].by_pfield[3]
     for read, other, result, deviated in zip(before.read, section.read, section.result, section.deviated):
-        if read != other:
+        if read != other and list(before.deviated) == [amount_of(each)[1] for each in before.read]:
             yield from differs("seconds", f"{deviated:.6f}", read / 1000)
             if abs(abs(result) - abs(deviated)) > 1e-3 and not any(run.factor != 1 for run in section.runs):
                 yield f"it lasts {result} s"

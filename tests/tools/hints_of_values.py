@@ -159,7 +159,8 @@ def sharp_by_hash_mended(facts, hint, after):
     if hint.block is None:
         return
     note = re.fullmatch(SHARP, hint.words)
-    yield from is_written(facts, hint, after, note[1] + "s" + note[2])
+    if note:
+        yield from is_written(facts, hint, after, note[1] + "s" + note[2])
 
 
 LETTER = 'stands first in "{words}"'
@@ -508,7 +509,9 @@ def listed(pfields):
     names = [f"p{each}" for each in pfields]
     if len(names) > 8:
         return ", ".join(names[:6]) + " ... and " + names[-1]
-    return names[0] if len(names) == 1 else ", ".join(names[:-1]) + " and " + names[-1]
+    if len(names) < 2:
+        return names[0] if names else "none"
+    return ", ".join(names[:-1]) + " and " + names[-1]
 
 
 def missing_pfields(facts, hint):
