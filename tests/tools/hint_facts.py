@@ -161,6 +161,25 @@ def command_at(section, hint):
     raise Untrue(f"{hint.name} stands at no generator")
 
 
+def place_of(facts, section, value):
+    """Where what made a value stands: file, line and byte."""
+    run = section.run_of(value)
+    if run.kind == "literal":
+        index = run.fields["ranges"] + value - run.first
+    elif run.kind == "generator":
+        index = section.fields["commands"][run.fields["command"]]["range"]
+    elif "range" in run.fields:
+        index = run.fields["range"]
+    else:
+        return place_of(facts, section, run.fields["of"])
+    return facts.document.ranges[index][:3]
+
+
+def edited(hint):
+    """Of each edit what goes and what comes."""
+    return [(hint.facts.words(each["range"]), text(each["text"]).decode("latin-1")) for each in hint.edits]
+
+
 def made_by(section, command):
     return section.read[command["first"]:command["first"] + command["count"]]
 
@@ -173,6 +192,9 @@ def replaced(facts, edits):
     name = text(facts.document.fields["files"][files.pop()]["name"]).decode("utf-8", "surrogateescape")
     data = facts.piece.files[name]
     starts = [0] + [at + 1 for at, byte in enumerate(data) if byte == 10]
+    lines = data.split(b"\n")
+    if any(place.end_byte > len(lines[place.end_line]) for place, _ in edits):
+        raise Untrue("an edit behind the end of a line")
     spans = sorted((starts[place.line] + place.byte, starts[place.end_line] + place.end_byte, words) for place, words in edits)
     if any(first[1] > second[0] for first, second in zip(spans, spans[1:])):
         raise Untrue("edits overlap")

@@ -5,7 +5,7 @@ import re
 
 import literals
 from explain_document import number, text
-from hint_facts import Untrue, differs, is_not
+from hint_facts import Untrue, differs, edited, is_not
 from hints_of_values import nothing_read, same_score
 
 
@@ -29,7 +29,8 @@ def three_decimals(_, hint):
     yield from is_not("the place", hint.words, told["words"])
     if abs(value) < 2 ** 31:
         yield from is_not("what is written", told["written"], literals.decimals(value))
-    yield from differs("what it is", told["real"], value, 6)
+    if abs(float(told["real"]) - value) > .51e-6 + 1e-9 * abs(value):
+        yield f"it is {value}, not {told['real']}"
     if told.get("percent"):
         yield from differs("how far it is off", told["percent"], 100 * abs(float(told["written"]) - value) / abs(value), 2)
     elif "nothing is left" in hint.reason:
@@ -46,6 +47,9 @@ def decimals_in_whole(_, hint):
                        for dot in (".", "") for rest in ("which is read for itself; a macro is written as it stands",
                                                          "and the rest of the line is read with them", "{rest}")])
     value = called(hint, told["words"])
+    yield from is_not("the place", hint.words, told["words"])
+    if any(change != (told["words"], str(round(value))) for change in edited(hint)):
+        yield f"{edited(hint)} is edited"
     yield from is_not("what is written", told["written"], literals.decimals(value))
     yield from is_not("what is left", told["zeros"], told["written"].partition(".")[2])
 
@@ -165,8 +169,7 @@ def hidden_macro(facts, hint):
     body = " ".join(text(macro["body"]).decode("latin-1").split())
     if not body.startswith(told["body"].removesuffix("...").strip()):
         yield f"the body of {told['name']} is {body!r}"
-    if hint.words not in (told["name"], "$" + told["name"]):
-        yield f"{hint.words!r} stands there"
+    yield from is_not("the place", hint.words, "$" + told["name"])
     if "$" + told["name"] not in text(outer["body"]).decode("latin-1"):
         yield f"{told['outer']} doesn't call it"
 
@@ -208,10 +211,9 @@ def include_elsewhere(facts, hint):
         yield "it doesn't lie there"
     if os.path.normpath(told["name"]) in files:
         yield "it is found"
-    if told["name"] not in hint.words:
-        yield f"{hint.words!r} stands there"
-    if not any(text(each["name"]).decode() == told["name"] and not each["found"] for each in facts.document.fields["files"]):
-        yield "nobody has looked for it"
+    missing = [each for each in facts.document.fields["files"] if text(each["name"]).decode() == told["name"] and not each["found"]]
+    if not any(facts.document.ranges[each["included"]] == hint.place for each in missing):
+        yield "nobody has looked for it there"
 
 
 def byte_order_mark(facts, hint):
@@ -219,6 +221,11 @@ def byte_order_mark(facts, hint):
                       "Editors hide its three bytes {bytes}, and no text of a piece begins with them"))
     yield from is_not("the bytes", told["bytes"], "EF BB BF")
     yield from is_not("how the file begins", data_of(facts, hint.place)[:3], b"\xef\xbb\xbf")
+    yield from is_not("the place", hint.place[1:3], (0, 0))
+
+
+def byte_order_mark_mended(facts, hint, after):
+    yield from is_not("the file", data_of(after, hint.place), data_of(facts, hint.place)[3:])
 
 
 def data_of(facts, place):
@@ -232,6 +239,7 @@ def no_utf8(facts, hint):
                               "A piece is read byte by byte, and every other byte of this one says nothing: save it as UTF-8"))
     data = data_of(facts, hint.place)
     if told.get("bits"):
+        yield from is_not("the encoding", (told["bits"], hint.place[1:3]), ("16", (0, 0)))
         if data[:2] not in (b"\xff\xfe", b"\xfe\xff") and data.count(0) < len(data) / 3:
             yield "it is not"
         return
@@ -254,16 +262,15 @@ def carriage_returns(facts, hint):
     yield from is_not("the place", begin, re.search(rb"\r(?!\n)", data).start())
 
 
-def carriage_returns_mended(_, hint, after):
-    if re.search(rb"\r(?!\n)", data_of(after, hint.place)):
-        yield "there still are some"
+def carriage_returns_mended(facts, hint, after):
+    yield from is_not("the file", data_of(after, hint.place), re.sub(rb"\r(?!\n)", b"\n", data_of(facts, hint.place)))
 
 
-def utf8_mended(_, hint, after):
-    try:
-        data_of(after, hint.place).decode("utf-8")
-    except UnicodeDecodeError:
-        yield "the file is still no UTF-8"
+def utf8_mended(facts, hint, after):
+    """Each byte that was no UTF-8 is its letter in Latin-1 now."""
+    words = data_of(facts, hint.place).decode("utf-8", "surrogateescape")
+    meant = "".join(chr(ord(each) - 0xdc00) if 0xdc80 <= ord(each) <= 0xdcff else each for each in words)
+    yield from is_not("the file", data_of(after, hint.place), meant.encode("utf-8"))
 
 
 TRUTHS = {
@@ -275,7 +282,7 @@ TRUTHS = {
     "hidden-macro": (hidden_macro, same_score),
     "text-after-block": (text_after_block, text_after_block_mended),
     "include-elsewhere": (include_elsewhere, None),
-    "byte-order-mark": (byte_order_mark, None),
+    "byte-order-mark": (byte_order_mark, byte_order_mark_mended),
     "no-utf8": (no_utf8, utf8_mended),
     "carriage-returns": (carriage_returns, carriage_returns_mended),
 }

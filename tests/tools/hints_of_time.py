@@ -1,10 +1,11 @@
 """Whether hints of starts, intervals and durations are true: each check yields what is false; a promise yields what its fix didn't do."""
 
 import math
+import re
 
 from check_explain import amount_of, duration
-from explain_document import number32
-from hint_facts import (Untrue, command_at, differs, is_not, made_by, seconds_of_beat, timeline)
+from explain_document import number32, single
+from hint_facts import command_at, differs, is_not, made_by, place_of, seconds_of_beat, timeline
 
 LEAST = .0005  # what is shorter is not seen in a score
 
@@ -191,6 +192,8 @@ def negative_interval(facts, hint):
     below = [value for value, read in enumerate(section.read) if read < 0]
     yield from is_not("the count", int(told["count"]), len(below))
     yield from differs("the beats", told["beats"], number32(block.fields["beats"]))
+    if below:
+        yield from is_not("the place", hint.place[:3], place_of(facts, section, below[0]))
     failed = block.has("failed")
     yield from is_not("what came of it", told["what"], "does not come to its end" if failed else "became longer")
     if not failed and not timeline(block)[0][-1] - timeline(block)[0][0] > number32(block.fields["beats"]):
@@ -213,6 +216,9 @@ def backward_starts(facts, hint):
     if not any(not list(differs("", told["deviation"], deviation)) for deviation, _ in turned):
         yield f"no deviation is {told['deviation']}"
     yield from differs("per cent", told["percent"], 50 * float(told["deviation"]))
+    begin = facts.document.ranges[section.fields["range"]]
+    if not re.match(r"(?i)(dv|rd)\s*\(", hint.words) and hint.place != begin:
+        yield f"{hint.words!r} stands there"
 
 
 def backward_starts_mended(_, hint, after):
@@ -232,11 +238,14 @@ def event_at_end(facts, hint):
     yield from differs("its length", told["beats"], beats)
     yield from differs("its end", told["end"], number32(block.fields["start"]) + beats)
     yield from is_not("the intervals", int(told["count"]), section.count - 1)
-    left = beats - math.fsum(section.read[:-1])
-    if not -.001 < left < .001:
+    done = 0.0
+    for read in section.read[:-1]:
+        done = single(done + read)
+    left = single(beats - done)
+    if not 0 < left < .001:
         yield f"{left} beats are left"
-    if not 0 < float(told["left"]) < .001:
-        yield f"{told['left']} are told to be left"
+    yield from differs("what is left", told["left"], left, 7)
+    yield from is_not("the place", hint.place, facts.document.ranges[block.fields["length_range"]])
 
 
 def event_at_end_mended(_, hint, after):
@@ -263,6 +272,8 @@ def code_as_duration(facts, hint):
         yield f"no value of p3 is {told['value']}"
         return
     code, amount = amount_of(section.read[values[0]])
+    if hint.place[:3] not in [place_of(facts, section, value) for value in values]:
+        yield f"{told['value']} isn't made by what stands there"
     yield from is_not("the code", hint.reason.split(" it is")[0].lower(), CODES[code].split(" it is")[0].lower())
     if not any(number_seen(hint, section, value, starts, code, told) for value in values):
         yield f"no event with {told['value']} lasts {told.get('lasts', 'nothing')}; amount {amount}"

@@ -6,7 +6,7 @@ import re
 import literals
 from explain_document import number32, text
 from explain_texts import DISTRIBUTIONS, bare
-from hint_facts import Untrue, command_at, differs, is_not, made_by
+from hint_facts import differs, edited, is_not, place_of
 
 NOTE = r"[a-gA-G][sfn]*\d*"
 OTHERS = (", and so are {others} others", ", and so is another", "")
@@ -73,6 +73,8 @@ def flat_by_b(facts, hint):
         yield f"{words!r} is no flat by b"
     if told.get("flat"):
         yield from is_not("the flat", told["flat"], flat_of(words))
+    for before, now in edited(hint):
+        yield from is_not(f"what {before} becomes", now.removeprefix("f "), flat_of(before))
     if told.get("kind"):
         yield from read_as_type(facts, hint, told)
         return
@@ -131,6 +133,9 @@ def sharp_by_hash(facts, hint):
         yield f"{words!r} is no sharp by #"
         return
     yield from is_not("the sharp", told["sharp"].removeprefix("f "), note[1] + "s" + note[2])
+    for before, now in edited(hint):
+        sharp = re.fullmatch(SHARP, before)
+        yield from is_not(f"what {before} becomes", now.removeprefix("f "), sharp and sharp[1] + "s" + sharp[2])
     if told.get("macro"):
         yield from ends_macro(facts, hint, told)
         return
@@ -161,9 +166,6 @@ def sharp_by_hash_mended(facts, hint, after):
     note = re.fullmatch(SHARP, hint.words)
     if note:
         yield from is_written(facts, hint, after, note[1] + "s" + note[2])
-
-
-LETTER = 'stands first in "{words}"'
 
 
 def letter_of(facts, hint, kind, letters):
@@ -239,6 +241,9 @@ def no_rhythm(facts, hint):
                   (TWO, f"A slash parts values: {{first}} is {a}, and {{second}} is {b}")]
     told = hint.told(*with_rest(forms))
     section = hint.section()
+    for before, now in edited(hint):
+        if now != {"+": ",", "/": ""}.get(before[-1], f"re {before} rh") or before[-1] == "/" and not re.fullmatch(r"\d+/", before):
+            yield f"{before} becomes {now}"
     if told.get("words") is None:
         if not re.fullmatch(r"[-+]?0+\.*", hint.words) or not any(math.isinf(read) or read != read for read in section.read) \
                 and section.has_values:
@@ -321,6 +326,11 @@ def no_number(facts, hint):
     yield from is_not("all values", int(told.get("all") or len(section.result)), len(section.result))
     if not none:
         yield "all values are numbers"
+        return
+    value = next(place for place, each in enumerate(section.result) if not math.isfinite(each) or decibels and literals.round_int(each) <= 0)
+    yield from is_not("the place", hint.place[:3], place_of(facts, section, value))
+    if any(change != ("0", "1") for change in edited(hint)):
+        yield f"{edited(hint)} is edited"
     if decibels and "amplitude of 0" in hint.text and not any(literals.round_int(value) == 0 for value in none):
         yield "no amplitude is 0"
 
@@ -450,6 +460,7 @@ def held_list(facts, hint):
     yield from is_not("held events", int(told["held"]), section.count - section.written)
     last = section.runs[-1]
     cycle = last.fields.get("cycle", 1)
+    yield from is_not("the place", hint.place[:3], place_of(facts, section, 0))
     yield from is_not("what fills it", section.fields.get("filled"), "last")
     yield from is_not("what goes on", told["what"], "interval" if section.pfield == 2 else "chord" if cycle > 1 else "value")
     held = section.read[section.written - cycle:]
@@ -546,6 +557,7 @@ def midi_velocity(facts, hint):
                      ("Velocities go up to {top}, and the highest is 127", most),
                      ("Velocities go down to {bottom}, and the lowest is 0", least))
     values = hint.block.events.value[4]
+    yield from is_not("the place", hint.place, facts.document.ranges[hint.block.by_pfield[4].fields["range"]])
     if not facts.piece.midi:
         yield "this is no MIDI file"
     if told.get("values"):
@@ -575,6 +587,7 @@ def midi_key(facts, hint):
                      ("Keys go down to {bottom}, and the lowest is 0",
                       "p5 is in semitones, with 60 for middle C, and a key below 0 is written as it comes"))
     values = hint.block.events.value[5]
+    yield from is_not("the place", hint.place, facts.document.ranges[hint.block.by_pfield[5].fields["range"]])
     if told.get("top"):
         yield from is_not("the key", int(told["top"]), int(max(values)))
         if int(max(values)) <= 127:
