@@ -238,10 +238,10 @@ def event_at_end(facts, hint):
     yield from differs("its length", told["beats"], beats)
     yield from differs("its end", told["end"], number32(block.fields["start"]) + beats)
     yield from is_not("the intervals", int(told["count"]), section.count - 1)
-    done = 0.0
+    done = start = number32(block.fields["start"])
     for read in section.read[:-1]:
         done = single(done + read)
-    left = single(beats - done)
+    left = single(start + beats) - done
     if not 0 < left < .001:
         yield f"{left} beats are left"
     yield from differs("what is left", told["left"], left, 7)
