@@ -3,14 +3,17 @@
 include(GNUInstallDirs)
 
 set(programs orlo orlo-explain)
-if(TARGET orlo-view)
-  list(APPEND programs orlo-view)
-endif()
+foreach(program IN ITEMS orlo-export orlo-view) # not on every system
+  if(TARGET ${program})
+    list(APPEND programs ${program})
+  endif()
+endforeach()
 install(TARGETS ${programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(FILES docs/man/orlo.1 docs/man/orlo-explain.1 docs/man/orlo-view.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES docs/man/orlo.1 docs/man/orlo-explain.1 docs/man/orlo-export.1 docs/man/orlo-view.1
+  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES docs/man/orlo.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
-install(FILES completions/orlo completions/orlo-explain completions/orlo-view
+install(FILES completions/orlo completions/orlo-explain completions/orlo-export completions/orlo-view
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES packaging/orlo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
 

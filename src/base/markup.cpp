@@ -9,6 +9,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 namespace orlo {
@@ -77,6 +78,19 @@ std::string number_text(double value, int digits)
         return std::string{not_finite_text(value)};
     const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits).ptr;
     return {text.data(), end};
+}
+
+std::string decimal_text(double value, int decimals)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    std::string shown{text};
+    if (shown.find('.') != std::string::npos) {
+        shown.erase(shown.find_last_not_of('0') + 1);
+        if (shown.back() == '.')
+            shown.pop_back();
+    }
+    return shown == "-0" ? "0" : shown;
 }
 
 std::int64_t tenths(double coordinate) { return std::llround(coordinate * 10); }

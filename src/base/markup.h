@@ -20,6 +20,9 @@ std::string escaped(std::string_view text);
 /// @return "0.25", "1e+30"; never "-0"
 std::string number_text(double value, int digits = 6);
 
+/// A number with at most so many digits after the point, without zeros at their end; never "-0".
+std::string decimal_text(double value, int decimals = 3);
+
 /// Tenths of a coordinate of a drawing, rounded.
 std::int64_t tenths(double coordinate);
 

@@ -11,7 +11,9 @@ namespace {
 constexpr std::size_t WIDTH      = 78;  // columns of what is wrapped
 constexpr std::size_t MOST_SHOWN = 200; // bytes of a line of the piece that are shown
 constexpr std::size_t MOST_GONE  = 60;  // bytes of what goes that are shown
-constexpr std::size_t MOST_FIXES = 5;   // of a hint that are shown
+constexpr std::size_t FIRST_GONE = 40;  // of more than that, these and the last ones
+constexpr std::size_t LAST_GONE  = 15;
+constexpr std::size_t MOST_FIXES = 5; // of a hint that are shown
 constexpr char        MARGIN[]   = "    ";
 
 bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
@@ -124,11 +126,17 @@ void put_gone(std::string &text, std::string_view gone)
         put_bytes(text, gone);
         return;
     }
-    while (!gone.empty() && (gone.back() == '\n' || gone.back() == '\r' || gone.back() == ' '))
+    if (gone.ends_with('\n')) {
+        text += std::count(gone.begin(), gone.end(), '\n') == 1 ? "the line " : "the lines ";
         gone.remove_suffix(1);
-    std::string shown{gone.substr(0, MOST_GONE)};
-    if (shown.size() < gone.size())
-        shown += "...";
+    }
+    if (gone.size() <= MOST_GONE) {
+        put_quoted(text, gone);
+        return;
+    }
+    std::string shown{gone.substr(0, FIRST_GONE)};
+    shown += " ... ";
+    shown += gone.substr(gone.size() - LAST_GONE);
     put_quoted(text, shown);
 }
 

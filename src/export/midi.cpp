@@ -415,7 +415,7 @@ void say_grid(Writer &writer, const Grid &grid)
         writer.said.push_back(joined({"the beats are those of block ", number, ", and all notes are on their own"}));
     else
         writer.said.push_back(joined({"the beats are those of block ", number, "; ", counted(distance.events, "note"),
-                                      " of other blocks lie elsewhere than their own beats, up to ", number_text(distance.beats, 3),
+                                      " of other blocks elsewhere than on their own beats, up to ", number_text(distance.beats, 3),
                                       " beats or ", number_text(distance.seconds, 3), " s"}));
 }
 

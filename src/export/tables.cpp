@@ -1,4 +1,4 @@
-// Times are written so that reading gives the same bits; p-fields as the score has them.
+// Times are written with the digits that they have; p-fields as the score has them.
 
 #include "export/tables.h"
 
@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace orlo::exporting {
 namespace {
@@ -43,15 +44,12 @@ void put_cell(std::string &line, std::string_view text)
     line += '"';
 }
 
-// times of a piece have 32 bits
-void put_time(std::string &line, const Note &note, double value)
+// those of a piece have 32 bits
+std::string time_text(bool of_piece, double value)
 {
-    std::string text;
-    if (!std::isnan(value) && note.block != NONE)
-        put_json_number(text, static_cast<float>(value));
-    else if (!std::isnan(value))
-        put_json_number(text, value);
-    put_cell(line, text);
+    if (std::isnan(value))
+        return {};
+    return decimal_text(value, of_piece ? 6 : 9);
 }
 
 std::string file_of(const Music &music, const Note &note)
@@ -63,10 +61,10 @@ std::string cells_of(const Music &music, const Note &note, std::size_t columns)
 {
     std::string line;
     put_cell(line, music.parts[static_cast<std::size_t>(note.part)].name);
-    put_time(line, note, note.start);
-    put_time(line, note, note.duration);
-    put_time(line, note, note.beat);
-    put_time(line, note, note.beats);
+    put_cell(line, time_text(note.block != NONE, note.start));
+    put_cell(line, time_text(note.block != NONE, note.duration));
+    put_cell(line, time_text(note.block != NONE, note.beat));
+    put_cell(line, time_text(note.block != NONE, note.beats));
     put_cell(line, note.block == NONE ? "" : std::to_string(music.blocks[static_cast<std::size_t>(note.block)].number));
     put_cell(line, file_of(music, note));
     put_cell(line, note.line == 0 ? "" : std::to_string(note.line));
@@ -83,15 +81,12 @@ void put_text(JsonWriter &json, std::string_view name, std::string_view text)
     json.text(text);
 }
 
-void put_time(JsonWriter &json, std::string_view name, bool of_piece, double value)
+void put_time(JsonWriter &json, std::string_view name, const std::string &text)
 {
-    if (std::isnan(value))
+    if (text.empty())
         return;
     json.key(name);
-    if (of_piece)
-        json.number(static_cast<float>(value));
-    else
-        json.number(value);
+    json.number(std::strtod(text.c_str(), nullptr));
 }
 
 void put_whole(JsonWriter &json, std::string_view name, std::int64_t value)
@@ -108,8 +103,8 @@ void put_blocks(JsonWriter &json, const Music &music)
         json.begin_object();
         put_whole(json, "number", block.number);
         put_text(json, "instrument", music.parts[static_cast<std::size_t>(block.part)].name);
-        put_time(json, "beat", true, block.beat);
-        put_time(json, "seconds", true, block.seconds);
+        put_time(json, "beat", time_text(true, block.beat));
+        put_time(json, "seconds", time_text(true, block.seconds));
         if (!block.comment.empty())
             put_text(json, "comment", block.comment);
         json.end_object();
@@ -135,10 +130,10 @@ void put_note(JsonWriter &json, const Music &music, const Note &note, const Name
 {
     json.begin_object();
     put_text(json, "instrument", music.parts[static_cast<std::size_t>(note.part)].name);
-    put_time(json, "start", note.block != NONE, note.start);
-    put_time(json, "duration", note.block != NONE, note.duration);
-    put_time(json, "beat", note.block != NONE, note.beat);
-    put_time(json, "beats", note.block != NONE, note.beats);
+    put_time(json, "start", time_text(note.block != NONE, note.start));
+    put_time(json, "duration", time_text(note.block != NONE, note.duration));
+    put_time(json, "beat", time_text(note.block != NONE, note.beat));
+    put_time(json, "beats", time_text(note.block != NONE, note.beats));
     if (note.block != NONE)
         put_whole(json, "block", music.blocks[static_cast<std::size_t>(note.block)].number);
     if (note.file != NONE)

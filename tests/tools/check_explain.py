@@ -692,7 +692,8 @@ def check_start(block, document):
 
 def written_number(words):
     """The number that is written, and nothing else; not a number for something else."""
-    return single(float(words)) if re.fullmatch(rb"[-+]?[\d.]+", words) else float("nan")
+    number_text = re.sub(rb"^- +", b"-", words)  # of events
+    return single(float(number_text)) if re.fullmatch(rb"[-+]?[\d.]+", number_text) else float("nan")
 
 
 def check_header(block, document, source):
@@ -796,12 +797,26 @@ def check_hints(outcome, source):
             faults.append(f"hints: {hint['name']} is about {shown}")
         if not 0 <= hint.get("block", 0) < max(len(document.blocks), 1):
             faults.append(f"hints: there is no block {hint['block']}")
+        elif "block" in hint and "range" in hint and not lies_in_block(document, hint):
+            faults.append(f"hints: {hint['name']} is not about block {hint['block']}")
         edits = [document.ranges[edit["range"]] for edit in hint.get("edits", [])]
         if any(a.file != b.file or (a.end_line, a.end_byte) > (b.line, b.byte) for a, b in zip(edits, edits[1:])):
             faults.append(f"hints: edits of {hint['name']} lie in two files or over each other")
     if sum(line.endswith(b"]") and b": warning: " in line for line in said) < len(document.fields["hints"]):
         faults.append("hints: there are more than are said")
     return faults
+
+
+def lies_in_block(document, hint):
+    """Whether a hint stands behind the beginning of its block and before the next one; of what came through calls or from another
+    file that is not asked."""
+    place, after = document.ranges[hint["range"]], []
+    for block in document.blocks[hint["block"]:hint["block"] + 2]:
+        begin = document.ranges[block.fields["range"]] if "range" in block.fields else None
+        if begin is None or begin.file != place.file or begin.call != -1 or place.call != -1:
+            return True
+        after.append((place.line, place.byte) >= (begin.line, begin.byte))
+    return after[0] and not any(after[1:])
 
 
 def in_one_line(words):
@@ -820,8 +835,9 @@ def shown_gone(gone):
     """What an edit takes away: as much of it as is shown, characters that can't be seen by their numbers."""
     if len(gone) <= 4 and not any(32 <= byte < 127 or byte in b"\n\t" for byte in gone):
         return (b"the byte " if len(gone) == 1 else b"the bytes ") + b" ".join(b"%02X" % byte for byte in gone)
-    gone = gone.rstrip(b"\n\r ")
-    return b'"%s"' % in_one_line(gone if len(gone) <= 60 else gone[:60] + b"...")
+    label = (b"the line " if gone.count(b"\n") == 1 else b"the lines ") if gone.endswith(b"\n") else b""
+    gone = gone[:-1] if label else gone
+    return label + b'"%s"' % in_one_line(gone if len(gone) <= 60 else gone[:40] + b" ... " + gone[-15:])
 
 
 def fix_of(edit, document, source):

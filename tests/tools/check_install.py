@@ -17,6 +17,7 @@ import tempfile
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../..")
 FILES = ["bin/orlo", "bin/orlo-view", "share/man/man1/orlo-view.1", "share/bash-completion/completions/orlo-view",
          "bin/orlo-explain", "share/man/man1/orlo-explain.1", "share/bash-completion/completions/orlo-explain",
+         "bin/orlo-export", "share/man/man1/orlo-export.1", "share/bash-completion/completions/orlo-export",
          "share/doc/orlo/explain.schema.json",
          "share/man/man1/orlo.1", "share/man/man5/orlo.5", "share/bash-completion/completions/orlo",
          "share/mime/packages/orlo.xml", "share/doc/orlo/LICENSE",
@@ -43,7 +44,8 @@ COMPLETIONS = [  # what is typed, what is offered
     (["orlo-view", "-f", "txt", ""], ["folder", "old.mid", "old.sco", "piece.orlo"]),
     (["orlo-view", "n"], []),
     (["orlo-view", "old.sco", ""], []),
-    (["orlo-explain", "-"], ["--format=gcc", "--format=json", "--help", "--no-events", "--version", "-h", "-m", "-o", "-V"]),
+    (["orlo-explain", "-"], ["--format=gcc", "--format=json", "--help", "--hints", "--list-hints", "--no-events", "--version", "-h", "-m",
+                             "-o", "-V"]),
     (["orlo-explain", "--f"], ["--format=gcc", "--format=json"]),
     (["orlo-explain", "--format", "="], ["gcc", "json"]),
 (["orlo-explain", "--format", "=", ""], ["gcc", "json"]),
@@ -54,6 +56,14 @@ COMPLETIONS = [  # what is typed, what is offered
     (["orlo-explain", "o"], ["old.mid", "old.sco"]),
     (["orlo-explain", "piece.orlo", ""], []),
     (["orlo-explain", "piece.orlo", "-o", "p"], ["piece.orlo"]),
+    (["orlo-export", "--m"], ["--map", "--meter", "--mpe"]),
+    (["orlo-export", "-f", ""], ["csv", "json", "mid"]),
+    (["orlo-export", "--map", "n"], ["none"]),
+    (["orlo-export", "--by", ""], ["block"]),
+    (["orlo-export", "--meter", ""], []),
+    (["orlo-export", "--meter", "3/4", ""], ["document.csd", "folder", "old.sco", "piece.orlo"]),
+    (["orlo-export", "piece.orlo", ""], []),
+    (["orlo-export", "piece.orlo", "-o", "o"], ["old.mid", "old.sco"]),
 ]
 
 faults = []
@@ -99,6 +109,11 @@ def check_program(prefix, version, work):
     expect(shown.stdout == f"orlo-explain {version}\n", f"orlo-explain: {shown.stdout}")
     shown = run([explain, "--no-events", "quartet.orlo"], cwd=examples)
     expect(shown.returncode == 0 and json.loads(shown.stdout)["status"] == 0, f"orlo-explain quartet.orlo: {shown.stdout}")
+    export = os.path.join(prefix, "bin/orlo-export")
+    shown = run([export, "--version"])
+    expect(shown.stdout == f"orlo-export {version}\n", f"orlo-export: {shown.stdout}")
+    made = run([export, "quartet.orlo", "-o", os.path.join(work, "quartet.mid")], cwd=examples)
+    expect(made.returncode == 0, f"orlo-export quartet.orlo: {made.stdout}")
     made = run([program, "quartet.orlo", os.path.join(work, "quartet.sco")], cwd=examples)
     expect(made.returncode == 0, f"quartet.orlo: status {made.returncode}\n{made.stdout}")
 
@@ -106,7 +121,7 @@ def check_program(prefix, version, work):
 def check_pages(prefix):
     if not shutil.which("mandoc"):
         return
-    for name in ("orlo.1", "orlo-explain.1", "orlo-view.1", "orlo.5"):
+    for name in ("orlo.1", "orlo-explain.1", "orlo-export.1", "orlo-view.1", "orlo.5"):
         page = run(["mandoc", "-T", "lint", os.path.join(prefix, f"share/man/man{name[-1]}/{name}")])
         expect(page.returncode == 0, f"{name}: {page.stdout}")
 

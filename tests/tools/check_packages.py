@@ -17,9 +17,10 @@ import tarfile
 import tempfile
 
 DEB_TOOLS = ("dpkg-deb", "dpkg-shlibdeps", "file", "lintian")
-DEB_FILES = ["usr/bin/orlo", "usr/bin/orlo-explain", "usr/bin/orlo-view", "usr/share/man/man1/orlo.1.gz",
-             "usr/share/man/man1/orlo-explain.1.gz", "usr/share/man/man1/orlo-view.1.gz",
+DEB_FILES = ["usr/bin/orlo", "usr/bin/orlo-explain", "usr/bin/orlo-export", "usr/bin/orlo-view", "usr/share/man/man1/orlo.1.gz",
+             "usr/share/man/man1/orlo-explain.1.gz", "usr/share/man/man1/orlo-export.1.gz", "usr/share/man/man1/orlo-view.1.gz",
              "usr/share/man/man5/orlo.5.gz", "usr/share/doc/orlo/copyright",
+             "usr/share/bash-completion/completions/orlo-export",
              "usr/share/bash-completion/completions/orlo-explain", "usr/share/bash-completion/completions/orlo-view",
              "usr/share/doc/orlo/explain.schema.json",
              "usr/share/doc/orlo/changelog.gz", "usr/share/doc/orlo/examples/csd/first.csd",
@@ -27,7 +28,7 @@ DEB_FILES = ["usr/bin/orlo", "usr/bin/orlo-explain", "usr/bin/orlo-view", "usr/s
              "usr/share/vim/vimfiles/syntax/orlo.vim", "usr/share/emacs/site-lisp/orlo-mode.el",
              "usr/share/orlo/editors/orlo.tmLanguage.json"]
 SOURCE_FILES = ["CMakeLists.txt", "LICENSE", "README.md", "src/driver/main.cpp", "scripts/test", "tests/run_case.py",
-                "examples/first.orlo", "docs/man/orlo.1", "docs/man/orlo-explain.1", "docs/man/orlo-view.1", "docs/explain.schema.json", "editors/make_editors.py"]
+                "examples/first.orlo", "docs/man/orlo.1", "docs/man/orlo-explain.1", "docs/man/orlo-export.1", "docs/man/orlo-view.1", "docs/explain.schema.json", "editors/make_editors.py"]
 
 
 def run(command, **options):

@@ -6,8 +6,9 @@ from bisect import bisect_right
 from explain_document import Fault, text as document_text
 from text_tree import Call, Character, Constant, Definition, Include, Line, Parameter, Reference, Layout, Walk
 
-PLACES = ("range", "span_range")
-OWN_CHECKS = ("files", "ranges", "calls", "macros", "constants", "conditionals")  # parts of a document that moves change
+PLACES = ("range", "span_range", "pfields_range", "start_range", "length_range")
+OWN_CHECKS = ("files", "ranges", "calls", "macros", "constants", "conditionals", "hints")  # parts of a document that moves change
+OF_TIME = ("late-block", "late-curve", "cut-span", "negative-interval")  # hints that are of what sounds, however it is written
 AFTER_ERROR = ("commands", "tempo", "sequences")  # go on behind an error, which ends the line it stands in
 
 
@@ -198,6 +199,7 @@ class Comparison:
         self.check_constants()
         self.check_conditionals()
         self.check_calls()
+        self.check_hints()
         for block in new["blocks"]:
             events = block.get("events", {"count": 0, "pfields": []})
             self.counts["events"] += events["count"]
@@ -389,6 +391,17 @@ class Comparison:
         known = {self.image.call_of((), self.original.call(number)) for number in range(len(self.original.data["calls"]))}
         through = [None] + [call for call in map(self.original.call, range(len(self.original.data["calls"]))) if call[0] == "macro"]
         return known | {self.image.call_of(path, call) for path in set(self.image.walk.visits) for call in through}
+
+    def check_hints(self):
+        """Those of time are the same; all have places."""
+        for hint in self.moved.data["hints"]:
+            for each in (hint, *hint.get("edits", [])):
+                if "range" in each:
+                    self.moved.place(each["range"])
+        if self.has_error():
+            return
+        new, old = ([each for each in data["hints"] if each["name"] in OF_TIME] for data in (self.moved.data, self.original.data))
+        self.equal("hints of time", sorted(each["text"] for each in new), sorted(each["text"] for each in old))
 
     def check_calls(self):
         """Each call is one of those that are expected, and says what it stands for."""

@@ -38,7 +38,7 @@ std::string reason_of_loss(double value)
         return "a constant is always written with three decimals, so that nothing is left of this one";
     if (fraction >= 0.9995)
         return "a fraction that three decimals round up to a whole is written wrongly";
-    return "a constant is always written with three decimals; this one is " + short_number(100.0 * loss_of(value), 2) +
+    return "a constant is always written with three decimals; this one is " + decimal_text(100.0 * loss_of(value), 2) +
            " % off by that";
 }
 
@@ -71,7 +71,7 @@ void look_at_losses(Finder &finder)
             continue;
         add(finder, {HintKind::three_decimals,
                      quoted(text_at(finder, call.place)) + " is written as " + written(call.value) + ", not as " +
-                         short_number(call.value, 6),
+                         decimal_text(call.value, 6),
                      reason_of_loss(call.value),
                      call.place,
                      NONE,
@@ -94,7 +94,7 @@ void look_at_cuts(Finder &finder)
                   cut.block,
                   {}};
         if (is_fixed(finder, call) && call.value == std::floor(call.value) && std::fabs(call.value) < MOST_WHOLE)
-            hint.edits = {{call.place, short_number(call.value, 0)}};
+            hint.edits = {{call.place, decimal_text(call.value, 0)}};
         add(finder, std::move(hint));
     }
 }

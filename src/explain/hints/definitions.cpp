@@ -177,7 +177,7 @@ void add_unused_constants(Finder &finder, const Usage &usage)
         if (name == std::string_view::npos)
             word = place;
         add(finder, {HintKind::unused_constant, "constant " + constant.name + " is never used",
-                     "nothing that is used needs ~" + constant.name + "; its value is " + short_number(constant.value, 6), word,
+                     "nothing that is used needs ~" + constant.name + "; its value is " + decimal_text(constant.value, 6), word,
                      NONE, take_out(finder, place)});
     }
 }

@@ -141,30 +141,12 @@ Place end_of_section(const Finder &finder, const Block &block, std::size_t index
     return behind(outermost(finder, block.place));
 }
 
-std::string short_number(double number, int digits)
-{
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", digits, number);
-    std::string shown{text};
-    if (shown.find('.') != std::string::npos) {
-        shown.erase(shown.find_last_not_of('0') + 1);
-        if (shown.back() == '.')
-            shown.pop_back();
-    }
-    return shown == "-0" ? "0" : shown;
-}
-
 std::string quoted(std::string_view text)
 {
     std::string result(1, '"');
     result += text;
     result += '"';
     return result;
-}
-
-std::string counted(std::uint64_t count, std::string_view what)
-{
-    return std::to_string(count) + " " + std::string{what} + (count == 1 ? "" : "s");
 }
 
 } // namespace orlo::explain

@@ -1,6 +1,7 @@
 // finder.h: what the rooms of the hints share: the piece, its text by places, and words for figures. Changes nothing of the piece.
 #pragma once
 
+#include "base/markup.h"
 #include "explain/gathered.h"
 #include "explain/hints/hint.h"
 
@@ -67,14 +68,8 @@ inline constexpr std::size_t MOST_LINE = 2047; // bytes; longer lines are read i
 /// Index of a block.
 [[nodiscard]] std::int32_t index_of(const Finder &finder, const Block &block);
 
-/// A number with at most so many digits after the point, without zeros at their end.
-[[nodiscard]] std::string short_number(double number, int digits = 3);
-
 /// A text in quotation marks.
 [[nodiscard]] std::string quoted(std::string_view text);
-
-/// "1 event", "2 events".
-[[nodiscard]] std::string counted(std::uint64_t count, std::string_view what);
 
 /// Takes a text out, with its line where nothing else stands there.
 [[nodiscard]] std::vector<Edit> take_out(const Finder &finder, const Place &place);

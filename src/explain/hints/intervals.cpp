@@ -61,16 +61,16 @@ std::vector<Edit> in_seconds(const Finder &finder, const Block &block, const Sec
         if (block.tempo_moves || !is_plain(command.span_place))
             return {};
         if (text.starts_with('T'))
-            edits.push_back({command.span_place, "T*" + short_number(*command.span / static_cast<double>(block.beats) * factor)});
+            edits.push_back({command.span_place, "T*" + decimal_text(*command.span / static_cast<double>(block.beats) * factor)});
         else
-            edits.push_back({command.span_place, short_number(*command.span * factor)});
+            edits.push_back({command.span_place, decimal_text(*command.span * factor)});
     }
     return edits;
 }
 
 std::string tempo_of(const Block &block)
 {
-    return block.tempo_moves ? "a tempo that moves" : "tempo " + short_number(static_cast<double>(block.tempo));
+    return block.tempo_moves ? "a tempo that moves" : "tempo " + decimal_text(static_cast<double>(block.tempo));
 }
 
 // what is wrong with a generator's span; empty when nothing is
@@ -80,9 +80,9 @@ std::string fault_of(const Block &block, const Command &command)
     const bool   stopped = share_of(command) < SHORT;
     const double room    = static_cast<double>(block.start + block.beats) - (static_cast<double>(block.reach) - command.beats);
     if (!stopped && (command.beats < SHORT * span || command.beats * SHORT > span))
-        return name_of_command(command) + " covers " + short_number(command.beats) + " beats instead of " + short_number(span);
+        return name_of_command(command) + " covers " + decimal_text(command.beats) + " beats instead of " + decimal_text(span);
     if (stopped && has_way(command) && span <= room / SHORT)
-        return name_of_command(command) + " goes only " + short_number(share_of(command), 2) + " of its way";
+        return name_of_command(command) + " goes only " + decimal_text(share_of(command), 2) + " of its way";
     return {};
 }
 
@@ -98,8 +98,8 @@ void look_at_seconds(Finder &finder, const Block &block, const Section &starts)
         if (text.empty())
             continue;
         add(finder, {HintKind::seconds_in_p2, std::move(text),
-                     "in p2 a span counts seconds: at " + tempo_of(block) + " its intervals take " + short_number(command.seconds) +
-                         " s for " + short_number(command.beats) + " beats, and the span is " + short_number(*command.span) + " s",
+                     "in p2 a span counts seconds: at " + tempo_of(block) + " its intervals take " + decimal_text(command.seconds) +
+                         " s for " + decimal_text(command.beats) + " beats, and the span is " + decimal_text(*command.span) + " s",
                      command.span_place, index_of(finder, block), in_seconds(finder, block, starts)});
         return;
     }
@@ -132,7 +132,7 @@ std::vector<Edit> as_fraction(const Finder &finder, const Command *setting)
     Place place = setting->place;
     place.end   = place.begin + end;
     place.begin += begin + 1;
-    return {{place, short_number(setting->numbers.front() / 100.0, 4)}};
+    return {{place, decimal_text(setting->numbers.front() / 100.0, 4)}};
 }
 
 void look_at_deviation(Finder &finder, const Block &block, const Section &starts)
@@ -142,10 +142,10 @@ void look_at_deviation(Finder &finder, const Block &block, const Section &starts
     const Command *setting = only_deviation(finder, block, starts);
     add(finder,
         {HintKind::backward_starts, "deviation turns " + counted(starts.turned, "interval") + " of p2 below 0, and so into rests",
-         "a deviation of " + short_number(static_cast<double>(starts.deviation)) + " makes intervals " +
-             short_number(static_cast<double>(starts.deviation) * 50.0) + " per cent longer or shorter, and of " +
+         "a deviation of " + decimal_text(static_cast<double>(starts.deviation)) + " makes intervals " +
+             decimal_text(static_cast<double>(starts.deviation) * 50.0) + " per cent longer or shorter, and of " +
              counted(starts.count, "interval") + " the one that is furthest back has " +
-             short_number(static_cast<double>(starts.furthest)) + " s",
+             decimal_text(static_cast<double>(starts.furthest)) + " s",
          setting != nullptr ? setting->place : starts.place, index_of(finder, block), as_fraction(finder, setting)});
 }
 
@@ -154,7 +154,7 @@ void look_at_backward(Finder &finder, const Block &block, const Section &starts)
     if (starts.backward == 0 || block.events > 0)
         return;
     add(finder, {HintKind::negative_interval,
-                 counted(starts.backward, "interval") + " below 0 in a block of " + short_number(static_cast<double>(block.beats)) +
+                 counted(starts.backward, "interval") + " below 0 in a block of " + decimal_text(static_cast<double>(block.beats)) +
                      " beats",
                  "such an interval makes a rest, but it counts backwards, so that the block " +
                      std::string{block.closed ? "became longer" : "does not come to its end"} +

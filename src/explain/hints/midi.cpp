@@ -42,7 +42,7 @@ std::vector<Edit> scale(const Finder &finder, const Section &section)
 
 std::string range_of(double least, double greatest)
 {
-    return least == greatest ? short_number(least) : short_number(least) + " to " + short_number(greatest);
+    return least == greatest ? decimal_text(least) : decimal_text(least) + " to " + decimal_text(greatest);
 }
 
 void look_at_velocities(Finder &finder, const Block &block, const Section &section)
@@ -59,15 +59,15 @@ void look_at_velocities(Finder &finder, const Block &block, const Section &secti
              section.place, index_of(finder, block), values.greatest <= HIGHEST ? scale(finder, section) : std::vector<Edit>{}});
     else if (greatest >= HIGHEST + 1.0)
         add(finder, {HintKind::midi_velocity,
-                     "velocities go up to " + short_number(greatest, 0) + ", and the highest is 127",
-                     "p4 is an amplitude up to 32767, and goes up to " + short_number(values.greatest),
+                     "velocities go up to " + decimal_text(greatest, 0) + ", and the highest is 127",
+                     "p4 is an amplitude up to 32767, and goes up to " + decimal_text(values.greatest),
                      section.place,
                      index_of(finder, block),
                      {}});
     else if (least <= -1.0)
         add(finder, {HintKind::midi_velocity,
-                     "velocities go down to " + short_number(least, 0) + ", and the lowest is 0",
-                     "p4 is an amplitude from 0 to 32767, and goes down to " + short_number(values.least),
+                     "velocities go down to " + decimal_text(least, 0) + ", and the lowest is 0",
+                     "p4 is an amplitude from 0 to 32767, and goes down to " + decimal_text(values.least),
                      section.place,
                      index_of(finder, block),
                      {}});
@@ -80,14 +80,14 @@ void look_at_keys(Finder &finder, const Block &block, const Section &section)
     const bool too_high = section.statistics.count > 0 && section.statistics.greatest >= HIGHEST + 1.0;
     if (too_low)
         add(finder, {HintKind::midi_key,
-                     "keys go down to " + short_number(least, 0) + ", and the lowest is 0",
+                     "keys go down to " + decimal_text(least, 0) + ", and the lowest is 0",
                      "p5 is in semitones, with 60 for middle C, and a key below 0 is written as it comes",
                      section.place,
                      index_of(finder, block),
                      {}});
     else if (too_high)
         add(finder, {HintKind::midi_key,
-                     "keys go up to " + short_number(section.statistics.greatest, 0) + ", and the highest is 127",
+                     "keys go up to " + decimal_text(section.statistics.greatest, 0) + ", and the highest is 127",
                      "p5 is in semitones, with 60 for middle C, and keys above 127 start again from 0",
                      section.place,
                      index_of(finder, block),

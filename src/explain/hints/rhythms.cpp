@@ -81,7 +81,7 @@ std::string value_of(std::string_view rhythm)
 {
     const double beats = beats_of(rhythm);
     return beats == 0.0 ? "0 is none, and makes the interval infinite"
-                        : std::string{rhythm} + " is " + short_number(beats) + (beats == 1.0 ? " beat" : " beats");
+                        : std::string{rhythm} + " is " + decimal_text(beats) + (beats == 1.0 ? " beat" : " beats");
 }
 
 enum class Meant { beats, tie };

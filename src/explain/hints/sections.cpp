@@ -71,7 +71,7 @@ std::string why_full(const Block &block, const Section &section)
         return "the block has " + counts + ", and by then each of them has its value";
     if (block.events > 0)
         return "the block has " + counted(block.events, "event") + " by its length";
-    const std::string beats = short_number(static_cast<double>(block.beats)) + (block.beats == 1.0F ? " beat" : " beats");
+    const std::string beats = decimal_text(static_cast<double>(block.beats)) + (block.beats == 1.0F ? " beat" : " beats");
     return "the block is " + beats + " long, and " + counts + (section.count == 1 ? " has" : " have") + " used " +
            (block.beats == 1.0F ? "it" : "them") + " up";
 }
@@ -188,10 +188,10 @@ void look_at_end(Finder &finder, const Block &block)
         return;
     std::vector<Edit> edits;
     if (is_plain(block.header.length) && !has_generators(starts))
-        edits.push_back({block.header.length, short_number(1.0 - static_cast<double>(starts.count))});
-    add(finder, {HintKind::event_at_end, name_of(finder, block) + " has an event at its very end, at beat " + short_number(end),
-                 counted(starts.count - 1, "interval") + " do not fill its " + short_number(static_cast<double>(block.beats)) +
-                     " beats exactly: " + short_number(left, 7) + " of a beat is left, and one more event begins there",
+        edits.push_back({block.header.length, decimal_text(1.0 - static_cast<double>(starts.count))});
+    add(finder, {HintKind::event_at_end, name_of(finder, block) + " has an event at its very end, at beat " + decimal_text(end),
+                 counted(starts.count - 1, "interval") + " do not fill its " + decimal_text(static_cast<double>(block.beats)) +
+                     " beats exactly: " + decimal_text(left, 7) + " of a beat is left, and one more event begins there",
                  block.header.length, index_of(finder, block), std::move(edits)});
 }
 

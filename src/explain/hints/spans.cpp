@@ -40,11 +40,11 @@ void look_at_curve(Finder &finder, const Block &block, const Command &command)
         std::none_of(command.sets.begin(), command.sets.end(), is_by_beats))
         return;
     add(finder,
-        {HintKind::late_curve, name_of_command(command) + " with * goes only " + short_number(got / way, 2) + " of its way",
-         "it covers beats " + short_number(static_cast<double>(command.first_beat)) + " to " +
-             short_number(static_cast<double>(command.last_beat)) + ", and the length of the way is reckoned as " +
-             short_number(static_cast<double>(command.last_beat)) + " + " + short_number(static_cast<double>(command.first_beat)) +
-             " beats; its last value is " + short_number(static_cast<double>(command.last_value)),
+        {HintKind::late_curve, name_of_command(command) + " with * goes only " + decimal_text(got / way, 2) + " of its way",
+         "it covers beats " + decimal_text(static_cast<double>(command.first_beat)) + " to " +
+             decimal_text(static_cast<double>(command.last_beat)) + ", and the length of the way is reckoned as " +
+             decimal_text(static_cast<double>(command.last_beat)) + " + " + decimal_text(static_cast<double>(command.first_beat)) +
+             " beats; its last value is " + decimal_text(static_cast<double>(command.last_value)),
          command.place, index_of(finder, block), by_events(finder, command)});
 }
 
@@ -58,12 +58,12 @@ void look_at_count(Finder &finder, const Block &block, const Section &section, c
         return;
     std::vector<Edit> edits;
     if (section.pfield > 2 && is_plain(command.span_place))
-        edits.push_back({command.span_place, command.first == 0 ? "T" : short_number(-static_cast<double>(command.count))});
+        edits.push_back({command.span_place, command.first == 0 ? "T" : decimal_text(-static_cast<double>(command.count))});
     add(finder,
         {HintKind::cut_span,
          name_of_command(command) + " is cut off after " + std::to_string(command.count) + " of its " + counted(wanted, "event"),
          "the block has " + counted(section.count, "event") + ", " + std::to_string(command.first) +
-             " of them before this; its last value is " + short_number(static_cast<double>(command.last_value)),
+             " of them before this; its last value is " + decimal_text(static_cast<double>(command.last_value)),
          command.span_place, index_of(finder, block), std::move(edits)});
 }
 

@@ -92,21 +92,21 @@ std::vector<Edit> move_start(const Finder &finder, const Block &block, double ti
     if (!is_plain(block.header.start) || block.start < block.settles || beat < static_cast<double>(block.settles))
         return {};
     const bool        at_the_end = std::fabs(end_before(finder, block) - time) < THOUSANDTH;
-    const std::string seconds    = at_the_end ? "@2" : short_number(time);
-    return {{block.header.start, "~[" + seconds + " * " + short_number(static_cast<double>(block.tempo)) + " / 60]"}};
+    const std::string seconds    = at_the_end ? "@2" : decimal_text(time);
+    return {{block.header.start, "~[" + seconds + " * " + decimal_text(static_cast<double>(block.tempo)) + " / 60]"}};
 }
 
 std::string reason_of(const Finder &finder, const Block &block, const Reference &reference)
 {
     std::string reason = "its start is reckoned at the tempo of that beat alone, " +
-                         short_number(static_cast<double>(block.tempo)) + ": " + short_number(static_cast<double>(block.start)) +
-                         " * 60 / " + short_number(static_cast<double>(block.tempo)) + " = " +
-                         short_number(static_cast<double>(block.seconds)) + " s; ";
+                         decimal_text(static_cast<double>(block.tempo)) + ": " + decimal_text(static_cast<double>(block.start)) +
+                         " * 60 / " + decimal_text(static_cast<double>(block.tempo)) + " = " +
+                         decimal_text(static_cast<double>(block.seconds)) + " s; ";
     if (reference.block != nullptr)
-        reason += name_of(finder, *reference.block) + " has beat " + short_number(static_cast<double>(block.start)) + " at ";
+        reason += name_of(finder, *reference.block) + " has beat " + decimal_text(static_cast<double>(block.start)) + " at ";
     else
-        reason += "through all tempos before it, beat " + short_number(static_cast<double>(block.start)) + " lies at ";
-    return reason + short_number(reference.time) + " s";
+        reason += "through all tempos before it, beat " + decimal_text(static_cast<double>(block.start)) + " lies at ";
+    return reason + decimal_text(reference.time) + " s";
 }
 
 // whether it is where it is to be expected
@@ -119,8 +119,8 @@ bool look_at_start(Finder &finder, const Block &block, const std::vector<const B
     if (is_heard_at(block, reference.time) || follows(references, block))
         return true;
     add(finder, {HintKind::late_block,
-                 name_of(finder, block) + " starts " + short_number(std::fabs(distance)) + " s " +
-                     (distance < 0.0 ? "before" : "after") + " beat " + short_number(static_cast<double>(block.start)) +
+                 name_of(finder, block) + " starts " + decimal_text(std::fabs(distance)) + " s " +
+                     (distance < 0.0 ? "before" : "after") + " beat " + decimal_text(static_cast<double>(block.start)) +
                      (reference.block != nullptr ? " of " + name_of(finder, *reference.block) : " of the tempo map"),
                  reason_of(finder, block, reference), block.header.start, index_of(finder, block),
                  move_start(finder, block, reference.time)});

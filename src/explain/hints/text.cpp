@@ -225,9 +225,19 @@ bool begins_line(std::string_view text)
     return header || text.front() == '>' || text.front() == '#' || std::any_of(commands.begin(), commands.end(), is_command);
 }
 
+// what stands behind a block on the last line of the input is read
+bool is_last_line(const Finder &finder, const Place &place)
+{
+    const File            &file = file_of(finder, place);
+    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped);
+    const std::size_t      end  = rest.find('\n');
+    return place.file == 0 && (end == std::string_view::npos || end + 1 == rest.size());
+}
+
 void look_behind(Finder &finder, const Block &block)
 {
-    if (!block.closed || !is_plain(block.place) || char_at(finder, block.place.file, block.place.end - 1) != '}')
+    if (!block.closed || !is_plain(block.place) || char_at(finder, block.place.file, block.place.end - 1) != '}' ||
+        is_last_line(finder, block.place))
         return;
     const Place            rest = rest_of_line(finder, block.place);
     const std::string_view text = text_at(finder, rest);

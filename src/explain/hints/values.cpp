@@ -61,14 +61,14 @@ bool is_usual(const Coded &coded)
 std::string meaning_of(const Coded &coded)
 {
     const auto        value = static_cast<double>(coded.value);
-    const std::string least = short_number(static_cast<double>(coded.least));
+    const std::string least = decimal_text(static_cast<double>(coded.least));
     if (coded.value < SHORTER)
         return "from 200 to below 300 it is the interval plus p3 - 200 seconds: " + least + " s";
     if (coded.value < BEATS)
-        return "from 300 to below 400 it is the interval minus p3 - 300 seconds: " + short_number(value - 300.0) +
+        return "from 300 to below 400 it is the interval minus p3 - 300 seconds: " + decimal_text(value - 300.0) +
                " s less than the interval has";
     if (coded.value < SECONDS)
-        return "from 400 to below 1000 it is p3 - 400 beats: " + short_number(value - 400.0) + " beats";
+        return "from 400 to below 1000 it is p3 - 400 beats: " + decimal_text(value - 400.0) + " beats";
     return "from 1000 up it is p3 - 1000 seconds: " + least + " s";
 }
 
@@ -85,7 +85,7 @@ std::vector<Edit> in_seconds(const Section &section)
             value != std::floor(value))
             return {};
         count += coded.count;
-        edits.push_back({coded.place, short_number(1000.0 + value / 1000.0)});
+        edits.push_back({coded.place, decimal_text(1000.0 + value / 1000.0)});
     }
     if (count != section.count || other_types)
         return {};
@@ -105,9 +105,9 @@ void look_at_codes(Finder &finder, const Block &block, const Section &section)
         return;
     const bool silent = wrong->greatest <= 0.0F;
     add(finder, {HintKind::code_as_duration,
-                 "p3 of " + short_number(static_cast<double>(wrong->value)) + " is a code, " +
+                 "p3 of " + decimal_text(static_cast<double>(wrong->value)) + " is a code, " +
                      (silent ? "and leaves nothing of an event"
-                             : "which makes an event last " + short_number(static_cast<double>(wrong->least)) + " s"),
+                             : "which makes an event last " + decimal_text(static_cast<double>(wrong->least)) + " s"),
                  meaning_of(*wrong) + "; 1000.5 is half a second", wrong->place, index_of(finder, block), in_seconds(section)});
 }
 
