@@ -133,7 +133,8 @@ class Checks(unittest.TestCase):
         self.assertIn("nothing checks new-hint", shown.faults()[0])
 
     def test_hint_on_a_page_is_found(self):
-        facts = Checker(OPTIONS.explain).run(explain_pieces.Piece("first.orlo", "in.orlo", {"in.orlo": b"#const never 3\ni1 = 3 0 1 { p2 1 p3 1 }\n"}))
+        piece = explain_pieces.Piece("first.orlo", "in.orlo", {"in.orlo": b"#const never 3\ni1 = 3 0 1 { p2 1 p3 1 }\n"})
+        facts = Checker(OPTIONS.explain).run(piece)
         self.assertEqual(check_hint_truths.check_place(facts), ["a piece of a page has the hint unused-constant"])
 
 

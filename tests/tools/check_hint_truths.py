@@ -23,6 +23,7 @@ import tempfile
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path[:0] = [HERE, os.path.join(HERE, "../../src/tables")]
 import explain_pieces
+import hints_of_letters
 import hints_of_text
 import hints_of_time
 import hints_of_values
@@ -31,7 +32,7 @@ import stumbles
 from explain_document import Document, Fault, text
 from hint_facts import Facts, Untrue, mended
 
-TRUTHS = hints_of_time.TRUTHS | hints_of_values.TRUTHS | hints_of_text.TRUTHS
+TRUTHS = hints_of_time.TRUTHS | hints_of_letters.TRUTHS | hints_of_values.TRUTHS | hints_of_text.TRUTHS
 PLAIN = re.compile(r"(?:README|docs/tutorial|docs/manual|examples/README)\.md: |\w+\.(?:orlo|csd)(?: -m)?$")
 ERRORS = (Fault, Untrue, KeyError, IndexError, ValueError, TypeError, ArithmeticError)
 ABOUT = {  # pieces that may show hints, and why
@@ -39,6 +40,7 @@ ABOUT = {  # pieces that may show hints, and why
     "docs/manual.md: xconst": ("decimals-in-whole", "a constant behind x"),
     "docs/manual.md: loop": ("values-after-loop", "what stands behind a loop comes once"),
     "docs/manual.md: seeds": ("same-seed", "sections with the same seed"),
+    "docs/manual.md: sections": ("flat-by-b late-block", "the chapter of hints shows what they look like"),
     "docs/manual.md: blockstart": ("late-block", "the start of a block after a change of tempo"),
     "docs/manual.md: constants": ("three-decimals", "a third is written as 0.333"),
 }
@@ -103,7 +105,8 @@ class Checker:
         if now.count(here) >= before.count(here) or hint.name not in IN_PARTS and here[:2] in [each[:2] for each in now]:
             yield "the hint is still there"
         new = {name for name, _, _ in now} - {name for name, _, _ in before} - set(AFTER.get(hint.name, ("",))[0].split())
-        if new and facts.document.status == 0 and hint.name not in READS_MORE and not begins_to_sound(hint, after):  # behind an error hints were not looked for
+        known = facts.document.status == 0 and hint.name not in READS_MORE  # behind an error hints were not looked for
+        if new and known and not begins_to_sound(hint, after):
             yield f"it brings {', '.join(sorted(new))}"
         worse = severities(after, "error") - severities(facts, "error")
         if worse and facts.document.status == 0:  # behind one error may be another
@@ -184,7 +187,8 @@ def shown_pieces(folder):
         first = files[path.name].split(b"\n", 1)[0].decode("latin-1")
         midi = first.startswith("; run with:") and "-m" in first
         up = "../" if first.startswith("; run from:") else ""
-        yield explain_pieces.Piece(f"{path.parent.name}/{path.name}", up + path.name, {up + name: data for name, data in files.items()}, midi)
+        beside = {up + name: data for name, data in files.items()}
+        yield explain_pieces.Piece(f"{path.parent.name}/{path.name}", up + path.name, beside, midi)
 
 
 def check_outcome(checker, options):

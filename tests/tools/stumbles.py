@@ -153,10 +153,6 @@ def missing_pfields(chance):
     return a_block(chance, *sections, pfields=len(sections) + 1 + chance.choice([1, 1, 2, 15]))
 
 
-def first(chance, words):
-    return "first", words, chance
-
-
 def midi_velocity(chance):
     return a_block(chance, "1", ".9", chance.choice(
         ["90 80 84", "RA(T 1 [60 96])", "MO(T 1 20000 40000)", "20000 -500", "db 96 30 in 40000", "200"]), "no c4 e g")
@@ -185,8 +181,10 @@ def same_seed(chance):
 
 def three_decimals(chance):
     value = chance.choice([number(chance, .001, .9) + "4567", "0.3333", "2.9996", "440.12345", "~[1 / 3]", "~[2 / 7 * 9]"])
-    return f"#const kk{chance.randint(0, 999)} {value}\n".replace("kk", "kk") + a_block(chance, "1", "1", "~[1 / 3] 2") if value[0] == "~" \
-        else (lambda name: f"#const {name} {value}\n" + a_block(chance, "1", "1", f"~{name} 2"))(f"kk{chance.randint(0, 9999)}")
+    if value[0] == "~":
+        return a_block(chance, "1", "1", value + " 2")
+    name = f"kk{chance.randint(0, 9999)}"
+    return f"#const {name} {value}\n" + a_block(chance, "1", "1", f"~{name} 2")
 
 
 def decimals_in_whole(chance):
