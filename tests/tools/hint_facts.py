@@ -8,6 +8,9 @@ from explain_document import number32, text
 from explain_texts import Source
 
 
+THOUSANDS = re.compile(r"\d{1,3}(,\d{3})+")
+
+
 class Untrue(Exception):
     """What a hint says in a form that nobody has checked."""
 
@@ -58,7 +61,9 @@ class Hint:
             if first and second:
                 shared = first.groupdict().keys() & second.groupdict().keys()
                 if all(first[key] == second[key] for key in shared):
-                    return first.groupdict() | second.groupdict()
+                    told = first.groupdict() | second.groupdict()
+                    return {key: words.replace(",", "") if words and THOUSANDS.fullmatch(words) else words
+                            for key, words in told.items()}
         raise Untrue(f"not known: {self.text!r}, {self.reason!r}")
 
     def section(self):
