@@ -57,8 +57,8 @@ class Moved:
                 ranges[name] = integers(ranges[name], ranges["count"], name)
 
     def is_plain(self):
-        """Nothing of it is left out of the comparison."""
-        whole = not self.transformation.joins_lines and not self.transformation.midi and self.fields["status"] == 0
+        """Nothing of it is left out of the comparison; hints have checks of their own."""
+        whole = not self.transformation.joins_lines and not self.transformation.midi and self.fields["status"] == 0 and not self.fields["hints"]
         return whole and self.fields["calls"] and self.fields["ranges"]["count"] <= MOST_RANGES
 
     def faults(self):

@@ -9,6 +9,7 @@ namespace orlo::explain {
 namespace {
 
 constexpr std::size_t WIDTH      = 78;  // columns of what is wrapped
+constexpr std::size_t MOST_WORD  = 20;  // bytes of a word beside which something is put in
 constexpr std::size_t MOST_SHOWN = 200; // bytes of a line of the piece that are shown
 constexpr std::size_t MOST_GONE  = 60;  // bytes of what goes that are shown
 constexpr std::size_t FIRST_GONE = 40;  // of more than that, these and the last ones
@@ -140,6 +141,24 @@ void put_gone(std::string &text, std::string_view gone)
     put_quoted(text, shown);
 }
 
+bool is_blank_byte(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+// the word that follows a place directly, or else the one before it
+void put_neighbour(std::string &text, std::string_view whole, std::size_t at)
+{
+    std::size_t begin = at;
+    std::size_t end   = at;
+    while (end < whole.size() && end - at < MOST_WORD && !is_blank_byte(whole[end]))
+        ++end;
+    const bool follows = end > at;
+    while (!follows && begin > 0 && at - begin < MOST_WORD && !is_blank_byte(whole[begin - 1]))
+        --begin;
+    if (begin == end)
+        return;
+    text += follows ? " before " : " behind ";
+    put_quoted(text, whole.substr(begin, end - begin));
+}
+
 } // namespace
 
 std::string fix_text(const SourceMap &source, const Edit &edit)
@@ -157,8 +176,10 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
     }
     text += gone.empty() ? "put in " : "write ";
     put_quoted(text, edit.text);
-    if (gone.empty())
+    if (gone.empty()) {
+        put_neighbour(text, whole, edit.place.begin - file.skipped);
         return text;
+    }
     text += " in place of ";
     put_gone(text, gone);
     return text;

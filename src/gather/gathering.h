@@ -33,17 +33,18 @@ struct Gathering {
     bool   lost       = false; // memory was exhausted
 
     // what is open
-    std::int32_t             block      = NONE; // index; the last one even after its end
-    bool                     in_block   = false;
-    bool                     in_section = false;
-    bool                     in_command = false;
-    Place                    definition; // of a macro: where it begins
-    Macro                    macro;
-    std::vector<std::size_t> open_conditionals;
-    Names                    macros; // by name: index of the one that is in force
-    Names                    constants;
-    std::string              defined_twice; // the name that a definition could not have
-    Place                    last_place;    // of what was read last
+    std::int32_t                          block      = NONE; // index; the last one even after its end
+    bool                                  in_block   = false;
+    bool                                  in_section = false;
+    bool                                  in_command = false;
+    Place                                 definition; // of a macro: where it begins
+    Macro                                 macro;
+    std::vector<std::pair<float, double>> map; // beats and seconds of the tempo map; empty: not known
+    std::vector<std::size_t>              open_conditionals;
+    Names                                 macros; // by name: index of the one that is in force
+    Names                                 constants;
+    std::string                           defined_twice; // the name that a definition could not have
+    Place                                 last_place;    // of what was read last
 
     // of the line
     Place       failed_call;      // a call in the text of another one, which could not be made

@@ -125,6 +125,7 @@ struct Command {
     float                 last_value = 0.0F; // the one that it made last, before deviation
     double                seconds    = 0.0;  // of all its intervals, in p2, without deviations
     double                beats      = 0.0;  // the same in beats
+    double                longest    = 0.0;  // of its intervals, in beats
     float                 first_beat = 0.0F; // of the events that a span in beats covers, from p3 up
     float                 last_beat  = 0.0F;
 };
@@ -267,7 +268,8 @@ struct Events {
 /// An event's start, in the time of its block.
 struct Moment {
     float  beat;
-    double second;
+    double second; // without deviations
+    double start;  // as it is
 };
 
 /// Where the numbers of a header are written.
@@ -309,8 +311,9 @@ struct Block {
     float               reach       = 0.0F;  // beat at which the last interval ends
     float               last_start  = 0.0F;  // beat at which it begins
     double              reach_time  = 0.0;   // the same in seconds, without deviations
+    double              reach_start = 0.0;   // as it is
     bool                steady      = true;  // its beats only go on, one interval after the other
-    std::vector<Moment> moments;             // of its events where the tempo moves, without deviations
+    std::vector<Moment> moments;             // of its events where the tempo moves, or starts are deviated
 };
 
 struct ScorePart {

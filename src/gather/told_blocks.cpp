@@ -14,23 +14,41 @@
 namespace orlo::gather {
 namespace {
 
-// seconds from beat 0 to a beat, by the middle of pieces between the bounds of the map's segments
-double seconds_to(float beat)
+// seconds between two beats, by the middle of small pieces
+double seconds_between(float from, float to)
 {
-    constexpr int      PIECES = 16;
-    std::vector<float> bounds{0.0F, beat};
+    constexpr int PIECES  = 512;
+    const double  length  = static_cast<double>(to - from) / PIECES;
+    double        seconds = 0.0;
+    for (int piece = 0; piece < PIECES; ++piece)
+        seconds += 60.0 / find_tempo(static_cast<float>(static_cast<double>(from) + length * (piece + 0.5))) * length;
+    return seconds;
+}
+
+// the bounds of the map's segments and their seconds, which stay until the map changes
+void know_map()
+{
+    if (!now.map.empty())
+        return;
+    std::vector<float> bounds{0.0F};
     for (std::int32_t i = 0; i < TOT_TEMPOS; ++i)
         for (const float bound : {TEMPO_LIST[i].stime, TEMPO_LIST[i].etime})
-            if (bound > 0.0F && bound < beat)
-                bounds.push_back(bound);
+            bounds.push_back(bound);
     std::sort(bounds.begin(), bounds.end());
-    double seconds = 0.0;
-    for (std::size_t i = 0; i + 1 < bounds.size(); ++i) {
-        const float length = (bounds[i + 1] - bounds[i]) / PIECES;
-        for (int piece = 0; piece < PIECES; ++piece)
-            seconds += 60.0 / find_tempo(bounds[i] + length * (static_cast<float>(piece) + 0.5F)) * static_cast<double>(length);
-    }
-    return seconds;
+    for (const float bound : bounds)
+        if (now.map.empty())
+            now.map.emplace_back(bound, 0.0);
+        else if (bound > now.map.back().first)
+            now.map.emplace_back(bound, now.map.back().second + seconds_between(now.map.back().first, bound));
+}
+
+// seconds from beat 0 to a beat
+double seconds_to(float beat)
+{
+    know_map();
+    const auto later = [beat](const std::pair<float, double> &bound) { return bound.first <= beat; };
+    const auto bound = std::partition_point(now.map.begin(), now.map.end(), later) - 1;
+    return bound->second + (beat > bound->first ? seconds_between(bound->first, beat) : 0.0);
 }
 
 // what the tempo map is when a block starts
@@ -111,8 +129,9 @@ void block_starts(float tempo, float seconds)
     block().tempo   = tempo;
     block().seconds = seconds;
     take_map(block());
-    block().reach      = block().start;
-    block().reach_time = static_cast<double>(seconds);
+    block().reach       = block().start;
+    block().reach_time  = static_cast<double>(seconds);
+    block().reach_start = static_cast<double>(seconds);
 }
 
 void block_ends(std::size_t end)

@@ -91,6 +91,7 @@ void add_number_to_set(Set &set, Part part, double value)
 
 void add_tempo_change(const Command &command)
 {
+    now.map.clear();
     const std::size_t index =
         command.numbers.front() == 0.0 || command.numbers.size() == 1 ? 0 : static_cast<std::size_t>(TOT_TEMPOS) - 1;
     const TempoSegment &segment = TEMPO_LIST[index];

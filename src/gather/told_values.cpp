@@ -63,6 +63,7 @@ void count_interval(float beats, float deviated, float tempo)
         Command &command = starts.commands[now.source.command];
         command.seconds += std::fabs(static_cast<double>(beats)) * 60.0 / static_cast<double>(tempo);
         command.beats += static_cast<double>(beats);
+        command.longest = std::max(command.longest, std::fabs(static_cast<double>(beats)));
     }
     if (beats < 0.0F && starts.backward++ == 0)
         starts.backward_place = place_of_value();
@@ -74,7 +75,7 @@ void count_interval(float beats, float deviated, float tempo)
 }
 
 // the event of an interval, in the time of its block
-void place_event(float beats, float tempo, float beat, float start)
+void place_event(float beats, float deviated, float tempo, float beat, float start)
 {
     Block     &open    = block();
     const bool another = section().count == 0 || start != now.last_start; // no member of a chord
@@ -83,11 +84,12 @@ void place_event(float beats, float tempo, float beat, float start)
         open.steady = false;
     if (!open.steady)
         return;
-    if (open.tempo_moves)
-        open.moments.push_back({beat, open.reach_time});
+    if (open.tempo_moves || MAX_DEV + MAX_DEV2 != 0.0F)
+        open.moments.push_back({beat, open.reach_time, static_cast<double>(start)});
     open.last_start = beat;
     open.reach      = beat + beats;
     open.reach_time += 60.0 / static_cast<double>(tempo) * static_cast<double>(beats);
+    open.reach_start = static_cast<double>(start) + std::fabs(static_cast<double>(deviated));
 }
 
 // of p3: what may have been meant as milliseconds
@@ -226,7 +228,7 @@ void add_value(float value, float deviated, float result)
 {
     now.distinct.add(result);
     if (now.source.kind == Kind::generator)
-        section().commands[now.source.command].last_value = value;
+        section().commands[now.source.command].last_value = section().pfield > 3 ? result : value;
     if (wants_values())
         keep_value(section(), value, deviated, result);
     count_in_list(value);
@@ -314,7 +316,7 @@ void started(float beats, float deviated, float tempo, float beat, float start)
         section().tempo.push_back(tempo);
     }
     count_interval(beats, deviated, tempo);
-    place_event(beats, tempo, beat, start);
+    place_event(beats, deviated, tempo, beat, start);
     add_value(beats, deviated, deviated);
 }
 

@@ -840,13 +840,23 @@ def shown_gone(gone):
     return label + b'"%s"' % in_one_line(gone if len(gone) <= 60 else gone[:40] + b" ... " + gone[-15:])
 
 
+def neighbour(place, source):
+    """The word that follows a place directly, or else the one before it."""
+    line = source.line(place.file, place.line)
+    word = re.match(rb"[^ \t\r\n]{0,20}", line[place.byte:])[0]
+    if word:
+        return b' before "%s"' % word
+    word = re.search(rb"[^ \t\r\n]{0,20}$", line[:place.byte])[0]
+    return b' behind "%s"' % word if word else b""
+
+
 def fix_of(edit, document, source):
     """An edit in words."""
     gone, new = source.text(document.ranges[edit["range"]]), text(edit["text"])
     if new == b"\n" and gone in (b"", b"\r"):
         return b"note: begin a new line here"
     if not gone:
-        return b'note: put in "%s"' % in_one_line(new)
+        return b'note: put in "%s"' % in_one_line(new) + neighbour(document.ranges[edit["range"]], source)
     if not new:
         return b"note: take out " + shown_gone(gone)
     return b'note: write "%s" in place of ' % in_one_line(new) + shown_gone(gone)

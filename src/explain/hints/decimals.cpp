@@ -79,6 +79,29 @@ void look_at_losses(Finder &finder)
     }
 }
 
+// the definition of a constant as that of a macro, where it is a whole number on a line of its own
+std::vector<Edit> as_macro(const Finder &finder, const Call &call, const Constant &constant)
+{
+    const std::string lead = "#const " + constant.name + " ";
+    const auto        text = text_at(finder, constant.place);
+    if (!is_plain(constant.place) || text_before(finder, constant.place) != lead || call.place.file != constant.place.file ||
+        text.find_first_not_of("0123456789") != std::string_view::npos)
+        return {};
+    const Place whole{constant.place.file, constant.place.begin - lead.size(), constant.place.end, NONE};
+    return {{whole, "#define " + constant.name + " #" + std::string{text} + "#"}, {call.place, "$" + constant.name}};
+}
+
+// A constant that is used nowhere else becomes a macro, else the number itself is written.
+std::vector<Edit> whole_number(const Finder &finder, const Call &call)
+{
+    if (call.kind == CallKind::constant && call.of != NONE) {
+        const Constant &constant = finder.piece.constants[static_cast<std::size_t>(call.of)];
+        if (constant.uses.size() < 2)
+            return as_macro(finder, call, constant);
+    }
+    return {{call.place, decimal_text(call.value, 0)}};
+}
+
 void look_at_cuts(Finder &finder)
 {
     for (const Cut &cut : finder.piece.cuts) {
@@ -94,7 +117,7 @@ void look_at_cuts(Finder &finder)
                   cut.block,
                   {}};
         if (is_fixed(finder, call) && call.value == std::floor(call.value) && std::fabs(call.value) < MOST_WHOLE)
-            hint.edits = {{call.place, decimal_text(call.value, 0)}};
+            hint.edits = whole_number(finder, call);
         add(finder, std::move(hint));
     }
 }

@@ -254,6 +254,14 @@ std::vector<Edit> rename(const Finder &finder, const Macro &macro, const std::st
     return edits;
 }
 
+bool is_called(const Finder &finder, const Macro &macro)
+{
+    const auto               index = static_cast<std::int32_t>(&macro - finder.piece.macros.data());
+    const std::vector<Call> &calls = finder.piece.source.calls();
+    return std::any_of(calls.begin(), calls.end(),
+                       [index](const Call &call) { return call.kind == CallKind::macro && call.of == index; });
+}
+
 void look_at_parameter(Finder &finder, const Macro &macro, const Macro &hidden, const std::string &parameter)
 {
     const std::string_view text = text_at(finder, macro.place);
@@ -267,7 +275,7 @@ void look_at_parameter(Finder &finder, const Macro &macro, const Macro &hidden, 
          "a parameter hides the macro of its name, whose body is " + quoted(std::string_view{hidden.body}.substr(0, MOST_SHOWN)),
          {macro.place.file, begin, begin + 1 + parameter.size(), NONE},
          NONE,
-         finder.found.size() < MOST_RENAMED ? rename(finder, macro, parameter) : std::vector<Edit>{}});
+         finder.found.size() < MOST_RENAMED && is_called(finder, hidden) ? rename(finder, macro, parameter) : std::vector<Edit>{}});
 }
 
 void look_at_parameters(Finder &finder)

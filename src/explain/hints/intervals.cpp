@@ -49,11 +49,30 @@ bool meant_as_beats(const Finder &finder, const Block &block, const Section &sta
     return shares || std::fabs(sum - static_cast<double>(block.beats)) < BY_CHANCE * sum;
 }
 
+// at this tempo a second is a beat
+bool is_at_60(const Block &block) { return !block.tempo_moves && block.tempo == 60.0F; }
+
+// whether the section is made of spans that fill the block as beats, and of nothing else
+bool fill_block(const Block &block, const Section &starts)
+{
+    double        sum  = 0.0;
+    std::uint64_t made = 0;
+    for (const Command &command : starts.commands) {
+        if (command.span && !has_seconds(command))
+            return false;
+        sum += command.span ? *command.span : 0.0;
+        made += command.count;
+    }
+    return made == starts.written && std::fabs(sum - static_cast<double>(block.beats)) < BY_CHANCE * sum;
+}
+
 // spans that cover the beats which their texts have
 std::vector<Edit> in_seconds(const Finder &finder, const Block &block, const Section &starts)
 {
     const double      factor = 60.0 / static_cast<double>(block.tempo);
     std::vector<Edit> edits;
+    if (!fill_block(block, starts))
+        return {};
     for (const Command &command : starts.commands) {
         if (!has_seconds(command))
             continue;
@@ -79,7 +98,7 @@ std::string fault_of(const Block &block, const Command &command)
     const double span    = *command.span;
     const bool   stopped = share_of(command) < SHORT;
     const double room    = static_cast<double>(block.start + block.beats) - (static_cast<double>(block.reach) - command.beats);
-    if (!stopped && (command.beats < SHORT * span || command.beats * SHORT > span))
+    if (!stopped && std::fabs(command.beats - span) > std::max(command.longest, (1.0 - SHORT) * span))
         return name_of_command(command) + " covers " + decimal_text(command.beats) + " beats instead of " + decimal_text(span);
     if (stopped && has_way(command) && span <= room / SHORT)
         return name_of_command(command) + " goes only " + decimal_text(share_of(command), 2) + " of its way";
@@ -89,7 +108,7 @@ std::string fault_of(const Block &block, const Command &command)
 // the first span that is not what it seems
 void look_at_seconds(Finder &finder, const Block &block, const Section &starts)
 {
-    if (block.events > 0 || fits(starts) || !meant_as_beats(finder, block, starts))
+    if (block.events > 0 || is_at_60(block) || fits(starts) || !meant_as_beats(finder, block, starts))
         return;
     for (const Command &command : starts.commands) {
         if (!has_seconds(command) || command.count == 0)
@@ -98,8 +117,9 @@ void look_at_seconds(Finder &finder, const Block &block, const Section &starts)
         if (text.empty())
             continue;
         add(finder, {HintKind::seconds_in_p2, std::move(text),
-                     "in p2 a span counts seconds: at " + tempo_of(block) + " its intervals take " + decimal_text(command.seconds) +
-                         " s for " + decimal_text(command.beats) + " beats, and the span is " + decimal_text(*command.span) + " s",
+                     "in p2 a span counts seconds: at " + tempo_of(block) + " its intervals as they are read take " +
+                         decimal_text(command.seconds) + " s for " + decimal_text(command.beats) + " beats, and the span is " +
+                         decimal_text(*command.span) + " s",
                      command.span_place, index_of(finder, block), in_seconds(finder, block, starts)});
         return;
     }
@@ -140,13 +160,14 @@ void look_at_deviation(Finder &finder, const Block &block, const Section &starts
     if (starts.turned == 0 || starts.deviation <= NO_TURN)
         return;
     const Command *setting = only_deviation(finder, block, starts);
-    add(finder,
-        {HintKind::backward_starts, "deviation turns " + counted(starts.turned, "interval") + " of p2 below 0, and so into rests",
-         "a deviation of " + decimal_text(static_cast<double>(starts.deviation)) + " makes intervals " +
-             decimal_text(static_cast<double>(starts.deviation) * 50.0) + " per cent longer or shorter, and of " +
-             counted(starts.count, "interval") + " the one that is furthest back has " +
-             decimal_text(static_cast<double>(starts.furthest)) + " s",
-         setting != nullptr ? setting->place : starts.place, index_of(finder, block), as_fraction(finder, setting)});
+    add(finder, {HintKind::backward_starts,
+                 "deviation turns " + counted(starts.turned, "interval") + " of p2 below 0, and so into " +
+                     (starts.turned == 1 ? "a rest" : "rests"),
+                 "a deviation of " + decimal_text(static_cast<double>(starts.deviation)) + " makes intervals " +
+                     decimal_text(static_cast<double>(starts.deviation) * 50.0) + " per cent longer or shorter, and of " +
+                     counted(starts.count, "interval") + " the one that is furthest back has " +
+                     decimal_text(static_cast<double>(starts.furthest)) + " s",
+                 setting != nullptr ? setting->place : starts.place, index_of(finder, block), as_fraction(finder, setting)});
 }
 
 void look_at_backward(Finder &finder, const Block &block, const Section &starts)

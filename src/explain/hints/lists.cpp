@@ -21,10 +21,10 @@ void look_at_open_loop(Finder &finder, const Block &block, const Section &sectio
     std::vector<Edit> edits;
     if (is_plain(section.place))
         edits.push_back({behind(section.place), ">"});
-    add(finder,
-        {HintKind::open_loop, "the loop of " + name_of(section) + " has no end",
-         "a < stands before " + counted(loop.count, "value") + ", and no > follows; the end of the section counts as its end",
-         loop.place, index_of(finder, block), std::move(edits)});
+    add(finder, {HintKind::open_loop, "the loop of " + name_of(section) + " has no end",
+                 "a < stands before " + counted(section.written - std::min(loop.first, section.written), "value") +
+                     ", and no > follows; the end of the section counts as its end",
+                 loop.place, index_of(finder, block), std::move(edits)});
 }
 
 void look_behind_loop(Finder &finder, const Block &block, const Section &section)

@@ -4,6 +4,7 @@
 #include "explain/hints/hints.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace orlo::explain {
 namespace {
@@ -52,21 +53,21 @@ void look_at_velocities(Finder &finder, const Block &block, const Section &secti
     if (values.count == 0)
         return;
     if (values.greatest >= 1.0 && greatest < 1.0)
-        add(finder,
-            {HintKind::midi_velocity, "all velocities are 0: the file is silent",
-             "p4 is an amplitude up to 32767, which becomes a velocity up to 127; " + range_of(values.least, values.greatest) +
-                 " is below 258, which would be 1",
-             section.place, index_of(finder, block), values.greatest <= HIGHEST ? scale(finder, section) : std::vector<Edit>{}});
+        add(finder, {HintKind::midi_velocity, "all velocities are 0: the file is silent",
+                     "p4 is an amplitude up to 32767, which becomes a velocity up to 127; " +
+                         range_of(values.least, values.greatest) + " is below 258, which would be 1",
+                     section.place, index_of(finder, block),
+                     values.greatest <= HIGHEST && values.least >= 0.0 ? scale(finder, section) : std::vector<Edit>{}});
     else if (greatest >= HIGHEST + 1.0)
         add(finder, {HintKind::midi_velocity,
-                     "velocities go up to " + decimal_text(greatest, 0) + ", and the highest is 127",
+                     "velocities go up to " + decimal_text(std::trunc(greatest), 0) + ", and the highest is 127",
                      "p4 is an amplitude up to 32767, and goes up to " + decimal_text(values.greatest),
                      section.place,
                      index_of(finder, block),
                      {}});
     else if (least <= -1.0)
         add(finder, {HintKind::midi_velocity,
-                     "velocities go down to " + decimal_text(least, 0) + ", and the lowest is 0",
+                     "velocities go down to " + decimal_text(std::trunc(least), 0) + ", and the lowest is 0",
                      "p4 is an amplitude from 0 to 32767, and goes down to " + decimal_text(values.least),
                      section.place,
                      index_of(finder, block),
@@ -80,14 +81,14 @@ void look_at_keys(Finder &finder, const Block &block, const Section &section)
     const bool too_high = section.statistics.count > 0 && section.statistics.greatest >= HIGHEST + 1.0;
     if (too_low)
         add(finder, {HintKind::midi_key,
-                     "keys go down to " + decimal_text(least, 0) + ", and the lowest is 0",
+                     "keys go down to " + decimal_text(std::trunc(least), 0) + ", and the lowest is 0",
                      "p5 is in semitones, with 60 for middle C, and a key below 0 is written as it comes",
                      section.place,
                      index_of(finder, block),
                      {}});
     else if (too_high)
         add(finder, {HintKind::midi_key,
-                     "keys go up to " + decimal_text(section.statistics.greatest, 0) + ", and the highest is 127",
+                     "keys go up to " + decimal_text(std::trunc(section.statistics.greatest), 0) + ", and the highest is 127",
                      "p5 is in semitones, with 60 for middle C, and keys above 127 start again from 0",
                      section.place,
                      index_of(finder, block),

@@ -41,6 +41,7 @@ void add_word(std::vector<Words> &all, HintKind kind, std::int32_t block, std::i
     if (!fits)
         all.push_back({kind, block, pfield, text, reason, {}, {}});
     Words &words = all.back();
+    words.mixed  = words.mixed || words.text.ends_with(NO_NOTE) != (text.empty() || text.ends_with(NO_NOTE));
     if (words.begins.insert({edit.place.file, edit.place.begin}).second && words.edits.size() < MOST_EDITS)
         words.edits.push_back(edit);
 }
@@ -51,7 +52,7 @@ void add_words(Finder &finder, std::vector<Words> &all)
     for (Words &words : all) {
         const Place       place = words.edits.front().place;
         const std::size_t more  = words.begins.size() - 1;
-        if (more > 0)
+        if (more > 0 && !words.mixed)
             words.text += more == 1 ? ", and so is another" : ", and so are " + std::to_string(more) + " others";
         std::sort(words.edits.begin(), words.edits.end(), earlier);
         add(finder, {words.kind, words.text, words.reason, place, words.block, std::move(words.edits)});

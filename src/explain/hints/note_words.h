@@ -20,6 +20,8 @@ inline constexpr CharacterSet NOTE_LETTERS = set_of("abcdefgABCDEFG");
 [[nodiscard]] bool begins_word(const Finder &finder, const Place &place, bool in_macro);
 [[nodiscard]] bool ends_word(const Finder &finder, const Place &place, bool in_macro);
 
+inline constexpr char NO_NOTE[] = "no note"; // what is said of a word that is an error
+
 /// A note as it is written.
 [[nodiscard]] std::string altered(char letter, std::string_view accidental, std::string_view octave);
 
@@ -31,7 +33,8 @@ struct Words {
     std::string                                      text;   // of the first word
     std::string                                      reason; // of it
     std::vector<Edit>                                edits;
-    std::set<std::pair<std::int32_t, std::uint64_t>> begins; // of words that are there already
+    std::set<std::pair<std::int32_t, std::uint64_t>> begins;        // of words that are there already
+    bool                                             mixed = false; // others are read otherwise than the first
 };
 
 /// Adds a word to the hint that was begun last, or begins another. The text and the reason are those of the first word.

@@ -61,7 +61,15 @@ Remainder remainder_of(const Finder &finder, const Block &block, std::size_t ind
 
 std::string quoted(const Finder &finder, const Place &place)
 {
-    return '"' + std::string{text_at(finder, place).substr(0, MOST_QUOTED)} + '"';
+    const std::string_view text = text_at(finder, place);
+    const std::string_view rest = text_behind(finder, place);
+    std::string            whole{text};
+    const char             closes = text.starts_with("~[")                                              ? ']'
+                                    : text.starts_with('$') && text.find('(') != std::string_view::npos ? ')'
+                                                                                                        : '\0';
+    if (closes != '\0' && text.find(closes) == std::string_view::npos && rest.find(closes) != std::string_view::npos)
+        whole += rest.substr(0, rest.find(closes) + 1);
+    return '"' + whole.substr(0, MOST_QUOTED) + '"';
 }
 
 std::string why_full(const Block &block, const Section &section)

@@ -90,10 +90,17 @@ void add_sharps_behind(const Finder &finder, std::vector<Words> &all, std::int32
     }
 }
 
+// whether a line goes to the score as it stands
+bool is_direct(std::string_view line)
+{
+    const std::size_t begin = line.find_first_not_of(" \t");
+    return begin != std::string_view::npos && line[begin] == '>';
+}
+
 void look_at_words(Finder &finder, std::vector<Words> &all)
 {
     for (const Sharp &sharp : finder.piece.sharps) {
-        if (sharp.place.file == NONE)
+        if (sharp.place.file == NONE || is_direct(text_before(finder, sharp.place)))
             continue;
         const std::optional<Edit> edit = sharp_at(finder, sharp.place, sharp.place.call != NONE);
         if (!edit)
@@ -101,7 +108,7 @@ void look_at_words(Finder &finder, std::vector<Words> &all)
         const std::string word{text_at(finder, edit->place)};
         const bool        splits = word.size() == 3 && word[1] == '#';
         add_sharp(all, sharp.block, *edit, word,
-                  splits ? "no note" : "read as the note " + edit->text.substr(0, 1) + edit->text.substr(2),
+                  splits ? NO_NOTE : "read as the note " + edit->text.substr(0, 1) + edit->text.substr(2),
                   splits ? "no part of a note" : "passed over");
     }
     const auto letters = places_of_letters(finder);
@@ -112,7 +119,7 @@ void look_at_words(Finder &finder, std::vector<Words> &all)
         const bool                there = char_at(finder, place.file, place.begin) == '#';
         const std::optional<Edit> edit  = there ? sharp_in_generator(finder, place, letters) : std::nullopt;
         if (edit)
-            add_sharp(all, diagnostic.block, *edit, text_at(finder, edit->place), "no note", "no part of a note");
+            add_sharp(all, diagnostic.block, *edit, text_at(finder, edit->place), NO_NOTE, "no part of a note");
         if (!all.empty() && all.back().kind == HintKind::sharp_by_hash && all.back().block == diagnostic.block &&
             all.back().edits.front().place.file == place.file)
             add_sharps_behind(finder, all, diagnostic.block, edit ? edit->place : place);

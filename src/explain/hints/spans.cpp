@@ -57,7 +57,7 @@ void look_at_count(Finder &finder, const Block &block, const Section &section, c
     if (command.count >= wanted)
         return;
     std::vector<Edit> edits;
-    if (section.pfield > 2 && is_plain(command.span_place))
+    if (section.pfield > 2 && command.count > 1 && is_plain(command.span_place))
         edits.push_back({command.span_place, command.first == 0 ? "T" : decimal_text(-static_cast<double>(command.count))});
     add(finder,
         {HintKind::cut_span,

@@ -16,19 +16,29 @@ constexpr std::size_t MOST_REFERENCES = 64;    // blocks that others are compare
 
 double tempo_time(double beats, double tempo) { return beats * 60.0 / tempo; }
 
-// seconds at which a block has a beat that it reaches
-double time_of(const Block &block, float beat)
+// Seconds at which a block has a beat.
+struct Time {
+    double even; // without deviations
+    double real;
+};
+
+// of a beat that the block reaches
+Time time_of(const Block &block, float beat)
 {
-    if (!block.tempo_moves)
-        return static_cast<double>(block.seconds) +
-               tempo_time(static_cast<double>(beat - block.start), static_cast<double>(block.tempo));
+    if (block.moments.empty()) {
+        const double time = static_cast<double>(block.seconds) +
+                            tempo_time(static_cast<double>(beat - block.start), static_cast<double>(block.tempo));
+        return {time, time};
+    }
     const auto   earlier = [beat](const Moment &moment) { return moment.beat <= beat; };
     const auto   next    = std::partition_point(block.moments.begin(), block.moments.end(), earlier);
-    const Moment begin   = *(next - 1); // the block has begun before the beat
-    const Moment end     = next == block.moments.end() ? Moment{block.reach, block.reach_time} : *next;
+    const auto   seconds = static_cast<double>(block.seconds);
+    const Moment begin   = next == block.moments.begin() ? Moment{block.start, seconds, seconds} : *(next - 1);
+    const Moment end     = next == block.moments.end() ? Moment{block.reach, block.reach_time, block.reach_start} : *next;
     if (end.beat <= begin.beat)
-        return begin.second;
-    return begin.second + static_cast<double>((beat - begin.beat) / (end.beat - begin.beat)) * (end.second - begin.second);
+        return {begin.second, begin.start};
+    const double share = static_cast<double>((beat - begin.beat) / (end.beat - begin.beat));
+    return {begin.second + share * (end.second - begin.second), begin.start + share * (end.start - begin.start)};
 }
 
 // whether a start was reckoned by the composer
@@ -54,7 +64,7 @@ bool is_heard_at(const Block &block, double seconds) { return std::fabs(static_c
 bool follows(const std::vector<const Block *> &references, const Block &block)
 {
     return std::any_of(references.begin(), references.end(), [&block](const Block *other) {
-        return is_heard_at(block, other->reach_time) ||
+        return is_heard_at(block, other->reach_time) || is_heard_at(block, other->reach_start) ||
                (other->start > 0.0F && is_heard_at(block, static_cast<double>(other->seconds)));
     });
 }
@@ -66,11 +76,11 @@ Reference reference_of(const std::vector<const Block *> &references, const Block
     for (const Block *other : references) {
         if (other->start >= block.start || other->reach < block.start)
             continue;
-        const double time = time_of(*other, block.start);
-        if (is_heard_at(block, time))
+        const Time time = time_of(*other, block.start);
+        if (is_heard_at(block, time.even) || is_heard_at(block, time.real))
             return {other, static_cast<double>(block.seconds)};
         if (reference.block == nullptr)
-            reference = {other, time};
+            reference = {other, time.real};
     }
     return reference;
 }

@@ -214,6 +214,29 @@ Place rest_of_line(const Finder &finder, const Place &place)
     return {place.file, place.end + begin, place.end + end, place.call};
 }
 
+// header -> "i" number "=" number
+bool is_header(std::string_view text)
+{
+    constexpr std::string_view digits = "0123456789";
+    const auto                 skip   = [&text](std::string_view characters) {
+        const std::size_t end = text.find_first_not_of(characters);
+        text.remove_prefix(std::min(end, text.size()));
+        return end > 0;
+    };
+    if (text.front() != 'i')
+        return false;
+    text.remove_prefix(1);
+    skip(" \t");
+    if (!skip(digits))
+        return false;
+    skip(" \t");
+    if (!text.starts_with('='))
+        return false;
+    text.remove_prefix(1);
+    skip(" \t");
+    return !text.empty() && digits.find(text.front()) != std::string_view::npos;
+}
+
 // whether a text could stand on a line of its own
 bool begins_line(std::string_view text)
 {
@@ -221,8 +244,10 @@ bool begins_line(std::string_view text)
     const auto                                is_command = [text](std::string_view command) {
         return text.substr(0, 2) == command && text.find('(') != std::string_view::npos;
     };
-    const bool header = text.front() == 'i' && text.find('=') != std::string_view::npos;
-    return header || text.front() == '>' || text.front() == '#' || std::any_of(commands.begin(), commands.end(), is_command);
+    constexpr std::array<std::string_view, 6> words{"#define", "#const", "#undef", "#include", "#if(", "#endif"};
+    const auto                                is_word = [text](std::string_view word) { return text.starts_with(word); };
+    return is_header(text) || text.front() == '>' || std::any_of(words.begin(), words.end(), is_word) ||
+           std::any_of(commands.begin(), commands.end(), is_command);
 }
 
 // what stands behind a block on the last line of the input is read
@@ -236,7 +261,7 @@ bool is_last_line(const Finder &finder, const Place &place)
 
 void look_behind(Finder &finder, const Block &block)
 {
-    if (!block.closed || !is_plain(block.place) || char_at(finder, block.place.file, block.place.end - 1) != '}' ||
+    if (!block.closed || finder.midi || !is_plain(block.place) || char_at(finder, block.place.file, block.place.end - 1) != '}' ||
         is_last_line(finder, block.place))
         return;
     const Place            rest = rest_of_line(finder, block.place);

@@ -141,12 +141,25 @@ bool has_rests(const Block &block)
     });
 }
 
+// whether 0 is written once in a section
+bool is_only_zero(const Finder &finder, const Section &section)
+{
+    constexpr std::string_view WORD  = "0123456789.";
+    const std::string_view     text  = text_at(finder, section.place);
+    int                        zeros = 0;
+    for (std::size_t at = text.find('0'); at != std::string_view::npos; at = text.find('0', at + 1)) // each one once
+        if (WORD.find(text[at - 1]) == std::string_view::npos &&
+            (at + 1 == text.size() || WORD.find(text[at + 1]) == std::string_view::npos))
+            ++zeros;
+    return is_plain(section.place) && zeros == 1;
+}
+
 void look_at_levels(Finder &finder, const Block &block, const Section &section)
 {
     if (section.levels == 0 || finder.midi || has_rests(block))
         return;
     std::vector<Edit> edits;
-    if (is_plain(section.level) && text_at(finder, section.level) == "0")
+    if (is_plain(section.level) && text_at(finder, section.level) == "0" && is_only_zero(finder, section))
         edits.push_back({section.level, "1"});
     add(finder, {HintKind::no_number,
                  name_of(section) + " is written in decibels, and an amplitude of " +
