@@ -403,6 +403,11 @@ def midi_notes(path):
     return notes, Fraction(2, ticks)
 
 
+def played(pitch):
+    """The key by which MuseScore plays a pitch: between keys that of its letter."""
+    return round(pitch.key() - (0 if pitch.alter == int(pitch.alter) else pitch.alter))
+
+
 def collisions(notes):
     """Notes of a part that strike a key while it sounds: no MIDI file tells how long those are."""
     found = set()
@@ -411,7 +416,7 @@ def collisions(notes):
         for second in notes[i + 1:]:
             if second.start >= first.start + first.length:
                 break
-            if instrument(first.part) == instrument(second.part) and abs(first.pitch.key() - second.pitch.key()) < 1:
+            if instrument(first.part) == instrument(second.part) and played(first.pitch) == played(second.pitch):
                 found |= {first, second}
     return found
 
@@ -428,14 +433,13 @@ def check_musescore(path, notes):
     left = collections.defaultdict(list)
     for start, length, key in heard:
         left[key].append((start, length))
-    for note in notes:
-        # what is no key is bent by MuseScore or taken for one beside it
-        keys = {round(note.pitch.key())} if note.pitch.alter == int(note.pitch.alter) else {int(note.pitch.key() + i) for i in (-1, 0, 1)}
-        match = next(((key, each) for key in keys for each in left[key] if abs(each[0] - note.start) <= tolerance and
+    for note in sorted(notes, key=lambda note: note in odd):
+        key = played(note.pitch)
+        match = next((each for each in left[key] if abs(each[0] - note.start) <= tolerance and
                       (note in odd or abs(each[1] - note.length) <= tolerance)), None)
-        require(match is not None or note in odd, f"MuseScore does not play {note}: {left[round(note.pitch.key())]}")
+        require(match is not None or note in odd, f"MuseScore does not play {note}: {left[key]}")
         if match:
-            left[match[0]].remove(match[1])
+            left[key].remove(match)
     more = [(key, each) for key in left for each in left[key]]
     require(len(more) <= len(odd), f"MuseScore plays more: {more[:4]}")
 
