@@ -292,13 +292,33 @@ void put_tempos(Page &page, StaffReading &reading, std::int64_t measure)
     }
 }
 
-void put_signs(Page &page, const Signs &signs, const Heads &heads, std::size_t voice)
+void put_signs(Page &page, const Signs &signs, const Heads &heads, std::size_t voice, std::size_t number)
 {
     for (std::size_t i = 0; i < signs[voice].size(); ++i)
         if (const Sign &sign = signs[voice][i]; sign.chord == nullptr)
-            put_rest(page, sign, voice);
+            put_rest(page, sign, number);
         else
-            put_chord(page, sign, voice, heads.at({voice, i}));
+            put_chord(page, sign, number, heads.at({voice, i}));
+}
+
+// The signs of all voices that have notes; those of the first one always, unless the others can take its place: where no tie comes
+// from another measure or goes to one.
+Signs signs_of_measure(const Page &page, StaffReading &reading, std::int64_t measure)
+{
+    const Meter meter = page.notation.meter;
+    Signs       signs(reading.staff.voices.size());
+    bool        alone = true; // it has nothing to do with other measures
+    bool        empty = true;
+    for (std::size_t v = 0; v < signs.size(); ++v) {
+        if (!has_notes(reading.staff.voices[v], meter, measure, reading.voices[v]))
+            continue;
+        signs[v] = signs_of(reading.staff.voices[v], meter, measure, reading.voices[v]);
+        alone    = alone && !signs[v].front().from_tie && !signs[v].back().to_tie;
+        empty    = false;
+    }
+    if (signs.front().empty() && (empty || !alone))
+        signs.front() = signs_of(reading.staff.voices.front(), meter, measure, reading.voices.front());
+    return signs;
 }
 
 void put_measure(Page &page, StaffReading &reading, std::int64_t measure, const Clef &clef, bool first_staff)
@@ -309,17 +329,17 @@ void put_measure(Page &page, StaffReading &reading, std::int64_t measure, const 
         put_attributes(page, clef);
     if (first_staff)
         put_tempos(page, reading, measure);
-    Signs signs(reading.staff.voices.size());
-    for (std::size_t v = 0; v < signs.size(); ++v)
-        if (v == 0 || has_notes(reading.staff.voices[v], meter, measure, reading.voices[v]))
-            signs[v] = signs_of(reading.staff.voices[v], meter, measure, reading.voices[v]);
-    const Heads heads = heads_of(page, signs);
+    const Signs signs   = signs_of_measure(page, reading, measure);
+    const Heads heads   = heads_of(page, signs);
+    const bool  shifted = signs.front().empty();
+    bool        first   = true;
     for (std::size_t v = 0; v < signs.size(); ++v) {
         if (signs[v].empty())
             continue;
-        if (v > 0)
+        if (!first)
             page.line(3, {"<backup><duration>", page.units(measure_of(meter)), "</duration></backup>"});
-        put_signs(page, signs, heads, v);
+        put_signs(page, signs, heads, v, shifted && first ? 0 : v);
+        first = false;
     }
     if (measure + 1 == page.notation.measures)
         page.line(3, {"<barline location=\"right\"><bar-style>light-heavy</bar-style></barline>"});

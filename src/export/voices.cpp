@@ -141,8 +141,8 @@ void give_rhythm(Placing &placing, std::vector<Placed> &notes)
     std::stable_sort(notes.begin(), notes.end(), [](const Placed &a, const Placed &b) { return a.beat < b.beat; });
     for (const Placed &note : notes)
         if (!(note.beat > -NEAR && std::max(note.beat, note.sound) < LAST_BEAT)) {
-            placing.staves.fault =
-                joined({"the note at ", number_text(placing.music.notes[note.note].start), " s lies where no measure is"});
+            placing.staves.fault = joined({"the note at ", number_text(placing.music.notes[note.note].start),
+                                           " s begins before 0 or ends far behind all measures"});
             return;
         }
     const std::optional<Astray> found = astray(placing, notes);
