@@ -246,9 +246,9 @@ void put_attributes(Page &page, const Clef &clef)
     page.line(3, {"</attributes>"});
 }
 
-void put_direction(Page &page, std::string_view type, Units offset, double tempo)
+void put_direction(Page &page, std::string_view placement, std::string_view type, Units offset, double tempo)
 {
-    page.line(3, {"<direction placement=\"above\">"});
+    page.line(3, {"<direction placement=\"", placement, "\">"});
     page.line(4, {"<direction-type>", type, "</direction-type>"});
     if (offset != 0)
         page.line(4, {"<offset sound=\"yes\">", page.units(offset), "</offset>"});
@@ -261,16 +261,15 @@ void put_tempo(Page &page, const TempoMark &mark, Units offset)
 {
     const bool compound = is_compound(page.notation.meter);
     if (!mark.words.empty())
-        put_direction(page, joined({"<words>", mark.words, "</words>"}), offset, mark.shown ? 0.0 : mark.tempo);
+        put_direction(page, "above", joined({"<words>", mark.words, "</words>"}), offset, mark.shown ? 0.0 : mark.tempo);
     if (mark.shown) {
         const double beats = compound ? mark.tempo * 2.0 / 3.0 : mark.tempo;
-        put_direction(page,
+        put_direction(page, "above",
                       joined({"<metronome><beat-unit>quarter</beat-unit>", compound ? "<beat-unit-dot/>" : "", "<per-minute>",
                               number_text(std::round(beats * 10.0) / 10.0), "</per-minute></metronome>"}),
                       offset, mark.tempo);
     } else if (mark.words.empty()) {
-        page.line(3, {"<sound tempo=\"", number_text(mark.tempo), "\">",
-                      offset == 0 ? std::string{} : joined({"<offset>", page.units(offset), "</offset>"}), "</sound>"});
+        put_direction(page, "above", "<words> </words>", offset, mark.tempo); // a tempo without words would be shown as a number
     }
 }
 
@@ -280,25 +279,37 @@ struct StaffReading {
     std::size_t          mark = 0; // next of the tempo
 };
 
-// the first staff has the tempo for all
-void put_tempos(Page &page, StaffReading &reading, std::int64_t measure)
+// what of the tempo begins with a sign; the first staff has it for all
+void put_tempos(Page &page, StaffReading &reading, std::int64_t measure, const Sign &sign)
 {
-    const Units length = measure_of(page.notation.meter);
+    const Units begin = measure * measure_of(page.notation.meter) + sign.start;
     for (; reading.mark < page.tempo.marks.size(); ++reading.mark) {
         const TempoMark &mark = page.tempo.marks[reading.mark];
-        if (mark.quarter * QUARTER >= (measure + 1) * length)
+        if (mark.quarter * QUARTER >= begin + sign.length)
             return;
-        put_tempo(page, mark, mark.quarter * QUARTER - measure * length);
+        put_tempo(page, mark, mark.quarter * QUARTER - begin);
     }
 }
 
-void put_signs(Page &page, const Signs &signs, const Heads &heads, std::size_t voice, std::size_t number)
+// a voice of a measure, by the index that it is read by and the number that it gets
+struct VoiceOfMeasure {
+    std::int64_t measure;
+    std::size_t  index;
+    std::size_t  number;
+    bool         has_tempo;
+};
+
+void put_signs(Page &page, StaffReading &reading, const Signs &signs, const Heads &heads, VoiceOfMeasure voice)
 {
-    for (std::size_t i = 0; i < signs[voice].size(); ++i)
-        if (const Sign &sign = signs[voice][i]; sign.chord == nullptr)
-            put_rest(page, sign, number);
+    for (std::size_t i = 0; i < signs[voice.index].size(); ++i) {
+        const Sign &sign = signs[voice.index][i];
+        if (voice.has_tempo)
+            put_tempos(page, reading, voice.measure, sign);
+        if (sign.chord == nullptr)
+            put_rest(page, sign, voice.number);
         else
-            put_chord(page, sign, number, heads.at({voice, i}));
+            put_chord(page, sign, voice.number, heads.at({voice.index, i}));
+    }
 }
 
 // The signs of all voices that have notes; those of the first one always, unless the others can take its place: where no tie comes
@@ -327,8 +338,8 @@ void put_measure(Page &page, StaffReading &reading, std::int64_t measure, const 
     page.line(2, {"<measure number=\"", std::to_string(measure + 1), "\">"});
     if (measure == 0)
         put_attributes(page, clef);
-    if (first_staff)
-        put_tempos(page, reading, measure);
+    if (measure == 0 && reading.staff.usual == Articulation::staccato)
+        put_direction(page, "below", "<words font-style=\"italic\">sempre stacc.</words>", 0, 0.0);
     const Signs signs   = signs_of_measure(page, reading, measure);
     const Heads heads   = heads_of(page, signs);
     const bool  shifted = signs.front().empty();
@@ -338,7 +349,7 @@ void put_measure(Page &page, StaffReading &reading, std::int64_t measure, const 
             continue;
         if (!first)
             page.line(3, {"<backup><duration>", page.units(measure_of(meter)), "</duration></backup>"});
-        put_signs(page, signs, heads, v, shifted && first ? 0 : v);
+        put_signs(page, reading, signs, heads, {measure, v, shifted && first ? 0 : v, first && first_staff});
         first = false;
     }
     if (measure + 1 == page.notation.measures)

@@ -192,11 +192,13 @@ void say_articulation(Quantizing &to, std::size_t part)
         if (static_cast<double>(marked[static_cast<int>(usual)]) <= MOSTLY * static_cast<double>(all))
             continue;
         for (WrittenStaff &staff : to.notation.staves)
-            if (staff.part == part)
+            if (staff.part == part) {
+                staff.usual = usual;
                 for (WrittenVoice &voice : staff.voices)
                     for (WrittenChord &chord : voice.chords)
                         if (chord.articulation == usual)
                             chord.articulation = Articulation::none;
+            }
         to.notation.said.push_back(joined({name_of(to.music.parts[part]), ": most notes sound ",
                                            usual == Articulation::tenuto ? "full" : "less than about half of their length",
                                            ", and are not marked ", usual == Articulation::tenuto ? "tenuto" : "staccato"}));

@@ -35,6 +35,7 @@ struct WrittenStaff {
     std::size_t               part;
     std::size_t               number; ///< among those of its part, from 0
     std::vector<WrittenVoice> voices;
+    Articulation              usual = Articulation::none; ///< of chords that are not marked
 };
 
 struct Notation {
