@@ -111,7 +111,7 @@ void look_for_blocks(Finder &finder, const Block &first)
     if (end.file == NONE)
         return;
     const File       &file  = file_of(finder, end);
-    const std::string rest  = without_comments(std::string_view{file.text}.substr(end.end - file.skipped));
+    const std::string rest  = without_comments(std::string_view{file.text}.substr(offset(file, end.end)));
     std::uint64_t     count = 0;
     Place             place;
     for (std::size_t at = rest.find('\n'); at < rest.size(); at = rest.find('\n', at)) { // each round takes a line
