@@ -50,9 +50,9 @@ void look_at_velocities(Finder &finder, const Block &block, const Section &secti
 {
     const Statistics &values = section.statistics;
     const double      least = values.least * VELOCITIES, greatest = values.greatest * VELOCITIES;
-    if (values.count == 0)
+    if (values.count == 0 || section.no_numbers > 0)
         return;
-    if (values.greatest >= 1.0 && greatest < 1.0)
+    if (values.greatest >= 1.0 && greatest < 1.0 && least > -1.0)
         add(finder, {HintKind::midi_velocity, "all velocities are 0: the file is silent",
                      "p4 is an amplitude up to 32767, which becomes a velocity up to 127; " +
                          range_of(values.least, values.greatest) + " is below 258, which would be 1",
