@@ -126,7 +126,7 @@ std::string shortened(std::string_view text, std::size_t most)
     return characters <= most ? std::string(text) : std::string(text.substr(0, cut)) + "\xE2\x80\xA6";
 }
 
-std::string count_text(std::size_t count)
+std::string count_text(std::uint64_t count)
 {
     std::string text = std::to_string(count);
     for (std::size_t at = text.size(); at > 3; at -= 3)
@@ -134,7 +134,7 @@ std::string count_text(std::size_t count)
     return text;
 }
 
-std::string counted(std::size_t count, std::string_view noun)
+std::string counted(std::uint64_t count, std::string_view noun)
 {
     return joined({count_text(count), " ", noun, count == 1 ? "" : "s"});
 }

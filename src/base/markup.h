@@ -37,9 +37,9 @@ std::string pixels(double coordinate);
 std::string shortened(std::string_view text, std::size_t most);
 
 /// A whole number with thousands apart: "1,000,000".
-std::string count_text(std::size_t count);
+std::string count_text(std::uint64_t count);
 
 /// A count with its noun: "1 event", "12 events".
-std::string counted(std::size_t count, std::string_view noun);
+std::string counted(std::uint64_t count, std::string_view noun);
 
 } // namespace orlo

@@ -1,6 +1,7 @@
 #include "explain/hints_text.h"
 
 #include "base/visible_text.h"
+#include "explain/hints/finder.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -62,7 +63,7 @@ void put_source(std::string &text, const SourceMap &source, const Place &place)
 {
     const File            &file = source.files()[static_cast<std::size_t>(place.file)];
     const std::string_view whole{file.text};
-    const std::size_t      at    = place.begin - file.skipped;
+    const std::size_t      at    = offset(file, place.begin);
     const std::size_t      begin = at == 0 ? 0 : whole.rfind('\n', at - 1) + 1; // 0 where there is none
     const std::size_t      end   = std::min(whole.find('\n', at), whole.size());
     std::string_view       line  = whole.substr(begin, end - begin);
@@ -165,8 +166,9 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
 {
     const File            &file = source.files()[static_cast<std::size_t>(edit.place.file)];
     const std::string_view whole{file.text};
-    const std::string_view gone = whole.substr(edit.place.begin - file.skipped, edit.place.end - edit.place.begin);
-    std::string            text;
+    const std::string_view gone =
+        whole.substr(offset(file, edit.place.begin), static_cast<std::size_t>(edit.place.end - edit.place.begin));
+    std::string text;
     if (edit.text == "\n" && (gone.empty() || gone == "\r"))
         return "begin a new line here";
     if (edit.text.empty()) {
@@ -177,7 +179,7 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
     text += gone.empty() ? "put in " : "write ";
     put_quoted(text, edit.text);
     if (gone.empty()) {
-        put_neighbour(text, whole, edit.place.begin - file.skipped);
+        put_neighbour(text, whole, offset(file, edit.place.begin));
         return text;
     }
     text += " in place of ";

@@ -126,6 +126,8 @@ struct Command {
     double                seconds    = 0.0;  // of all its intervals, in p2, without deviations
     double                beats      = 0.0;  // the same in beats
     double                longest    = 0.0;  // of its intervals, in beats
+    float                 slowest    = 0.0F; // tempos of its intervals, in p2
+    float                 fastest    = 0.0F;
     float                 first_beat = 0.0F; // of the events that a span in beats covers, from p3 up
     float                 last_beat  = 0.0F;
 };

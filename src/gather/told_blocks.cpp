@@ -9,19 +9,24 @@
 #include "gather/gathering.h"
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 namespace orlo::gather {
 namespace {
 
-// seconds between two beats, by the middle of small pieces
+// seconds between two beats, by the middle of pieces that are smallest at the beginning, where a curve may leave it steeply
 double seconds_between(float from, float to)
 {
     constexpr int PIECES  = 512;
-    const double  length  = static_cast<double>(to - from) / PIECES;
+    const double  length  = static_cast<double>(to - from);
     double        seconds = 0.0;
-    for (int piece = 0; piece < PIECES; ++piece)
-        seconds += 60.0 / find_tempo(static_cast<float>(static_cast<double>(from) + length * (piece + 0.5))) * length;
+    for (int piece = 0; piece < PIECES; ++piece) {
+        const double begin = static_cast<double>(piece) / PIECES;
+        const double end   = static_cast<double>(piece + 1) / PIECES;
+        const double at    = static_cast<double>(from) + length * (begin * begin + end * end) / 2.0;
+        seconds += 60.0 / find_tempo(static_cast<float>(at)) * length * (end * end - begin * begin);
+    }
     return seconds;
 }
 
@@ -54,16 +59,21 @@ double seconds_to(float beat)
 // what the tempo map is when a block starts
 void take_map(Block &block)
 {
-    const float first = TEMPO_LIST[0].stempo;
-    const float last  = TEMPO_LIST[TOT_TEMPOS - 1].etempo;
+    const float first   = TEMPO_LIST[0].stempo;
+    const float last    = TEMPO_LIST[TOT_TEMPOS - 1].etempo;
+    bool        ordered = true;
     for (std::int32_t i = 0; i < TOT_TEMPOS; ++i) {
         const TempoSegment &segment = TEMPO_LIST[i];
-        block.tempo_moves           = block.tempo_moves || segment.stempo != first || segment.etempo != first;
+        if (i > 0 && segment.stime <= TEMPO_LIST[i - 1].stime)
+            ordered = false;
+        block.tempo_moves = block.tempo_moves || segment.stempo != first || segment.etempo != first;
         if (segment.etempo != last)
             block.settles = TEMPO_LIST[i + 1].stime; // the last one has that tempo
         else if (segment.stempo != last)
             block.settles = segment.etime;
     }
+    if (!ordered) // which one is in force where is not to be said in a word
+        block.settles = std::numeric_limits<float>::max();
     block.by_map = block.tempo_moves ? seconds_to(block.start) : static_cast<double>(block.seconds);
 }
 

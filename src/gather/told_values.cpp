@@ -63,6 +63,8 @@ void count_interval(float beats, float deviated, float tempo)
         Command &command = starts.commands[now.source.command];
         command.seconds += std::fabs(static_cast<double>(beats)) * 60.0 / static_cast<double>(tempo);
         command.beats += static_cast<double>(beats);
+        command.slowest = command.count == 0 ? tempo : std::min(command.slowest, tempo);
+        command.fastest = std::max(command.fastest, tempo);
         command.longest = std::max(command.longest, std::fabs(static_cast<double>(beats)));
     }
     if (beats < 0.0F && starts.backward++ == 0)

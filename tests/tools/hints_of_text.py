@@ -43,33 +43,14 @@ def three_decimals(_, hint):
 
 
 def decimals_in_whole(_, hint):
-    told = hint.told(*[('"{words}" is written as {written} where a whole number has to stand',
-                        end + ", which is read for itself; a macro is written as it stands")
-                       for end in ('The number ends before ".{zeros}"', 'The number ends before "{zeros}"')])
-    value = called(hint, told["words"])
-    yield from is_not("the place", hint.words, told["words"])
-    if abs(value) < 2 ** 31:
-        yield from is_not("what is written", told["written"], literals.decimals(value))
-    if abs(float(told["real"]) - value) > .51e-6 + 1e-9 * abs(value):
-        yield f"it is {value}, not {told['real']}"
-    if told.get("percent"):
-        yield from differs("how far it is off", told["percent"], 100 * abs(float(told["written"]) - value) / abs(value), 2)
-    elif "nothing is left" in hint.reason:
-        if float(told["written"]) != 0:
-            yield "something is left"
-    elif not re.search(r"\.\d{4,}$", told["written"]):
-        yield "it is written with three decimals"
-    if float(told["written"]) == value:
-        yield "nothing is lost"
-
-
-def decimals_in_whole(_, hint):
     told = hint.told(*[('"{words}" is written as {written} where a whole number has to stand', f'The number ends before "{dot}{{zeros}}", {rest}')
                        for dot in (".", "") for rest in ("which is read for itself; a macro is written as it stands",
                                                          "and the rest of the line is read with them", "{rest}")])
     value = called(hint, told["words"])
     yield from is_not("the place", hint.words, told["words"])
-    if any(change != (told["words"], str(round(value))) for change in edited(hint)):
+    name, whole = told["words"][1:], str(round(value))
+    as_macro = [(f"#const {name} {whole}", f"#define {name} #{whole}#"), (told["words"], f"${name}")]
+    if edited(hint) not in ([], [(told["words"], whole)], as_macro):
         yield f"{edited(hint)} is edited"
     yield from is_not("what is written", told["written"], literals.decimals(value))
     yield from is_not("what is left", told["zeros"], told["written"].partition(".")[2])

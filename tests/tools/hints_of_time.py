@@ -57,7 +57,7 @@ def late_block_mended(facts, hint, after):
 
 # ---- spans
 
-SECONDS = "In p2 a span counts seconds: at {tempo} its intervals take {seconds} s for {beats} beats, and the span is {span} s"
+SECONDS = "In p2 a span counts seconds: at {tempo} its intervals as they are read take {seconds} s for {beats} beats, and the span is {span} s"
 
 
 def seconds_in_p2(facts, hint):
@@ -68,7 +68,8 @@ def seconds_in_p2(facts, hint):
     yield from is_not("the generator", told["name"], command["name"])
     yield from is_not("the p-field", section.pfield, 2)
     yield from differs("beats", told["beats"], sum(section.read[first:end]))
-    yield from differs("seconds", told["seconds"], sum(section.result[first:end]))
+    seconds = sum(60 / tempo * read for tempo, read in zip(section.tempo[first:end], section.read[first:end]))
+    yield from differs("seconds", told["seconds"], seconds)
     yield from differs("the span", told["span"], span)
     tempos = set(section.tempo[first:end])
     if len(tempos) > 1:
@@ -79,7 +80,7 @@ def seconds_in_p2(facts, hint):
         if tempo == 60:
             yield "at 60 a second is a beat"
     if told.get("way") is not None:
-        way = sum(section.result[first:end]) / span
+        way = seconds / span
         yield from differs("the way", told["way"], way, 2)
         if way > .95:
             yield "it reaches its end"
@@ -103,6 +104,12 @@ def seconds_in_p2_mended(facts, hint, after):
             yield f"{command['name']} takes {beats} beats, not {command['span']}"
 
 
+def last_made(section, command):
+    """The last value of a generator: of starts and durations as it was read, of other p-fields as it is stored."""
+    values = section.read if section.pfield < 4 else section.result
+    return values[command["first"] + command["count"] - 1]
+
+
 def late_curve(facts, hint):
     told = hint.told(("{name} with * goes only {way} of its way",
                       "It covers beats {first} to {last}, and the length of the way is reckoned as {last} + {first} beats; "
@@ -115,7 +122,7 @@ def late_curve(facts, hint):
     yield from differs("its first beat", told["first"], first)
     yield from differs("its last beat", told["last"], last)
     yield from differs("its way", told["way"], (last - first) / (last + first), 2)
-    yield from differs("its last value", told["value"], made_by(section, command)[-1])
+    yield from differs("its last value", told["value"], last_made(section, command))
     if not any(each.get("by_beat") for each in command["sets"]):
         yield "no curve of it has a *"
 
@@ -164,7 +171,7 @@ def cut_span(facts, hint):
     yield from is_not("how many it was to make", int(told["wanted"]), -command["span"])
     yield from is_not("events of the block", int(told["events"]), section.count)
     yield from is_not("events before it", int(told["before"]), command["first"])
-    yield from differs("its last value", told["value"], made_by(section, command)[-1])
+    yield from differs("its last value", told["value"], last_made(section, command))
     if not command["count"] < -command["span"]:
         yield "it is not cut off"
 

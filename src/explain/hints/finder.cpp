@@ -24,6 +24,9 @@ bool has_hint(const Finder &finder, HintKind kind, const Block &block)
                        [kind, at = index_of(finder, block)](const Hint &hint) { return hint.kind == kind && hint.block == at; });
 }
 
+// where a byte of a file stands in its text
+std::size_t offset(const File &file, std::uint64_t byte) { return static_cast<std::size_t>(byte - file.skipped); }
+
 const File &file_of(const Finder &finder, const Place &place)
 {
     return finder.piece.source.files()[static_cast<std::size_t>(place.file)];
@@ -34,7 +37,7 @@ std::string_view text_at(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File &file = file_of(finder, place);
-    return std::string_view{file.text}.substr(place.begin - file.skipped, place.end - place.begin);
+    return std::string_view{file.text}.substr(offset(file, place.begin), static_cast<std::size_t>(place.end - place.begin));
 }
 
 std::string_view text_behind(const Finder &finder, const Place &place)
@@ -42,7 +45,7 @@ std::string_view text_behind(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped, MOST_LINE);
+    const std::string_view rest = std::string_view{file.text}.substr(offset(file, place.end), MOST_LINE);
     return rest.substr(0, rest.find('\n'));
 }
 
@@ -51,7 +54,7 @@ std::string_view text_before(const Finder &finder, const Place &place)
     if (place.file == NONE)
         return {};
     const File            &file = file_of(finder, place);
-    const std::size_t      at   = place.begin - file.skipped;
+    const std::size_t      at   = offset(file, place.begin);
     const std::size_t      from = at - std::min(at, MOST_LINE);
     const std::string_view rest = std::string_view{file.text}.substr(from, at - from);
     return rest.substr(rest.rfind('\n') + 1); // 0 where there is none

@@ -28,6 +28,9 @@ void add(Finder &finder, Hint hint);
 /// The text of a file, and how many bytes stand before it in the file.
 [[nodiscard]] const File &file_of(const Finder &finder, const Place &place);
 
+/// Where a byte of a file stands in its text.
+[[nodiscard]] std::size_t offset(const File &file, std::uint64_t byte);
+
 /// The text at a place; empty for no place.
 [[nodiscard]] std::string_view text_at(const Finder &finder, const Place &place);
 

@@ -66,12 +66,22 @@ bool fill_block(const Block &block, const Section &starts)
     return made == starts.written && std::fabs(sum - static_cast<double>(block.beats)) < BY_CHANCE * sum;
 }
 
+// whether nothing stands behind what was read of the section
+bool is_all(const Finder &finder, const Block &block, const Section &starts)
+{
+    const Place end = end_of_section(finder, block, 0);
+    if (!is_plain(starts.place) || end.file != starts.place.file || end.begin < starts.place.end)
+        return false;
+    const std::string rest = without_comments(text_at(finder, {end.file, starts.place.end, end.begin, NONE}));
+    return rest.find_first_not_of(" \t\r\n,/") == std::string::npos;
+}
+
 // spans that cover the beats which their texts have
 std::vector<Edit> in_seconds(const Finder &finder, const Block &block, const Section &starts)
 {
     const double      factor = 60.0 / static_cast<double>(block.tempo);
     std::vector<Edit> edits;
-    if (!fill_block(block, starts))
+    if (!fill_block(block, starts) || !is_all(finder, block, starts))
         return {};
     for (const Command &command : starts.commands) {
         if (!has_seconds(command))
@@ -87,15 +97,17 @@ std::vector<Edit> in_seconds(const Finder &finder, const Block &block, const Sec
     return edits;
 }
 
-std::string tempo_of(const Block &block)
+std::string tempo_of(const Command &command)
 {
-    return block.tempo_moves ? "a tempo that moves" : "tempo " + decimal_text(static_cast<double>(block.tempo));
+    return command.slowest < command.fastest ? "a tempo that moves" : "tempo " + decimal_text(static_cast<double>(command.slowest));
 }
 
 // what is wrong with a generator's span; empty when nothing is
 std::string fault_of(const Block &block, const Command &command)
 {
-    const double span    = *command.span;
+    const double span = *command.span;
+    if (std::fabs(command.seconds - command.beats) < BY_CHANCE * command.beats) // a second is a beat there
+        return {};
     const bool   stopped = share_of(command) < SHORT;
     const double room    = static_cast<double>(block.start + block.beats) - (static_cast<double>(block.reach) - command.beats);
     if (!stopped && std::fabs(command.beats - span) > std::max(command.longest, (1.0 - SHORT) * span))
@@ -117,7 +129,7 @@ void look_at_seconds(Finder &finder, const Block &block, const Section &starts)
         if (text.empty())
             continue;
         add(finder, {HintKind::seconds_in_p2, std::move(text),
-                     "in p2 a span counts seconds: at " + tempo_of(block) + " its intervals as they are read take " +
+                     "in p2 a span counts seconds: at " + tempo_of(command) + " its intervals as they are read take " +
                          decimal_text(command.seconds) + " s for " + decimal_text(command.beats) + " beats, and the span is " +
                          decimal_text(*command.span) + " s",
                      command.span_place, index_of(finder, block), in_seconds(finder, block, starts)});

@@ -50,9 +50,9 @@ void look_at_velocities(Finder &finder, const Block &block, const Section &secti
 {
     const Statistics &values = section.statistics;
     const double      least = values.least * VELOCITIES, greatest = values.greatest * VELOCITIES;
-    if (values.count == 0)
+    if (values.count == 0 || section.no_numbers > 0)
         return;
-    if (values.greatest >= 1.0 && greatest < 1.0)
+    if (values.greatest >= 1.0 && greatest < 1.0 && least > -1.0)
         add(finder, {HintKind::midi_velocity, "all velocities are 0: the file is silent",
                      "p4 is an amplitude up to 32767, which becomes a velocity up to 127; " +
                          range_of(values.least, values.greatest) + " is below 258, which would be 1",
@@ -111,7 +111,7 @@ void look_for_blocks(Finder &finder, const Block &first)
     if (end.file == NONE)
         return;
     const File       &file  = file_of(finder, end);
-    const std::string rest  = without_comments(std::string_view{file.text}.substr(end.end - file.skipped));
+    const std::string rest  = without_comments(std::string_view{file.text}.substr(offset(file, end.end)));
     std::uint64_t     count = 0;
     Place             place;
     for (std::size_t at = rest.find('\n'); at < rest.size(); at = rest.find('\n', at)) { // each round takes a line

@@ -100,7 +100,8 @@ bool is_direct(std::string_view line)
 void look_at_words(Finder &finder, std::vector<Words> &all)
 {
     for (const Sharp &sharp : finder.piece.sharps) {
-        if (sharp.place.file == NONE || is_direct(text_before(finder, sharp.place)))
+        if (sharp.place.file == NONE || char_at(finder, sharp.place.file, sharp.place.begin) != '#' ||
+            is_direct(text_before(finder, sharp.place)))
             continue;
         const std::optional<Edit> edit = sharp_at(finder, sharp.place, sharp.place.call != NONE);
         if (!edit)

@@ -54,7 +54,7 @@ void look_at_count(Finder &finder, const Block &block, const Section &section, c
     if (!has_way || !command.span || *command.span >= 0.0 || command.count == 0)
         return;
     const auto wanted = static_cast<std::uint64_t>(-*command.span);
-    if (command.count >= wanted)
+    if (command.count >= wanted || text_at(finder, command.span_place).starts_with('T'))
         return;
     std::vector<Edit> edits;
     if (section.pfield > 2 && command.count > 1 && is_plain(command.span_place))

@@ -126,7 +126,7 @@ bool look_at_start(Finder &finder, const Block &block, const std::vector<const B
         return true;
     const Reference reference = reference_of(references, block);
     const double    distance  = static_cast<double>(block.seconds) - reference.time;
-    if (is_heard_at(block, reference.time) || follows(references, block))
+    if (!std::isfinite(distance) || is_heard_at(block, reference.time) || follows(references, block))
         return true;
     add(finder, {HintKind::late_block,
                  name_of(finder, block) + " starts " + decimal_text(std::fabs(distance)) + " s " +
@@ -160,7 +160,7 @@ void look_at_starts(Finder &finder)
     std::sort(blocks.begin(), blocks.end(), starts_earlier);
     std::vector<const Block *> references;
     for (const Block *block : blocks)
-        if (look_at_start(finder, *block, references) && block->steady)
+        if (look_at_start(finder, *block, references) && block->steady && std::isfinite(block->reach_start))
             add_reference(references, *block);
 }
 

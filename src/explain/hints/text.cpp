@@ -40,7 +40,10 @@ bool is_utf16(std::string_view text)
 }
 
 // a byte of Latin-1 that is a letter or a sign
-bool is_latin1(char c) { return static_cast<unsigned char>(c) >= 0xA0; }
+bool is_latin1(char c)
+{
+    return static_cast<unsigned char>(c) >= 0xA0 && static_cast<unsigned char>(c) < 0xFF;
+} // orlo takes FF for a blank
 
 std::string from_latin1(char c)
 {
@@ -254,7 +257,7 @@ bool begins_line(std::string_view text)
 bool is_last_line(const Finder &finder, const Place &place)
 {
     const File            &file = file_of(finder, place);
-    const std::string_view rest = std::string_view{file.text}.substr(place.end - file.skipped);
+    const std::string_view rest = std::string_view{file.text}.substr(offset(file, place.end));
     const std::size_t      end  = rest.find('\n');
     return place.file == 0 && (end == std::string_view::npos || end + 1 == rest.size());
 }
