@@ -314,9 +314,11 @@ Task check(Options &options)
     options.notation.map          = {options.midi.map, options.midi.map_block};
     options.notation.meter        = {options.midi.beats, options.midi.unit};
     const std::string_view ending = std::string_view{options.out}.substr(options.out.rfind('.') + 1); // all of it without a point
-    if (options.format != Format::guess || find_format(ending, options.format))
-        return Task::write;
-    return refuse("what is to be written? OUT ends with .mid, .musicxml, .csv or .json, or -f says it");
+    if (options.format == Format::guess && !find_format(ending, options.format))
+        return refuse("what is to be written? OUT ends with .mid, .musicxml, .csv or .json, or -f says it");
+    if (options.notation.own_beats && options.format == Format::midi)
+        return refuse("--map own is for musicxml, not for mid");
+    return Task::write;
 }
 
 } // namespace

@@ -90,10 +90,11 @@ Inner inner_of(const Search &search, const Stretch &stretch)
 // whether all times begin a part when a stretch has parts of one length
 bool all_on(const Search &search, Inner inner, Units start, Units part)
 {
+    const double most = part >= QUARTER / 8 ? CLOSE : EXACT * QUARTER;
     for (std::size_t i = inner.begin; i < inner.end; ++i) {
         const double offset = search.times[i] - static_cast<double>(start);
         const double parts  = std::round(offset / static_cast<double>(part));
-        if (std::fabs(offset - parts * static_cast<double>(part)) > CLOSE)
+        if (std::fabs(offset - parts * static_cast<double>(part)) > most)
             return false;
     }
     return true;
@@ -250,17 +251,17 @@ Division divide(Meter meter, std::span<const double> times)
     if (division.fits)
         return division;
     for (std::size_t i = 0; i < times.size(); ++i)
-        if (const double distance = distance_from_any(times[i]); distance > division.distance) {
+        if (const double distance = distance_from_usual(times[i]); distance > division.distance) {
             division.distance = distance;
             division.astray   = i;
         }
     return division;
 }
 
-double distance_from_any(double units)
+double distance_from_usual(double units)
 {
     double least = QUARTER;
-    for (const Units part : {SHORTEST, QUARTER / 24, QUARTER / 20, QUARTER / 28})
+    for (const Units part : {QUARTER / 8, QUARTER / 6, QUARTER / 5, QUARTER / 7})
         least = std::min(least, std::fabs(units - static_cast<double>(part) * std::round(units / static_cast<double>(part))));
     return least / static_cast<double>(QUARTER);
 }

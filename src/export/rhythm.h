@@ -13,8 +13,9 @@ using Units = std::int64_t;
 
 inline constexpr Units  QUARTER  = 3360;           // 32nd parts of a quarter, and of its third, fifth and seventh ones, are whole
 inline constexpr Units  SHORTEST = QUARTER / 32;   // a 128th note
-inline constexpr double NEAR     = 0.004;          // quarters: what lies so near is meant
+inline constexpr double NEAR     = 0.003;          // quarters: what lies so near is meant
 inline constexpr double CLOSE    = NEAR * QUARTER; // the same in units
+inline constexpr double EXACT    = 0.001;          // quarters: the same for parts so fine that any time is near to one
 
 struct Meter {
     int beats = 4; ///< of a measure
@@ -64,7 +65,7 @@ struct Division {
 /// @param times units from its start, ascending, none further than CLOSE outside of it
 [[nodiscard]] Division divide(Meter meter, std::span<const double> times);
 
-/// Quarters from the nearest time that some division has.
-[[nodiscard]] double distance_from_any(double units);
+/// Quarters from the nearest time that a usual division has: 32nd notes, or a third, fifth, sixth or seventh of a quarter.
+[[nodiscard]] double distance_from_usual(double units);
 
 } // namespace orlo::exporting

@@ -110,7 +110,7 @@ std::string fault_of(const Placing &placing, Astray found)
     const std::string about = joined({"the note at ", number_text(note.start), " s (beat ", number_text(beat_of(placing, note)),
                                       place_of(placing.music, note), ") has no rhythm: "});
     const std::string why   = found.distance > NEAR
-                                  ? joined({"the nearest 128th note or tuplet is ", number_text(found.distance, 2), " beats off"})
+                                  ? joined({"the nearest 32nd note or tuplet is ", number_text(found.distance, 2), " beats off"})
                                   : std::string{"no division of its beat has all that begins there"};
     const bool        others =
         !placing.options.own_beats && !std::isnan(note.beat) && std::fabs(beat_of(placing, note) - note.beat) > FITS;
