@@ -48,6 +48,7 @@ std::vector<int> groups_of(Meter meter)
 std::vector<Stretch> even_parts(const Stretch &of, int count, int actual, int normal)
 {
     std::vector<Stretch> parts;
+    parts.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         parts.push_back({of.start + i * of.length / count, of.length / count, actual, normal});
     return parts;

@@ -314,7 +314,7 @@ bool find_voices(const Music &music, std::vector<Line> lines, Voices &voices)
 {
     std::stable_sort(lines.begin(), lines.end(), [](const Line &a, const Line &b) { return a.front().beat < b.front().beat; });
     Voices cluster;
-    double end = -INFINITY; // of all lines of the cluster
+    double end = -LAST_BEAT; // of all lines of the cluster
     for (Line &line : lines) {
         if (line.front().beat >= end - TOGETHER) {
             add_voices(music, std::move(cluster), voices);

@@ -1,4 +1,5 @@
 """Is notation right: check_musicxml.py --export PROGRAM [--first N] [--count N] [--reader musescore|lilypond] [--keep FOLDER]
+                  or check_musicxml.py --export PROGRAM --limits
                   or check_musicxml.py FILE.musicxml...
 
 Every document is read strictly: elements of a note in the order of the standard; every voice fills every measure; what a note lasts
@@ -290,9 +291,8 @@ def read(data):
                 heads = [sign for sign in signs if not sign.chord]
                 check_tuplets(heads)
                 check_beams(heads)
-                for head in heads:
-                    chord = [sign.pitch for sign in signs if sign.start == head.start]
-                    require(len(set(chord)) == len(chord), f"a chord at {head.start} has a pitch twice")
+                chords = collections.Counter((sign.start, sign.pitch) for sign in signs)
+                require(max(chords.values()) == 1, f"a chord has a pitch twice: {chords.most_common(1)}")
             check_accidentals(part)
             notes += untied(part)
         except Fault as fault:
@@ -477,6 +477,42 @@ def check_pieces(options, folder):
     return 1 if faults else 0
 
 
+# ---- limits
+
+def in_score(lines):
+    return "".join(f"i{line}\n" for line in lines) + "e\n"
+
+
+LIMITS = [  # what is just held, what is not, and what is said of that
+    ([(1, 0, 1), (1, 39999, 1)], [(1, 0, 1), (1, 40000, 1)], "10,000 are the most"),
+    ([(1, i % 8, 100 + i) for i in range(64)], [(1, i % 8, 100 + i) for i in range(65)], "more than 64 voices"),
+    ([(i, 0, 4) for i in range(1, 200)] + [(1, 3996, 4)], [(i, 0, 4) for i in range(1, 202)] + [(1, 3996, 4)], "measures of all staves"),
+    ([(1, 0, 4000)] * 1998, [(1, 0, 4000)] * 1999, "2,000,000 written notes"),
+]
+
+
+def check_limits(program):
+    """At each limit a score is written and right, one past it it is refused."""
+    faults = 0
+    with tempfile.TemporaryDirectory() as folder:
+        source, out = os.path.join(folder, "in.sco"), os.path.join(folder, "out.musicxml")
+        for held, refused, text in LIMITS:
+            for events, right in ((held, True), (refused, False)):
+                with open(source, "w", encoding="utf-8") as file:
+                    file.write(in_score(f"{instrument} {start} {length}" for instrument, start, length in events))
+                done = subprocess.run([program, source, "-o", out], capture_output=True, text=True, timeout=TIME_LIMIT)
+                good = done.returncode == 0 if right else done.returncode == 1 and text in done.stderr and not os.path.exists(out)
+                if good and right:
+                    with open(out, "rb") as file:
+                        read(file.read())
+                    os.remove(out)
+                if not good:
+                    faults += 1
+                    print(f"{text}, {'at' if right else 'past'} the limit: {done.returncode} {done.stderr}")
+    print(f"{len(LIMITS)} limits, {faults} faults")
+    return 1 if faults else 0
+
+
 def check_files(names):
     status = 0
     for name in names:
@@ -496,10 +532,13 @@ def main():
     parser.add_argument("--count", type=int, default=33)
     parser.add_argument("--reader", choices=sorted(READERS))
     parser.add_argument("--keep")
+    parser.add_argument("--limits", action="store_true")
     parser.add_argument("files", nargs="*")
     options = parser.parse_args()
     if not options.export:
         return check_files(options.files)
+    if options.limits:
+        return check_limits(options.export)
     if options.keep:
         os.makedirs(options.keep, exist_ok=True)
         return check_pieces(options, options.keep)
