@@ -12,6 +12,7 @@ namespace orlo::exporting {
 namespace {
 
 constexpr double TOGETHER  = 2.0 * NEAR; // quarters: what starts so near is a chord
+constexpr double LEAST     = 1.0 / 32;   // quarters of a note, however short it sounds
 constexpr double LEGATO    = 0.15;       // of a note, that it may sound into the next one of its line
 constexpr double FAR       = 2.0;        // lengths of a note of a score: a rest follows when the next one is further off
 constexpr double LAST_BEAT = 1e9;        // quarters; far more than there can be measures
@@ -57,8 +58,8 @@ Placed placed(const Placing &placing, std::size_t index)
     const bool  own = placing.options.own_beats && !std::isnan(note.beats);
     of.sound        = own ? note.beat + note.beats : beat_at(placing.grid, note.start + note.duration);
     if (placing.options.sounding) {
-        of.end  = of.sound;
-        of.sure = is_usual(of.end) && of.end - of.beat > TOGETHER;
+        of.end  = std::max(of.sound, of.beat + LEAST);
+        of.sure = is_usual(of.end) && of.sound - of.beat >= LEAST;
     } else if (note.interval > 0.0) { // none or 0: the next start
         of.end = of.beat + note.interval;
     }
@@ -220,16 +221,13 @@ void end_chords(Line &line, bool of_block)
     for (std::size_t i = 0; i < line.size(); ++i) {
         Chord       &chord = line[i];
         const double next  = i + 1 < line.size() ? line[i + 1].beat : static_cast<double>(INFINITY);
-        if (!of_block && next - chord.beat > FAR * (chord.sound - chord.beat) + NEAR) {
+        const bool   rest  = !of_block && next - chord.beat > FAR * (chord.sound - chord.beat) + NEAR;
+        if (rest || (std::isinf(chord.end) && std::isinf(next))) {
             chord.end  = chord.sound;
             chord.sure = is_usual(chord.end);
         }
+        chord.end = std::max(chord.end, chord.beat + LEAST);
         chord.end = chord.end > next - TOGETHER ? next : chord.end;
-        if (std::isinf(chord.end)) {
-            chord.end  = chord.sound;
-            chord.sure = is_usual(chord.end);
-        }
-        chord.end = std::max(chord.end, chord.beat + TOGETHER);
     }
 }
 
