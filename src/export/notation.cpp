@@ -238,37 +238,58 @@ void say_ends(Quantizing &to)
                     " off the grid, and the nearest time was written, up to ", number_text(to.largest, 3), " beats away"}));
 }
 
-} // namespace
-
-Notation notation_of(const Music &music, const Grid &grid, const NotationOptions &options)
+// false: blocks meet in a beat that no division has
+bool write_staves(Quantizing &to, const Staves &staves)
 {
-    Quantizing to{music, grid, options, {}};
-    to.notation.meter = options.meter;
-    Staves staves     = staves_of(music, grid, options);
-    to.notation.said  = std::move(staves.said);
-    to.notation.fault = std::move(staves.fault);
-    if (!to.notation.fault.empty())
-        return std::move(to.notation);
     for (const Staff &staff : staves.staves) {
         WrittenStaff &written = to.notation.staves.emplace_back();
         written.part          = staff.part;
         written.number        = staff.number;
         for (const Line &line : staff.voices)
-            if (!write_voice(to, line, written.voices.emplace_back())) {
-                to.notation.fault = joined({"voices of ", name_of(music.parts[staff.part]),
-                                            " meet within a beat in divisions that have nothing in common; --grid 16 takes the "
-                                            "nearest sixteenths"});
-                return std::move(to.notation);
-            }
+            if (!write_voice(to, line, written.voices.emplace_back()))
+                return false;
         mark_chords(to, staff, written);
     }
+    return true;
+}
+
+Notation unwritten(std::string fault)
+{
+    Notation notation;
+    notation.fault = std::move(fault);
+    return notation;
+}
+
+// nothing where blocks meet in a beat that no division has
+std::optional<Notation> quantized(const Music &music, const Grid &grid, const NotationOptions &options, bool all_moved)
+{
+    const Staves staves = staves_of(music, grid, options, all_moved);
+    if (!staves.fault.empty())
+        return unwritten(staves.fault);
+    Quantizing to{music, grid, options, {}};
+    to.notation.meter = options.meter;
+    to.notation.said  = staves.said;
+    if (!write_staves(to, staves))
+        return std::nullopt;
     to.notation.fault = count_measures(to);
-    if (!to.notation.fault.empty())
-        return std::move(to.notation);
-    for (std::size_t part = 0; part < music.parts.size(); ++part)
-        say_articulation(to, part);
-    say_ends(to);
+    if (to.notation.fault.empty()) {
+        for (std::size_t part = 0; part < music.parts.size(); ++part)
+            say_articulation(to, part);
+        say_ends(to);
+    }
     return std::move(to.notation);
+}
+
+} // namespace
+
+Notation notation_of(const Music &music, const Grid &grid, const NotationOptions &options)
+{
+    std::optional<Notation> notation = quantized(music, grid, options, false);
+    if (!notation && options.grid)
+        notation = quantized(music, grid, options, true);
+    return notation ? std::move(*notation)
+                    : unwritten("blocks of an instrument meet within a beat in divisions that have nothing in common; "
+                                "--grid 16 takes the nearest sixteenths");
 }
 
 } // namespace orlo::exporting

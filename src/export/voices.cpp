@@ -31,7 +31,8 @@ struct Placing {
     const Music           &music;
     const Grid            &grid;
     const NotationOptions &options;
-    Staves                 staves;
+    const bool             all_moved; // to the grid
+    Staves                 staves          = {};
     double                 largest_beats   = 0.0; // how far the grid has moved a start
     double                 largest_seconds = 0.0;
     std::size_t            moved           = 0;
@@ -146,13 +147,12 @@ void give_rhythm(Placing &placing, std::vector<Placed> &notes)
                                            " s begins before 0 or ends far behind all measures"});
             return;
         }
-    const std::optional<Astray> found = astray(placing, notes);
-    if (!found)
+    if (const std::optional<Astray> found = astray(placing, notes); !found && !placing.all_moved)
         return;
-    if (placing.options.grid)
-        move_to_grid(placing, notes);
-    else
+    else if (found && !placing.options.grid)
         placing.staves.fault = fault_of(placing, *found);
+    else
+        move_to_grid(placing, notes);
 }
 
 // ---- lines
@@ -370,9 +370,9 @@ void say_grid(Placing &placing)
 
 } // namespace
 
-Staves staves_of(const Music &music, const Grid &grid, const NotationOptions &options)
+Staves staves_of(const Music &music, const Grid &grid, const NotationOptions &options, bool all_moved)
 {
-    Placing placing{music, grid, options, {}};
+    Placing placing{music, grid, options, all_moved};
     auto    groups = groups_of(placing);
     for (std::size_t part = 0; part < groups.size(); ++part) {
         Voices voices;

@@ -50,6 +50,7 @@ struct Staves {
 };
 
 /// Puts all notes on staves.
-[[nodiscard]] Staves staves_of(const Music &music, const Grid &grid, const NotationOptions &options);
+/// @param all_moved what has a rhythm goes to the grid as well
+[[nodiscard]] Staves staves_of(const Music &music, const Grid &grid, const NotationOptions &options, bool all_moved);
 
 } // namespace orlo::exporting
