@@ -150,9 +150,8 @@ void put_pitch(Page &page, const Head &head)
         page.line(4, {"<unpitched><display-step>B</display-step><display-octave>4</display-octave></unpitched>"});
         return;
     }
-    const std::string alter = std::fabs(name.alter) < SAME
-                                  ? std::string{}
-                                  : joined({"<alter>", number_text(std::round(name.alter * 1e4) / 1e4), "</alter>"});
+    const std::string alter =
+        std::fabs(name.alter) < SAME ? std::string{} : joined({"<alter>", number_text(name.alter), "</alter>"});
     page.line(4, {"<pitch><step>", std::string_view{&name.step, 1}, "</step>", alter, "<octave>", std::to_string(name.octave),
                   "</octave></pitch>"});
 }

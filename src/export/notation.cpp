@@ -287,9 +287,14 @@ Notation notation_of(const Music &music, const Grid &grid, const NotationOptions
     std::optional<Notation> notation = quantized(music, grid, options, false);
     if (!notation && options.grid)
         notation = quantized(music, grid, options, true);
-    return notation ? std::move(*notation)
-                    : unwritten("blocks of an instrument meet within a beat in divisions that have nothing in common; "
-                                "--grid 16 takes the nearest sixteenths");
+    if (notation)
+        return std::move(*notation);
+    if (options.grid)
+        return unwritten(joined({"measures of ", std::to_string(options.meter.beats), "/", std::to_string(options.meter.unit),
+                                 " do not have the times of the grid"}));
+    return unwritten(
+        "blocks of an instrument meet within a beat in divisions that have nothing in common; --grid 16 takes the nearest "
+        "sixteenths");
 }
 
 } // namespace orlo::exporting

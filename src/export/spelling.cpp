@@ -19,6 +19,7 @@ constexpr double REMEMBERED   = 0.85;  // of the middle, when a name comes
 constexpr int    LOWEST_NAME  = -6;    // g flat
 constexpr int    HIGHEST_NAME = 10;    // a sharp
 constexpr double MOST_ALTER   = 2.0;   // semitones that have a sign of their own
+constexpr double DIGITS       = 1e4;   // of a semitone, that are written
 constexpr double LOWEST       = 0.0;   // c0
 constexpr double HIGHEST      = 115.0; // the highest key of a MIDI file
 constexpr int    OCTAVE       = 12;
@@ -120,7 +121,7 @@ Spelling spelled(Speller &speller, const Note &note, double pitch)
         name = nearest_name(static_cast<int>(key), speller.middle);
         speller.middle += (fifths_of(name) - speller.middle) * (1.0 - REMEMBERED);
         if (std::fabs(rest) >= TUNED) {
-            name.alter += rest;
+            name.alter += std::round(rest * DIGITS) / DIGITS;
             ++speller.micro;
         }
     }
