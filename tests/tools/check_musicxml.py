@@ -1,4 +1,5 @@
 """Is notation right: check_musicxml.py --export PROGRAM [--first N] [--count N] [--reader musescore|lilypond] [--keep FOLDER]
+                  or check_musicxml.py --export PROGRAM [--reader NAME] PIECE...
                   or check_musicxml.py --export PROGRAM --limits
                   or check_musicxml.py FILE.musicxml...
 
@@ -9,6 +10,8 @@ chords have each pitch once; all parts have the same measures.
 
 With --export, pieces are made whose notes are known (notation_pieces.py) and written by the program, as MusicXML and as JSON: the
 notes must be those that are known, with their names, and each starts where the JSON's seconds lie on the beats.
+
+A PIECE is written with the beats of each block, on a grid where it has no rhythm; all its events must be notes.
 
 --reader gives the documents to a program that is not this project's: MuseScore must make a MIDI file with the same notes and
 lengths of them, musicxml2ly and LilyPond must engrave them without a word. Ends with 77 when that program is missing.
@@ -37,7 +40,7 @@ SIGNS = {-2: "flat-flat", -1.5: "three-quarters-flat", -1: "flat", -.5: "quarter
          1.5: "three-quarters-sharp", 2: "double-sharp"}
 SEMITONES = {"C": 0, "D": 2, "E": 4, "F": 5, "G": 7, "A": 9, "B": 11}
 NEAR = 0.0045  # quarters that a start may be moved without being said
-HALF_ALTER = re.compile(r"invalid alter '-?\d\.5'")  # MuseScore 3 says so of quarter tones, and takes them from their accidentals
+NO_KEY = re.compile(r"invalid alter '-?\d\.\d+'")  # MuseScore 3 says so of microtones, and takes them from their accidentals
 MISSING = 77
 TIME_LIMIT = 300
 
@@ -426,7 +429,7 @@ def check_musescore(path, notes):
     environment = dict(os.environ, QT_QPA_PLATFORM="offscreen")
     done = subprocess.run(["musescore3", "-o", out, bare(path)], capture_output=True, text=True, timeout=TIME_LIMIT, env=environment)
     require(os.path.exists(out), f"MuseScore writes nothing: {done.stderr}")
-    errors = [line for line in done.stderr.splitlines() if "rror" in line and not HALF_ALTER.search(line)]
+    errors = [line for line in done.stderr.splitlines() if "rror" in line and not NO_KEY.search(line)]
     require(not errors, f"MuseScore says: {errors[:4]}")
     heard, tolerance = midi_notes(out)
     odd = collisions(notes)
@@ -456,6 +459,23 @@ def check_lilypond(path, notes):
 READERS = {"musescore": (check_musescore, ("musescore3", "midicsv")), "lilypond": (check_lilypond, ("musicxml2ly", "lilypond"))}
 
 
+def check_written(program, source, folder):
+    """A piece that stands in a file: its name and its notes."""
+    name = os.path.splitext(os.path.basename(source))[0]
+    paths = [os.path.join(folder, name + ending) for ending in (".musicxml", ".json")]
+    for path in paths:
+        done = subprocess.run([program, os.path.basename(source), "--map", "own", "--grid", "16", "-o", path], capture_output=True,
+                              text=True, timeout=TIME_LIMIT, cwd=os.path.dirname(source))
+        require(done.returncode == 0, f"the program ends with {done.returncode}: {done.stderr}")
+        doubled = re.search(r"(\d+) notes? written once", done.stderr) if path == paths[0] else doubled
+    with open(paths[0], "rb") as file:
+        notes = read(file.read())
+    with open(paths[1], encoding="utf-8") as file:
+        events = json.load(file)["events"]
+    require(len(notes) + (int(doubled[1]) if doubled else 0) == len(events), f"{len(notes)} notes are written of {len(events)} events")
+    return notes
+
+
 def check_pieces(options, folder):
     check, tools = READERS.get(options.reader, (None, ()))
     for tool in tools:
@@ -463,17 +483,19 @@ def check_pieces(options, folder):
             print(f"{tool} is missing")
             return MISSING
     faults = count = 0
-    for seed in range(options.first, options.first + options.count):
-        piece = notation_pieces.piece(seed)
+    pieces = options.files or [notation_pieces.piece(seed) for seed in range(options.first, options.first + options.count)]
+    for piece in pieces:
+        if options.files:
+            piece = notation_pieces.Piece(os.path.splitext(os.path.basename(piece))[0], piece, [], None, "4/4", 16, 0)
         try:
-            notes = check_piece(options.export, piece, folder)
+            notes = (check_written if options.files else check_piece)(options.export, piece.text if options.files else piece, folder)
             count += len(notes)
             if check:
                 check(os.path.join(folder, piece.name + ".musicxml"), notes)
         except Fault as fault:
             faults += 1
             print(f"{piece.name}: {fault}")
-    print(f"{options.count} pieces, {count} notes, {faults} faults")
+    print(f"{len(pieces)} pieces, {count} notes, {faults} faults")
     return 1 if faults else 0
 
 
@@ -527,7 +549,7 @@ def check_files(names):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n", maxsplit=1)[0])
-    parser.add_argument("--export")
+    parser.add_argument("--export", type=os.path.abspath)
     parser.add_argument("--first", type=int, default=0)
     parser.add_argument("--count", type=int, default=33)
     parser.add_argument("--reader", choices=sorted(READERS))
@@ -535,6 +557,7 @@ def main():
     parser.add_argument("--limits", action="store_true")
     parser.add_argument("files", nargs="*")
     options = parser.parse_args()
+    options.files = [os.path.abspath(name) for name in options.files]
     if not options.export:
         return check_files(options.files)
     if options.limits:
