@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace orlo::exporting {
 namespace {
@@ -125,8 +126,8 @@ double value_at(const Music &music, const Note &note, int field)
 
 struct Loudness {
     const MidiOptions &options;
-    double             softest = INFINITY; // decibels
-    double             loudest = -INFINITY;
+    double             softest = std::numeric_limits<double>::infinity(); // decibels
+    double             loudest = -std::numeric_limits<double>::infinity();
 };
 
 int loudness_field(const Loudness &loudness, const Music &music, const Note &note)
