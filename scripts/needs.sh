@@ -58,6 +58,8 @@ needs_for_all=(
     "libc++abi-14-dev=/usr/lib/llvm-14/lib/libc++abi.a"
     "g++-mingw-w64-x86-64-posix=x86_64-w64-mingw32-g++-posix"
     "wine64=/usr/lib/wine/wine64"
+    "musescore3=musescore3"
+    "lilypond=lilypond"
 )
 # scripts/test --coverage
 needs_for_coverage=(

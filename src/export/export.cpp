@@ -4,6 +4,7 @@
 #include "export/export.h"
 
 #include "base/exhaustion.h"
+#include "export/musicxml.h"
 #include "export/options.h"
 #include "export/read_music.h"
 #include "export/tables.h"
@@ -133,6 +134,8 @@ std::string write(const Music &music, const Options &options, std::vector<std::s
         return fault(write_csv(music, options.names, file));
     case Format::json:
         return fault(write_json(music, options.names, file));
+    case Format::musicxml:
+        return write_musicxml(music, options.notation, said, file);
     case Format::midi:
         return write_midi(music, options.midi, said, file);
     case Format::guess:

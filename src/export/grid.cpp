@@ -58,6 +58,15 @@ double beat_at(const Grid &grid, double second)
     return point->beat + (second - point->second) * (next.beat - point->beat) / (next.second - point->second);
 }
 
+double second_at(const Grid &grid, double beat)
+{
+    const auto       later = std::upper_bound(grid.points.begin() + 1, grid.points.end() - 1, beat,
+                                              [](double at, const GridPoint &point) { return at < point.beat; });
+    const GridPoint &next  = *later;
+    const GridPoint &point = *(later - 1);
+    return point.second + (beat - point.beat) * (next.second - point.second) / (next.beat - point.beat);
+}
+
 Distance distance_of(const Music &music, const Grid &grid)
 {
     Distance distance{};
@@ -100,6 +109,22 @@ Grid fitting_grid(const Music &music)
         }
     }
     return best;
+}
+
+Grid chosen_grid(const Music &music, MapWish wish)
+{
+    switch (wish.choice) {
+    case MapChoice::fitting:
+        return fitting_grid(music);
+    case MapChoice::block:
+        for (std::size_t i = 0; i < music.blocks.size(); ++i)
+            if (music.blocks[i].number == wish.block)
+                return grid_of(music, static_cast<std::int32_t>(i));
+        break;
+    case MapChoice::none:
+        break;
+    }
+    return grid_of(music, NONE);
 }
 
 } // namespace orlo::exporting

@@ -22,6 +22,11 @@ struct Grid {
 /// Which block the beats are taken from.
 enum class MapChoice { fitting, block, none };
 
+struct MapWish {
+    MapChoice     choice = MapChoice::fitting;
+    std::uint32_t block  = 0; ///< number of the block, for MapChoice::block
+};
+
 /// The grid of a block: its events' beats and seconds, from beat 0 on.
 /// @param block index; NONE for a grid on which a beat is a second
 [[nodiscard]] Grid grid_of(const Music &music, std::int32_t block);
@@ -29,8 +34,14 @@ enum class MapChoice { fitting, block, none };
 /// The grid of the block that most events fit, by their own beats.
 [[nodiscard]] Grid fitting_grid(const Music &music);
 
+/// The grid that is wished for; one on which a beat is a second where there is no such block.
+[[nodiscard]] Grid chosen_grid(const Music &music, MapWish wish);
+
 /// Beats at a time in seconds.
 [[nodiscard]] double beat_at(const Grid &grid, double second);
+
+/// Seconds at a beat.
+[[nodiscard]] double second_at(const Grid &grid, double beat);
 
 /// How far events lie from their own beats.
 struct Distance {

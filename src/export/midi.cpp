@@ -111,19 +111,6 @@ Clock clock_of(const Grid &grid)
 
 // ---- what a note becomes
 
-// p-fields of a piece that a MIDI file asks for, by their places among those of a note; -1: there is none
-int field_with(const std::vector<Field> &fields, Meaning meaning)
-{
-    const auto found =
-        std::find_if(fields.begin(), fields.end(), [meaning](const Field &field) { return field.meaning == meaning; });
-    return found == fields.end() ? -1 : static_cast<int>(found - fields.begin());
-}
-
-double value_at(const Music &music, const Note &note, int field)
-{
-    return field < 0 || field >= note.count ? NOTHING : music.values[note.first + static_cast<std::size_t>(field)];
-}
-
 struct Loudness {
     const MidiOptions &options;
     double             softest = std::numeric_limits<double>::infinity(); // decibels
@@ -242,7 +229,7 @@ int bend_range(const MidiOptions &options) { return options.mpe ? MPE_RANGE : US
 
 Sound sound_of(Writer &writer, const Note &note)
 {
-    const double semitones = value_at(writer.music, note, field_with(fields_of(writer.music, note), Meaning::semitones));
+    const double semitones = pitch_of(writer.music, note);
     const Keyed  keyed     = key_of(semitones);
     writer.pitchless += std::isfinite(semitones) ? 0U : 1U;
     writer.moved += keyed.moved ? 1U : 0U;
@@ -328,9 +315,6 @@ void add_sounds(Writer &writer, MidiTrack &track, std::vector<Sound> &sounds, Ch
         add_sound(writer, track, sound);
     }
 }
-
-// the name of a part as people have it
-std::string name_of(const Part &part) { return part.number == NONE ? part.name : joined({"i", part.name}); }
 
 // the notes of a part, or of a block
 MidiTrack track_of(Writer &writer, const Part &part, const std::string &name, std::vector<Sound> &sounds, ChannelUser &user)
@@ -446,22 +430,6 @@ std::string fault_of(const Music &music, const Clock &clock)
                                                      : "a note ends at " + number_text(end) + " s, which no MIDI file can hold";
 }
 
-Grid chosen_grid(const Music &music, const MidiOptions &options)
-{
-    switch (options.map) {
-    case MapChoice::fitting:
-        return fitting_grid(music);
-    case MapChoice::block:
-        for (std::size_t i = 0; i < music.blocks.size(); ++i)
-            if (music.blocks[i].number == options.map_block)
-                return grid_of(music, static_cast<std::int32_t>(i));
-        break;
-    case MapChoice::none:
-        break;
-    }
-    return grid_of(music, NONE);
-}
-
 // a track for each part, or for each block
 std::vector<MidiTrack> tracks_of(Writer &writer)
 {
@@ -491,7 +459,7 @@ std::vector<MidiTrack> tracks_of(Writer &writer)
 
 std::string write_midi(const Music &music, const MidiOptions &options, std::vector<std::string> &said, std::FILE *file)
 {
-    const Grid  grid = chosen_grid(music, options);
+    const Grid  grid = chosen_grid(music, {options.map, options.map_block});
     Writer      writer{music, options, said, clock_of(grid), loudness_of(music, options), {}};
     std::string fault = fault_of(music, writer.clock);
     if (!fault.empty())

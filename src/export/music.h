@@ -26,17 +26,25 @@ struct Field {
     std::string type; ///< output type by which it is printed: "op"; "re" for one without; empty for a score
 };
 
+/// The name that a pitch was written with: "ef4" is e, -1.
+struct NoteName {
+    char  step  = 0;    ///< a letter from a to g; 0: none is known
+    float alter = 0.0F; ///< semitones
+};
+
 struct Note {
-    double       start;           ///< seconds
-    double       duration;        ///< seconds, above 0
-    double       beat  = NOTHING; ///< of its block, from beat 0 of the piece; none for a score
-    double       beats = NOTHING; ///< its duration at the tempo there
-    std::int32_t part  = NONE;    ///< index into Music::parts
-    std::int32_t block = NONE;    ///< index into Music::blocks; none for a score
-    std::int32_t file  = NONE;    ///< index into Music::files, where it is written
-    std::int32_t line  = 0;       ///< in that file, from 1; 0 where it is not known
-    std::size_t  first = 0;       ///< of its p-fields from p4 up, in Music::values and Music::printed
-    std::int32_t count = 0;       ///< of them
+    double       start;              ///< seconds
+    double       duration;           ///< seconds, above 0
+    double       beat     = NOTHING; ///< of its block, from beat 0 of the piece; none for a score
+    double       beats    = NOTHING; ///< its duration at the tempo there
+    double       interval = NOTHING; ///< beats to the next start of its block, as they are written; none for a score
+    NoteName     name;
+    std::int32_t part  = NONE; ///< index into Music::parts
+    std::int32_t block = NONE; ///< index into Music::blocks; none for a score
+    std::int32_t file  = NONE; ///< index into Music::files, where it is written
+    std::int32_t line  = 0;    ///< in that file, from 1; 0 where it is not known
+    std::size_t  first = 0;    ///< of its p-fields from p4 up, in Music::values and Music::printed
+    std::int32_t count = 0;    ///< of them
 };
 
 /// An instrument.
@@ -70,5 +78,17 @@ struct Music {
 
 /// The p-fields of a note, from p4 up.
 [[nodiscard]] const std::vector<Field> &fields_of(const Music &music, const Note &note);
+
+/// The first of some p-fields that means this, by its place among them; NONE where there is none.
+[[nodiscard]] int field_with(const std::vector<Field> &fields, Meaning meaning);
+
+/// A p-field of a note by its place among them; NOTHING where it has none.
+[[nodiscard]] double value_at(const Music &music, const Note &note, int field);
+
+/// The pitch of a note in semitones, 48 is middle C; NOTHING where it has none.
+[[nodiscard]] double pitch_of(const Music &music, const Note &note);
+
+/// The name of a part as people have it: "i1".
+[[nodiscard]] std::string name_of(const Part &part);
 
 } // namespace orlo::exporting

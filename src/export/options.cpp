@@ -23,8 +23,8 @@ constexpr char help[] = "Usage: orlo-export [options] PIECE -o OUT\n"
                         "Writes a whole piece for other programs. PIECE is an input of orlo, a Csound\n"
                         "document whose score is one, or a Csound score.\n"
                         "\n"
-                        "  -f FORMAT     mid (a MIDI file), csv (a table) or json; without it the ending of\n"
-                        "                OUT decides\n"
+                        "  -f FORMAT     mid (a MIDI file), musicxml (notation), csv (a table) or json; without\n"
+                        "                it the ending of OUT decides\n"
                         "  -h, --help    show this text\n"
                         "  -o OUT        write to OUT, \"-\" is the standard output\n"
                         "  -V, --version show the version\n"
@@ -32,13 +32,20 @@ constexpr char help[] = "Usage: orlo-export [options] PIECE -o OUT\n"
                         "For csv and json:\n"
                         "  --names P=NAME,...       what p-fields are called: p6=pan\n"
                         "\n"
+                        "For mid and musicxml:\n"
+                        "  --map block N|none       the beats are those of block N, or seconds; without it\n"
+                        "                           those of the block that most notes fit\n"
+                        "  --meter 3/4              the bars\n"
+                        "\n"
+                        "For musicxml:\n"
+                        "  --grid N                 notes without a rhythm go to the nearest Nth: 16\n"
+                        "  --map own                each block has its own beats, whatever their seconds\n"
+                        "  --sounding               notes are written as long as they sound, not to the next one\n"
+                        "\n"
                         "For mid:\n"
                         "  --by block               a track for each block, not for each instrument\n"
                         "  --channel I=N,...        the MIDI channel of an instrument: 2=10\n"
                         "  --controller P=N,...     a p-field as a controller: p6=10\n"
-                        "  --map block N|none       the beats are those of block N, or seconds; without it\n"
-                        "                           those of the block that most notes fit\n"
-                        "  --meter 3/4              the bars\n"
                         "  --mpe                    a channel for each note, as MPE has it\n"
                         "  --program I=N,...        the MIDI program of an instrument: 1=41\n"
                         "  --velocity P[:db][:A..B] loudness is in a p-field, as an amplitude or in decibels, and\n"
@@ -55,7 +62,8 @@ struct Ending {
     const char *name;
     Format      format;
 };
-constexpr Ending endings[] = {{"csv", Format::csv}, {"json", Format::json}, {"mid", Format::midi}, {"midi", Format::midi}};
+constexpr Ending endings[] = {{"csv", Format::csv},   {"json", Format::json},         {"mid", Format::midi},
+                              {"midi", Format::midi}, {"musicxml", Format::musicxml}, {"xml", Format::musicxml}};
 
 bool find_format(std::string_view name, Format &format)
 {
@@ -191,6 +199,18 @@ Task take_by(std::string_view text, Options &options)
     return text == "block" ? Task::write : refuse("--by is block, not '" + std::string{text} + "'");
 }
 
+// grid -> a note value, that of a triplet included
+Task take_grid(std::string_view text, Options &options)
+{
+    int number = 0;
+    for (const int value : {4, 8, 12, 16, 24, 32, 48, 64})
+        if (read_number(text, value, value, number)) {
+            options.notation.grid = number;
+            return Task::write;
+        }
+    return refuse("--grid is 4, 8, 16, 32 or 64, or 12, 24 or 48 for triplets, not '" + std::string{text} + "'");
+}
+
 // the arguments that are left to read
 struct Arguments {
     int                count;
@@ -213,13 +233,16 @@ Task take_map(std::string_view rest, Arguments &arguments, Options &options)
     std::string value;
     int         number = 0;
     if (!take_value(rest, arguments, value))
-        return refuse("--map needs 'block N' or 'none'");
+        return refuse("--map needs 'block N', 'none' or 'own'");
+    options.notation.own_beats = value == "own";
+    if (value == "own")
+        return Task::write;
     options.midi.map = value == "none" ? MapChoice::none : MapChoice::block;
     if (value == "none")
         return Task::write;
     const bool good        = value == "block" && take_value({}, arguments, value) && read_number(value, 1, INT32_MAX, number);
     options.midi.map_block = static_cast<std::uint32_t>(number);
-    return good ? Task::write : refuse("--map is 'block N' or 'none', not '" + value + "'");
+    return good ? Task::write : refuse("--map is 'block N', 'none' or 'own', not '" + value + "'");
 }
 
 struct LongOption {
@@ -228,8 +251,8 @@ struct LongOption {
 };
 
 constexpr LongOption long_options[] = {
-    {"--by", take_by},       {"--channel", take_channels}, {"--controller", take_controllers}, {"--meter", take_meter},
-    {"--names", take_names}, {"--program", take_programs}, {"--velocity", take_velocity},
+    {"--by", take_by},       {"--channel", take_channels}, {"--controller", take_controllers}, {"--grid", take_grid},
+    {"--meter", take_meter}, {"--names", take_names},      {"--program", take_programs},       {"--velocity", take_velocity},
 };
 
 Task take_long_option(std::string_view option, Arguments &arguments, Options &options)
@@ -238,6 +261,10 @@ Task take_long_option(std::string_view option, Arguments &arguments, Options &op
     const std::string_view name = take_to(rest, '=');
     if (name == "--mpe" && rest.empty()) {
         options.midi.mpe = true;
+        return Task::write;
+    }
+    if (name == "--sounding" && rest.empty()) {
+        options.notation.sounding = true;
         return Task::write;
     }
     if (name == "--map")
@@ -265,7 +292,7 @@ Task take_option(std::string_view option, Arguments &arguments, Options &options
     if (option.starts_with("-f")) {
         if (!take_value(option.substr(2), arguments, value))
             return refuse("-f needs a format");
-        return find_format(value, options.format) ? Task::write : refuse("-f is mid, csv or json, not '" + value + "'");
+        return find_format(value, options.format) ? Task::write : refuse("-f is mid, musicxml, csv or json, not '" + value + "'");
     }
     return refuse("no option '" + std::string{option} + "'");
 }
@@ -284,10 +311,14 @@ Task check(Options &options)
         return refuse("no PIECE");
     if (options.out.empty())
         return refuse("no OUT: name a file with -o");
+    options.notation.map          = {options.midi.map, options.midi.map_block};
+    options.notation.meter        = {options.midi.beats, options.midi.unit};
     const std::string_view ending = std::string_view{options.out}.substr(options.out.rfind('.') + 1); // all of it without a point
-    if (options.format != Format::guess || find_format(ending, options.format))
-        return Task::write;
-    return refuse("what is to be written? OUT ends with .mid, .csv or .json, or -f says it");
+    if (options.format == Format::guess && !find_format(ending, options.format))
+        return refuse("what is to be written? OUT ends with .mid, .musicxml, .csv or .json, or -f says it");
+    if (options.notation.own_beats && options.format == Format::midi)
+        return refuse("--map own is for musicxml, not for mid");
+    return Task::write;
 }
 
 } // namespace

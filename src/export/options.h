@@ -2,13 +2,14 @@
 #pragma once
 
 #include "export/midi.h"
+#include "export/voices.h"
 
 #include <map>
 #include <string>
 
 namespace orlo::exporting {
 
-enum class Format { guess, csv, json, midi };
+enum class Format { guess, csv, json, midi, musicxml };
 
 /// What the command line asks for.
 struct Options {
@@ -17,6 +18,7 @@ struct Options {
     Format                     format = Format::guess;
     std::map<int, std::string> names; ///< of p-fields
     MidiOptions                midi;
+    NotationOptions            notation; ///< its map and its meter are those of midi
 };
 
 /// What is to be done with a command line.

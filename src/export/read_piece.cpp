@@ -6,12 +6,14 @@
 #include "gather/words.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace orlo::exporting {
 namespace {
 
-constexpr std::size_t FIRST_FIELD = 2; // index of p4 among the p-fields from p2 on
+constexpr std::size_t LONGEST_NAME = 16; // of a note that is written with its name
+constexpr std::size_t FIRST_FIELD  = 2;  // index of p4 among the p-fields from p2 on
 
 // values in semitones and amplitudes by what they are written and printed as
 Meaning meaning_of(const gather::Section &section)
@@ -123,6 +125,32 @@ struct Origins {
     }
 };
 
+// name -> letter { "s" | "f" | "n" | "+" | "-" } [ octave ]
+NoteName name_in(std::string_view text)
+{
+    NoteName name;
+    if (text.empty())
+        return name;
+    const auto letter = static_cast<char>(text.front() | 0x20); // in lower case
+    if (letter < 'a' || letter > 'g')
+        return name;
+    for (const char c : text.substr(1))
+        name.alter += c == 's' ? 1.0F : c == 'f' ? -1.0F : c == '+' ? 0.5F : c == '-' ? -0.5F : 0.0F;
+    name.step = letter;
+    return name;
+}
+
+// the name that a value was written with
+NoteName name_of(const gather::Piece &piece, const gather::Place &place)
+{
+    if (place.file == gather::NONE)
+        return {};
+    const gather::File &file = piece.source.files()[static_cast<std::size_t>(place.file)];
+    if (place.begin < file.skipped || place.end - file.skipped > file.text.size() || place.end - place.begin > LONGEST_NAME)
+        return {};
+    return name_in(std::string_view{file.text}.substr(place.begin - file.skipped, place.end - place.begin));
+}
+
 // the outermost text of a note: that of the value that it got for a p-field
 void set_place(Note &note, gather::Piece &piece, gather::Place place)
 {
@@ -141,6 +169,20 @@ const gather::Section &telling_section(const gather::Block &block)
         if (section.pfield > 3 && meaning_of(section) == Meaning::semitones)
             return section;
     return block.sections.front();
+}
+
+// values of a section may be written as names of notes
+bool has_names(const gather::Section &section)
+{
+    return section.pfield > 3 && std::any_of(section.inputs.begin(), section.inputs.end(),
+                                             [](const gather::Input &input) { return input.code == TYPE_NO; });
+}
+
+// beats of an event's interval
+double interval_of(const gather::Block &block, std::uint32_t value)
+{
+    const std::vector<float> &read = block.sections.front().read;
+    return value < read.size() ? std::fabs(static_cast<double>(read[value])) : NOTHING;
 }
 
 // the texts of a column, one after the other
@@ -167,19 +209,24 @@ void add_notes(Music &music, gather::Piece &piece, const gather::Block &block, s
     for (std::size_t p = FIRST_FIELD; p < columns; ++p)
         cutters.push_back({events.printed.empty() ? nullptr : &events.printed[p]});
     const Origins     origins{&telling_section(block)};
-    const std::size_t told = static_cast<std::size_t>(origins.section->pfield) - 2;
+    const bool        named = has_names(*origins.section);
+    const std::size_t told  = static_cast<std::size_t>(origins.section->pfield) - 2;
     for (std::size_t i = 0; i < events.count; ++i) {
         Note note{};
-        note.start    = static_cast<double>(events.values[0][i]);
-        note.duration = static_cast<double>(events.values[1][i]);
-        note.beat     = static_cast<double>(events.beat[i]);
-        note.beats    = static_cast<double>(events.beats[i]);
-        note.part     = music.blocks.back().part;
-        note.block    = index;
-        note.file     = NONE;
-        note.first    = music.values.size();
-        note.count    = static_cast<std::int32_t>(columns - FIRST_FIELD);
-        set_place(note, piece, origins.place_of(events.origins[told][i]));
+        note.start                = static_cast<double>(events.values[0][i]);
+        note.duration             = static_cast<double>(events.values[1][i]);
+        note.beat                 = static_cast<double>(events.beat[i]);
+        note.beats                = static_cast<double>(events.beats[i]);
+        note.part                 = music.blocks.back().part;
+        note.block                = index;
+        note.file                 = NONE;
+        note.first                = music.values.size();
+        note.count                = static_cast<std::int32_t>(columns - FIRST_FIELD);
+        note.interval             = interval_of(block, events.origins[0][i]);
+        const gather::Place place = origins.place_of(events.origins[told][i]);
+        if (named)
+            note.name = name_of(piece, place);
+        set_place(note, piece, place);
         for (std::size_t p = FIRST_FIELD; p < columns; ++p) {
             music.values.push_back(static_cast<double>(events.values[p][i]));
             music.printed.push_back(cutters[p - FIRST_FIELD].next());
