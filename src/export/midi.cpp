@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace orlo::exporting {
 namespace {
@@ -112,8 +113,8 @@ Clock clock_of(const Grid &grid)
 
 struct Loudness {
     const MidiOptions &options;
-    double             softest = INFINITY; // decibels
-    double             loudest = -INFINITY;
+    double             softest = std::numeric_limits<double>::infinity(); // decibels
+    double             loudest = -std::numeric_limits<double>::infinity();
 };
 
 int loudness_field(const Loudness &loudness, const Music &music, const Note &note)

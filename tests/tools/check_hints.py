@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Tries every hint on its pieces in tests/hints/NAME/:
+"""Tries every hint, which has a chapter in the manual, on its pieces in tests/hints/NAME/:
 
   shows*.orlo   has the hint, and no other; shows*.txt is what orlo-explain --hints says of it, exactly
   mended*.orlo  what its edits make of it: without any hint, error or warning; left out where the hint has no edits
@@ -104,6 +104,8 @@ def check_file(path, text, accept):
 
 
 def check_hint(explain, source, accept):
+    if f"\n### {source.name}\n" not in (ROOT / "docs/manual.md").read_text(encoding="utf-8"):
+        yield "has no chapter in the manual"
     with tempfile.TemporaryDirectory() as temporary:
         folder = pathlib.Path(temporary) / source.name
         shutil.copytree(source, folder)

@@ -57,7 +57,7 @@ COMPLETIONS = [  # what is typed, what is offered
     (["orlo-explain", "piece.orlo", ""], []),
     (["orlo-explain", "piece.orlo", "-o", "p"], ["piece.orlo"]),
     (["orlo-export", "--m"], ["--map", "--meter", "--mpe"]),
-    (["orlo-export", "-f", ""], ["csv", "json", "mid"]),
+    (["orlo-export", "-f", ""], ["csv", "json", "mid", "musicxml"]),
     (["orlo-export", "--map", "n"], ["none"]),
     (["orlo-export", "--by", ""], ["block"]),
     (["orlo-export", "--meter", ""], []),

@@ -158,10 +158,12 @@ def check_explain(explain, folder):
         file.write(text)
     gcc = [explain, "--format=gcc", name]
     plain = subprocess.run(gcc, cwd=folder, env=run_case.environment(), capture_output=True, check=False)
-    expect(plain.returncode == 0 and plain.stdout.count(b"\n") == 1 and plain.stdout.startswith(b"bad " + BAD + b".orlo:1:1: "),
+    expect(plain.returncode == 0 and plain.stdout.count(b"\n") == 3 and plain.stdout.startswith(b"bad " + BAD + b".orlo:1:1: "),
            f"messages in a pipe: {plain}")
     shown = check_safe("messages of a piece", at_terminal(gcc, folder, ("stdout",))[0])
-    expect(shown.startswith("bad " + SAFE + ".orlo:1:1: error: ") and shown.count("\n") == 1, f"messages of a piece: {shown!r}")
+    expect(shown.startswith("bad " + SAFE + ".orlo:1:1: error: ") and shown.count("\n") == 3, f"messages of a piece: {shown!r}")
+    shown = check_safe("hints of a piece", at_terminal([explain, "--hints", name], folder, ("stdout",))[0])
+    expect(shown.startswith("bad ") and ".orlo:1:29: no-utf8\n" in shown, f"hints of a piece: {shown!r}")
     document = [explain, name]
     plain = subprocess.run(document, cwd=folder, env=run_case.environment(), capture_output=True, check=False)
     shown = check_safe("document", at_terminal(document, folder, ("stdout",))[0])
