@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <limits>
 
 namespace orlo::exporting {
 namespace {
@@ -60,7 +61,7 @@ bool is_written(Spelling &name, const NoteName &written, double pitch)
 Spelling nearest_name(int key, double middle)
 {
     Spelling best;
-    double   least = INFINITY;
+    double   least = std::numeric_limits<double>::infinity();
     for (int fifths = LOWEST_NAME; fifths <= HIGHEST_NAME; ++fifths) {
         if ((fifths * 7 - key) % OCTAVE != 0 || std::fabs(fifths - middle) >= least)
             continue;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace orlo::exporting {
 namespace {
@@ -55,7 +56,7 @@ bool is_usual(double beat)
 Placed placed(const Placing &placing, std::size_t index)
 {
     const Note &note = placing.music.notes[index];
-    Placed      of{index, beat_of(placing, note), INFINITY, 0.0, true};
+    Placed      of{index, beat_of(placing, note), std::numeric_limits<double>::infinity(), 0.0, true};
     const bool  own = placing.options.own_beats && !std::isnan(note.beats);
     of.sound        = own ? note.beat + note.beats : beat_at(placing.grid, note.start + note.duration);
     if (placing.options.sounding) {
@@ -220,7 +221,7 @@ void end_chords(Line &line, bool of_block)
 {
     for (std::size_t i = 0; i < line.size(); ++i) {
         Chord       &chord = line[i];
-        const double next  = i + 1 < line.size() ? line[i + 1].beat : static_cast<double>(INFINITY);
+        const double next  = i + 1 < line.size() ? line[i + 1].beat : std::numeric_limits<double>::infinity();
         const bool   rest  = !of_block && next - chord.beat > FAR * (chord.sound - chord.beat) + NEAR;
         if (rest || (std::isinf(chord.end) && std::isinf(next))) {
             chord.end  = chord.sound;
