@@ -8,10 +8,11 @@ chords, rests, microtones) is run, and written by orlo-export as a MIDI file, a 
   instrument; nothing is left out that orlo-export does not tell;
 - the table and the JSON document have the events of the score, in its order, with its p-fields as it prints them.
 
---judges asks others too, where they are installed: python3-mido, midicsv, Csound's -F.
+--judges asks others too, where they are installed: python3-mido, midicsv, Csound's -F, and timidity, which plays it.
 """
 
 import argparse
+import contextlib
 import csv
 import io
 import json
@@ -39,6 +40,7 @@ DATA_BYTES = {0x80: 2, 0x90: 2, 0xA0: 2, 0xB0: 2, 0xC0: 1, 0xD0: 1, 0xE0: 2}
 HALF_DIGIT = 0.0005  # of a score's times
 MILLISECOND = 0.001
 CENT = 0.01
+LONGEST_PLAYED = 30  # seconds of sound
 
 
 # ---- a strict reader of MIDI files
@@ -310,8 +312,8 @@ def exported(options, piece, folder, ending, *arguments):
         return file.read(), done.stderr.decode()
 
 
-def judge(folder, faults):
-    """What others say of the MIDI file."""
+def judge(folder, notes, faults):
+    """What others say of the MIDI file, whose notes are known."""
     path = os.path.join(folder, "out.mid")
     try:
         import mido  # pylint: disable=import-outside-toplevel
@@ -324,6 +326,11 @@ def judge(folder, faults):
         told = run(["midicsv", path], folder)
         if told.returncode != 0 or told.stderr:
             faults.append(f"midicsv: {told.stderr.decode()[:200]}")
+    end = max(note.end for track in notes.values() for note in track)
+    if check_midi.is_here("timidity") and end < LONGEST_PLAYED:
+        with contextlib.redirect_stdout(io.StringIO()):
+            played = check_midi.play_with_timidity(path, end * check_midi.TICKS, folder)
+        faults += [fault for fault in played if "no sound file" in fault]  # long notes may fade before they end
     if shutil.which("csound"):
         with open(os.path.join(folder, "judge.csd"), "w", encoding="ascii") as file:
             file.write("<CsoundSynthesizer>\n<CsInstruments>\nmassign 0, 1\ninstr 1\nendin\n</CsInstruments>\n<CsScore>\nf0 .1\ne\n</CsScore>\n"
@@ -347,7 +354,7 @@ def check(options, piece):
         faults = table_faults(score, table) + json_faults(table, exported(options, piece, folder, "json")[0])
         faults += note_faults(read_notes(midi), expected_notes(document), said)
         if options.judges:
-            judge(folder, faults)
+            judge(folder, read_notes(midi), faults)
         mpe, told = exported(options, piece, folder, "mid", "--mpe")
         return faults + [f"--mpe: {fault}" for fault in note_faults(read_notes(mpe), expected_notes(document), told)]
 
