@@ -55,9 +55,9 @@ void put_diagnostics(Out &out)
     });
 }
 
-void put_hints(Out &out, const std::vector<Hint> &hints)
+void put_hints(Out &out, const Hints &hints)
 {
-    put_objects(out, "hints", hints, [&out](const Hint &hint) {
+    put_objects(out, "hints", hints.list, [&out](const Hint &hint) {
         put_text(out, "name", name_of(hint.kind));
         put_text(out, "text", hint.text);
         put_text(out, "reason", hint.reason);
@@ -194,7 +194,7 @@ void put_places(Out &out)
 
 } // namespace
 
-bool write_document(Piece &piece, const std::vector<Hint> &hints, const Heading &heading, std::FILE *file)
+bool write_document(Piece &piece, const Hints &hints, const Heading &heading, std::FILE *file)
 {
     Out out{JsonWriter{file}, piece, heading.events, {}};
     out.json.begin_object();
@@ -205,6 +205,7 @@ bool write_document(Piece &piece, const std::vector<Hint> &hints, const Heading 
     put_files(out);
     put_diagnostics(out);
     put_hints(out, hints);
+    put_true(out, "hints_full", hints.full);
     put_calls(out);
     put_definitions(out);
     put_commands(out, piece.commands);

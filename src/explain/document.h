@@ -20,6 +20,6 @@ struct Heading {
 };
 
 /// Writes the document. @return false when it could not be written in full
-[[nodiscard]] bool write_document(Piece &piece, const std::vector<Hint> &hints, const Heading &heading, std::FILE *file);
+[[nodiscard]] bool write_document(Piece &piece, const Hints &hints, const Heading &heading, std::FILE *file);
 
 } // namespace orlo::explain

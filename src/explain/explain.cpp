@@ -3,7 +3,6 @@
 
 #include "explain/explain.h"
 
-#include "base/exhaustion.h"
 #include "base/visible_text.h"
 #include "explain/document.h"
 #include "explain/gcc_messages.h"
@@ -11,52 +10,17 @@
 #include "explain/hints_text.h"
 #include "explain/options.h"
 #include "gather/run_piece.h"
+#include "platform/companion.h"
 #include "platform/folder.h"
-#include "platform/memory_limit.h"
-#include "platform/say.h"
-#include "platform/standard_streams.h"
-#include "platform/temporary_file.h"
 #include "platform/terminal.h"
 #include "platform/whole_file.h"
 
 #include <cstdio>
-#include <cstdlib>
 
 namespace orlo::explain {
 namespace {
 
-constexpr int SUCCESS = 0;
-constexpr int FAILURE = 1;
-constexpr int USAGE   = 2;
-
-constexpr int EXHAUSTED = -1; // no status: there was not enough memory
-
-bool complain(const std::string &text)
-{
-    say("orlo-explain: " + text);
-    return false;
-}
-
-// without asking for more
-bool complain_of_memory()
-{
-    std::fputs("orlo-explain: not enough memory\n", stderr);
-    return false;
-}
-
-bool cant_write(const std::string &name, const std::string &fault)
-{
-    return complain("can't write " + (name == STANDARD_OUTPUT ? "the standard output" : name) +
-                    (fault.empty() ? "" : ": " + fault));
-}
-
-// to be asked before the run, which opens streams that are closed on nothing
-bool can_be_written(const std::string &name)
-{
-    return name != STANDARD_OUTPUT || is_open(stdout) || cant_write(name, "it is closed");
-}
-
-bool write(Piece &piece, const std::vector<Hint> &hints, const Options &options, const Heading &heading, std::FILE *file)
+bool write(Piece &piece, const Hints &hints, const Options &options, const Heading &heading, std::FILE *file)
 {
     if (options.format == Format::json)
         return write_document(piece, hints, heading, file);
@@ -65,7 +29,7 @@ bool write(Piece &piece, const std::vector<Hint> &hints, const Options &options,
     return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
 
-bool write_out(Piece &piece, const std::vector<Hint> &hints, const Options &options, const Heading &heading)
+bool write_out(Piece &piece, const Hints &hints, const Options &options, const Heading &heading)
 {
     if (is_input(piece, options.out))
         return complain(options.out + " would be overwritten: name another file with -o");
@@ -98,16 +62,6 @@ bool explain(const Options &options)
     return write_out(piece, find_hints(piece, options.midi), options, heading);
 }
 
-bool print(const char *text)
-{
-    WholeFile file;
-    if (!can_be_written(STANDARD_OUTPUT) || !open_whole(file, STANDARD_OUTPUT).empty())
-        return false;
-    std::fputs(text, file.stream);
-    const std::string fault = close_whole(file, true);
-    return fault.empty() || cant_write(STANDARD_OUTPUT, fault);
-}
-
 int do_task(int argc, const char *const *argv)
 {
     Options options;
@@ -126,25 +80,8 @@ int do_task(int argc, const char *const *argv)
     return USAGE;
 }
 
-[[noreturn]] void end_exhausted()
-{
-    remove_temporary_file();
-    remove_unfinished();
-    complain_of_memory();
-    std::exit(FAILURE);
-}
-
 } // namespace
 
-int run(int argc, const char *const *argv)
-{
-    outlive_lost_writes();
-    on_exhaustion(end_exhausted);
-    const int status = unless_exhausted([&] { return do_task(argc, argv); }, EXHAUSTED);
-    if (status != EXHAUSTED)
-        return status;
-    complain_of_memory();
-    return FAILURE;
-}
+int run(int argc, const char *const *argv) { return run_companion("orlo-explain", do_task, argc, argv); }
 
 } // namespace orlo::explain

@@ -68,7 +68,7 @@ void put_chain(Out &out, Place place)
 
 } // namespace
 
-std::string gcc_messages(Piece &piece, const std::vector<Hint> &hints)
+std::string gcc_messages(Piece &piece, const Hints &hints)
 {
     Out out{piece, {}};
     for (const Diagnostic &diagnostic : piece.diagnostics) {
@@ -77,13 +77,15 @@ std::string gcc_messages(Piece &piece, const std::vector<Hint> &hints)
         for (const Related &related : diagnostic.related)
             put_line(out, related.place, "note", related.text);
     }
-    for (const Hint &hint : hints) {
+    for (const Hint &hint : hints.list) {
         put_line(out, hint.place, "warning", hint.text + " [" + std::string{name_of(hint.kind)} + "]");
         put_chain(out, hint.place);
         put_line(out, hint.place, "note", hint.reason);
         for (const Edit &edit : hint.edits)
             put_line(out, edit.place, "note", fix_text(piece.source, edit));
     }
+    if (hints.full)
+        put_line(out, {}, "note", full_text());
     return std::move(out.text);
 }
 

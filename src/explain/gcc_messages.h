@@ -10,6 +10,6 @@ namespace orlo::explain {
 
 /// The messages, a line each, with the calls and includes that lead to their places as notes. Lines and columns count from 1,
 /// columns in bytes.
-[[nodiscard]] std::string gcc_messages(Piece &piece, const std::vector<Hint> &hints);
+[[nodiscard]] std::string gcc_messages(Piece &piece, const Hints &hints);
 
 } // namespace orlo::explain

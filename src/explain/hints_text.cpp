@@ -187,20 +187,24 @@ std::string fix_text(const SourceMap &source, const Edit &edit)
     return text;
 }
 
-std::string hints_text(Piece &piece, const std::vector<Hint> &hints, const Heading &heading)
+std::string hints_text(Piece &piece, const Hints &hints, const Heading &heading)
 {
     std::string text;
-    for (const Hint &hint : hints)
+    for (const Hint &hint : hints.list)
         put_hint(text, piece, hint);
-    if (hints.empty())
+    if (hints.list.empty())
         text += "No hints.\n";
     else
-        text += "Each is a chapter of the manual; \"; orlo: quiet " + std::string{name_of(hints.front().kind)} +
+        text += "Each is a chapter of the manual; \"; orlo: quiet " + std::string{name_of(hints.list.front().kind)} +
                 "\" in a block silences it there.\n";
+    if (hints.full)
+        text += full_text() + ".\n";
     if (heading.status != 0)
         text += "The piece ends with an error: orlo-explain --format=gcc shows it.\n";
     return text;
 }
+
+std::string full_text() { return std::to_string(MOST_HINTS) + " hints were found, and there may be more"; }
 
 std::string list_of_hints()
 {

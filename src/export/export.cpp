@@ -3,51 +3,23 @@
 
 #include "export/export.h"
 
-#include "base/exhaustion.h"
 #include "export/musicxml.h"
 #include "export/options.h"
 #include "export/read_music.h"
 #include "export/tables.h"
 #include "gather/run_piece.h"
-#include "platform/memory_limit.h"
+#include "platform/companion.h"
+#include "platform/file_names.h"
 #include "platform/say.h"
-#include "platform/standard_streams.h"
-#include "platform/temporary_file.h"
 #include "platform/whole_file.h"
 #include "score/files.h"
 #include "score/pitch.h"
 #include "score/score_reader.h"
 
 #include <cstdio>
-#include <cstdlib>
 
 namespace orlo::exporting {
 namespace {
-
-constexpr int SUCCESS = 0;
-constexpr int FAILURE = 1;
-constexpr int USAGE   = 2;
-
-constexpr int EXHAUSTED = -1; // no status: there was not enough memory
-
-bool complain(const std::string &text)
-{
-    say("orlo-export: " + text);
-    return false;
-}
-
-// without asking for more
-bool complain_of_memory()
-{
-    std::fputs("orlo-export: not enough memory\n", stderr);
-    return false;
-}
-
-bool cant_write(const std::string &name, const std::string &fault)
-{
-    return complain("can't write " + (name == gather::STANDARD_OUTPUT ? "the standard output" : name) +
-                    (fault.empty() ? "" : ": " + fault));
-}
 
 // name of a file without its folders and its ending
 std::string title_of(const std::string &name)
@@ -72,6 +44,8 @@ std::string first_error(gather::Piece &piece)
     return "it can't be run";
 }
 
+bool would_be_overwritten(const std::string &name) { return complain(name + " would be overwritten: name another file with -o"); }
+
 bool run_piece(const Options &options, const gather::PieceFile &file, Music &music)
 {
     gather::Piece piece;
@@ -79,7 +53,7 @@ bool run_piece(const Options &options, const gather::PieceFile &file, Music &mus
     if (!gather::run_piece(file, false, gather::Detail::events, piece, status))
         return complain_of_memory();
     if (gather::is_input(piece, options.out))
-        return complain(options.out + " would be overwritten: name another file with -o");
+        return would_be_overwritten(options.out);
     if (status != 0)
         return complain("the piece has an error: " + first_error(piece));
     music = music_of(piece);
@@ -92,7 +66,7 @@ bool read_score(const Options &options, const std::string &bytes, const score::L
     score.title = score::title_of(options.in);
     score::read_score(bytes, limits, score);
     if (score::same_file(options.in, options.out))
-        return complain(options.out + " would be overwritten: name another file with -o");
+        return would_be_overwritten(options.out);
     score::recognise_pitch(score);
     music = music_of(score);
     for (const std::string &trouble : music.troubles)
@@ -116,6 +90,8 @@ bool get_music(const Options &options, Music &music)
         return complain("can't read " + options.in + ": " + fault);
     switch (score::kind_of(options.in, bytes)) {
     case score::Kind::orlo:
+        if (is_special(options.in))
+            return complain(options.in + " is an input of orlo, and can't be read twice");
         return run_piece(options, file, music);
     case score::Kind::score:
         return read_score(options, bytes, limits, music);
@@ -146,8 +122,8 @@ std::string write(const Music &music, const Options &options, std::vector<std::s
 
 bool do_export(const Options &options)
 {
-    if (options.out == gather::STANDARD_OUTPUT && !is_open(stdout))
-        return cant_write(options.out, "it is closed");
+    if (!can_be_written(options.out))
+        return false;
     Music music;
     if (!get_music(options, music))
         return false;
@@ -169,18 +145,6 @@ bool do_export(const Options &options)
     return true;
 }
 
-bool print(const char *text)
-{
-    if (!is_open(stdout))
-        return cant_write(gather::STANDARD_OUTPUT, "it is closed");
-    WholeFile file;
-    if (!open_whole(file, gather::STANDARD_OUTPUT).empty())
-        return false;
-    std::fputs(text, file.stream);
-    const std::string fault = close_whole(file, true);
-    return fault.empty() || cant_write(gather::STANDARD_OUTPUT, fault);
-}
-
 int do_task(int argc, const char *const *argv)
 {
     Options options;
@@ -197,25 +161,8 @@ int do_task(int argc, const char *const *argv)
     return USAGE;
 }
 
-[[noreturn]] void end_exhausted()
-{
-    remove_temporary_file();
-    remove_unfinished();
-    complain_of_memory();
-    std::exit(FAILURE);
-}
-
 } // namespace
 
-int run(int argc, const char *const *argv)
-{
-    outlive_lost_writes();
-    on_exhaustion(end_exhausted);
-    const int status = unless_exhausted([&] { return do_task(argc, argv); }, EXHAUSTED);
-    if (status != EXHAUSTED)
-        return status;
-    complain_of_memory();
-    return FAILURE;
-}
+int run(int argc, const char *const *argv) { return run_companion("orlo-export", do_task, argc, argv); }
 
 } // namespace orlo::exporting

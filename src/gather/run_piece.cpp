@@ -2,6 +2,7 @@
 
 #include "base/observer.h"
 #include "driver/run.h"
+#include "platform/companion.h"
 #include "platform/file_identity.h"
 #include "platform/file_names.h"
 

@@ -10,8 +10,6 @@
 
 namespace orlo::gather {
 
-inline constexpr char STANDARD_OUTPUT[] = "-";
-
 /// A file that orlo is to run.
 struct PieceFile {
     std::string             name;

@@ -2,12 +2,10 @@
 
 #include "view/view.h"
 
-#include "base/exhaustion.h"
 #include "base/markup.h"
 #include "base/visible_text.h"
-#include "platform/memory_limit.h"
+#include "platform/companion.h"
 #include "platform/run_orlo.h"
-#include "platform/standard_streams.h"
 #include "platform/terminal.h"
 #include "score/build_score.h"
 #include "score/files.h"
@@ -19,23 +17,10 @@
 #include "view/pictures.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <sys/stat.h>
 
 namespace orlo::view {
 namespace {
-
-constexpr int SUCCESS = 0;
-constexpr int FAILURE = 1;
-constexpr int USAGE   = 2;
-
-constexpr int EXHAUSTED = -1; // no status: there was not enough memory
-
-bool complain(const std::string &text)
-{
-    tell("orlo-view: " + text);
-    return false;
-}
 
 // name of the file as messages have it
 std::string shown_name(const Options &options) { return options.in == "-" ? title_of(options.in) : options.in; }
@@ -194,40 +179,24 @@ bool view(const Options &options)
     return true;
 }
 
-int print(const char *text)
+int do_task(int argc, const char *const *argv)
 {
-    const std::string fault = write_file("-", text);
-    return fault.empty() || complain("can't write the standard output: " + fault) ? SUCCESS : FAILURE;
-}
-
-// without asking for more
-int complain_of_memory()
-{
-    std::fputs("orlo-view: not enough memory\n", stderr);
-    return FAILURE;
-}
-
-[[noreturn]] void end_exhausted() { std::exit(complain_of_memory()); }
-
-} // namespace
-
-int run(int argc, const char *const *argv)
-{
-    outlive_lost_writes();
     Options options;
     switch (read_options(argc, argv, options)) {
     case Command::view:
-        break;
+        return view(options) ? SUCCESS : FAILURE;
     case Command::help:
-        return print(help_text());
+        return print(help_text()) ? SUCCESS : FAILURE;
     case Command::version:
-        return print("orlo-view " ORLO_VERSION "\n");
+        return print("orlo-view " ORLO_VERSION "\n") ? SUCCESS : FAILURE;
     case Command::refuse:
-        return USAGE;
+        break;
     }
-    on_exhaustion(end_exhausted);
-    const int status = unless_exhausted([&] { return view(options) ? SUCCESS : FAILURE; }, EXHAUSTED);
-    return status == EXHAUSTED ? complain_of_memory() : status;
+    return USAGE;
 }
+
+} // namespace
+
+int run(int argc, const char *const *argv) { return run_companion("orlo-view", do_task, argc, argv); }
 
 } // namespace orlo::view

@@ -33,6 +33,7 @@ const Command commands[] = {
     {"a document without events", {"orlo-explain", "--no-events", "-o", OUT, "every-feature.orlo"}},
     {"a document of a MIDI run", {"orlo-explain", "-m", "-o", OUT, "every-feature.orlo"}},
     {"messages", {"orlo-explain", "--format=gcc", "-o", OUT, "two-errors.csd"}},
+    {"hints", {"orlo-explain", "--format=gcc", "-o", OUT, "stumbling.orlo"}},
 };
 
 int run_command(const void *what)

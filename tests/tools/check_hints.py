@@ -20,6 +20,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path[:0] = [str(ROOT / "tests/tools")]
 import explain_document
 
+MOST_HINTS = 1000  # that are kept of a piece
+
 
 class Run:
     """A piece as orlo-explain sees it: its hints, its messages, the text that --hints gives."""
@@ -119,6 +121,20 @@ def check_hint(explain, source, accept):
             yield from check_near(explain, folder, piece)
 
 
+def check_bound(explain):
+    """As many hints as are kept, and one more: the latter are told to be more, perhaps."""
+    for count in (MOST_HINTS - 1, MOST_HINTS, MOST_HINTS + 1):
+        with tempfile.TemporaryDirectory() as folder:
+            lines = [f"#define a{number} #1#" for number in range(count)]
+            (pathlib.Path(folder) / "in.orlo").write_text("\n".join([*lines, "i1 = 3 0 1 {", "p2 1", "p3 1", "}", ""]), encoding="ascii")
+            run = Run(explain, pathlib.Path(folder), "in.orlo")
+            full = count >= MOST_HINTS
+            if len(run.names()) != min(count, MOST_HINTS) or run.document.fields.get("hints_full", False) != full:
+                yield f"{count} macros give {len(run.names())} hints, full: {run.document.fields.get('hints_full')}"
+            if (b"1000 hints were found, and there may be more.\n" in run.text) != full:
+                yield f"{count} macros: --hints ends with {run.text[-200:]}"
+
+
 def main():
     parser = argparse.ArgumentParser(description="try the hints on their pieces")
     parser.add_argument("--explain", default=ROOT / "build/ci/orlo-explain", type=pathlib.Path)
@@ -134,6 +150,9 @@ def main():
         for fault in check_hint(explain, source, options.accept) if source.is_dir() else ["has no folder"]:
             faults += 1
             print(f"{name}: {fault}")
+    for fault in check_bound(explain) if not options.names else []:
+        faults += 1
+        print(fault)
     print(f"{len(names)} hints, {faults} faults")
     return 1 if faults or not names else 0
 

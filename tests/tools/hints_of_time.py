@@ -15,13 +15,38 @@ LEAST = .0005  # what is shorter is not seen in a score
 LATE = "Its start is reckoned at the tempo of that beat alone, {tempo}: {beat} * 60 / {tempo} = {start} s; "
 
 
+RECKONED = ("Block {block} starts {apart} s {side} the time that its start is reckoned from",
+            "The equation gives beat {beat}, and there the tempo is {tempo}: {beat} * 60 / {tempo} = {start} s; at tempo {other_tempo} it "
+            "would be {there} s")
+
+
+def reckoned_block(facts, hint, told):
+    """A start that was made of seconds at another tempo than the one at that beat."""
+    beat, start = (number32(hint.block.fields[key]) for key in ("start", "seconds"))
+    equation = re.fullmatch(r"~\[\s*[^-+*/%]+\*\s*([\d.]+)\s*/\s*60\s*\]", hint.words)
+    if not equation:
+        yield f"{hint.words!r} makes no beat of seconds"
+        return
+    meant = beat * 60 / float(equation[1])
+    for name, figure, value in (("its beat", "beat", beat), ("the tempo", "tempo", facts.tempo_at(hint.block, beat)), ("its start", "start", start),
+                                ("the other tempo", "other_tempo", float(equation[1]))):
+        yield from differs(name, told[figure], value)
+    yield from differs("what was meant", told["there"], meant, 2.7)  # the equation has three decimals
+    yield from differs("how far it is", told["apart"], abs(meant - start), 2.7)
+    yield from is_not("the side", told["side"], "before" if start < meant else "after")
+
+
 def late_block(facts, hint):
     told = hint.told(
+        RECKONED,
         ("Block {block} starts {apart} s {side} beat {beat} of the tempo map",
          LATE + "through all tempos before it, beat {beat} lies at {there} s"),
         ("Block {block} starts {apart} s {side} beat {beat} of {other}", LATE + "{other} has beat {beat} at {there} s"))
     block, beat = hint.block, number32(hint.block.fields["start"])
     yield from is_not("the block", f"block {told['block']}", facts.call_name(block))
+    if told.get("other_tempo"):
+        yield from reckoned_block(facts, hint, told)
+        return
     yield from differs("its beat", told["beat"], beat)
     tempo, start = facts.tempo_at(block, beat), number32(block.fields["seconds"])
     yield from differs("the tempo", told["tempo"], tempo)
@@ -110,10 +135,13 @@ def last_made(section, command):
     return values[command["first"] + command["count"] - 1]
 
 
+LAST_VALUE = "; its last value is {value}", ""  # not of notes and decibels
+
+
 def late_curve(facts, hint):
-    told = hint.told(("{name} with * goes only {way} of its way",
-                      "It covers beats {first} to {last}, and the length of the way is reckoned as {last} + {first} beats; "
-                      "its last value is {value}"))
+    told = hint.told(*[("{name} with * goes only {way} of its way",
+                        "It covers beats {first} to {last}, and the length of the way is reckoned as {last} + {first} beats" + end)
+                       for end in LAST_VALUE])
     section = hint.section()
     command = command_at(section, hint)
     beats = value_beats(hint.block, section)
@@ -122,7 +150,8 @@ def late_curve(facts, hint):
     yield from differs("its first beat", told["first"], first)
     yield from differs("its last beat", told["last"], last)
     yield from differs("its way", told["way"], (last - first) / (last + first), 2)
-    yield from differs("its last value", told["value"], last_made(section, command))
+    if told.get("value"):
+        yield from differs("its last value", told["value"], last_made(section, command))
     if not any(each.get("by_beat") for each in command["sets"]):
         yield "no curve of it has a *"
 
@@ -160,10 +189,9 @@ def at_end_of_way(section, command):
 
 
 def cut_span(facts, hint):
-    told = hint.told(("{name} is cut off after {count} of its {wanted} events",
-                      "The block has {events} events, {before} of them before this; its last value is {value}"),
-                     ("{name} is cut off after {count} of its {wanted} events",
-                      "The block has {events} event, {before} of them before this; its last value is {value}"))
+    told = hint.told(*[("{name} is cut off after {count} of its {wanted} events",
+                        "The block has {events} " + noun + ", {before} of them before this" + end)
+                       for noun in ("events", "event") for end in LAST_VALUE])
     section = hint.section()
     command = command_at(section, hint)
     yield from is_not("the generator", told["name"], command["name"])
@@ -171,7 +199,8 @@ def cut_span(facts, hint):
     yield from is_not("how many it was to make", int(told["wanted"]), -command["span"])
     yield from is_not("events of the block", int(told["events"]), section.count)
     yield from is_not("events before it", int(told["before"]), command["first"])
-    yield from differs("its last value", told["value"], last_made(section, command))
+    if told.get("value"):
+        yield from differs("its last value", told["value"], last_made(section, command))
     if not command["count"] < -command["span"]:
         yield "it is not cut off"
 

@@ -28,7 +28,7 @@ void add(Piece &piece, Severity severity, const char *text, const Place &place)
 std::string messages(Piece &piece)
 {
     piece.source.index_files();
-    return gcc_messages(piece, {});
+    return gcc_messages(piece, Hints{});
 }
 
 TEST(GccMessages, NothingIsSaidOfNothing)

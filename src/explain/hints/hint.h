@@ -118,4 +118,10 @@ struct Hint {
     std::vector<Edit> edits;        // what would mend it, in one file and in the order of their places; none where nothing is sure
 };
 
+/// What was found of a piece.
+struct Hints {
+    std::vector<Hint> list;         // in the order of files and places
+    bool              full = false; // MOST_HINTS were found: there may be more
+};
+
 } // namespace orlo::explain

@@ -5,7 +5,7 @@
 
 namespace orlo::explain {
 
-std::vector<Hint> find_hints(const Piece &piece, bool midi)
+Hints find_hints(const Piece &piece, bool midi)
 {
     Finder finder{piece, midi, {}};
     look_at_text(finder);
@@ -22,13 +22,14 @@ std::vector<Hint> find_hints(const Piece &piece, bool midi)
     look_at_values(finder);
     look_at_spans(finder);
     look_at_midi(finder);
+    const bool full = finder.found.size() == MOST_HINTS;
     keep_quiet(finder);
     const auto earlier = [](const Hint &a, const Hint &b) {
         return std::tie(a.place.file, a.place.begin, a.kind, a.place.end) <
                std::tie(b.place.file, b.place.begin, b.kind, b.place.end);
     };
     std::sort(finder.found.begin(), finder.found.end(), earlier);
-    return std::move(finder.found);
+    return {std::move(finder.found), full};
 }
 
 } // namespace orlo::explain

@@ -6,7 +6,7 @@
 namespace orlo::explain {
 
 /// The hints of a run that is over, in the order of the text, without those that a comment of the piece has silenced.
-[[nodiscard]] std::vector<Hint> find_hints(const Piece &piece, bool midi);
+[[nodiscard]] Hints find_hints(const Piece &piece, bool midi);
 
 // the rooms
 void look_at_starts(Finder &finder);      ///< where blocks start

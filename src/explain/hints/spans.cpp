@@ -32,6 +32,13 @@ std::vector<Edit> by_events(const Finder &finder, const Command &command)
     return edits;
 }
 
+// the value with which a generator ended, where the composer writes it as it is: no note, and no decibels
+std::string last_value_of(const Command &command)
+{
+    const bool plain = command.input == TYPE_RE || command.input == TYPE_IN || command.input == TYPE_RH;
+    return plain ? "; its last value is " + decimal_text(static_cast<double>(command.last_value)) : "";
+}
+
 void look_at_curve(Finder &finder, const Block &block, const Command &command)
 {
     const double way = static_cast<double>(command.last_beat) + static_cast<double>(command.first_beat);
@@ -39,13 +46,12 @@ void look_at_curve(Finder &finder, const Block &block, const Command &command)
     if (command.first_beat <= 0.0F || got <= 0.0 || got >= SHORT * way ||
         std::none_of(command.sets.begin(), command.sets.end(), is_by_beats))
         return;
-    add(finder,
-        {HintKind::late_curve, name_of_command(command) + " with * goes only " + decimal_text(got / way, 2) + " of its way",
-         "it covers beats " + decimal_text(static_cast<double>(command.first_beat)) + " to " +
-             decimal_text(static_cast<double>(command.last_beat)) + ", and the length of the way is reckoned as " +
-             decimal_text(static_cast<double>(command.last_beat)) + " + " + decimal_text(static_cast<double>(command.first_beat)) +
-             " beats; its last value is " + decimal_text(static_cast<double>(command.last_value)),
-         command.place, index_of(finder, block), by_events(finder, command)});
+    add(finder, {HintKind::late_curve, name_of_command(command) + " with * goes only " + decimal_text(got / way, 2) + " of its way",
+                 "it covers beats " + decimal_text(static_cast<double>(command.first_beat)) + " to " +
+                     decimal_text(static_cast<double>(command.last_beat)) + ", and the length of the way is reckoned as " +
+                     decimal_text(static_cast<double>(command.last_beat)) + " + " +
+                     decimal_text(static_cast<double>(command.first_beat)) + " beats" + last_value_of(command),
+                 command.place, index_of(finder, block), by_events(finder, command)});
 }
 
 void look_at_count(Finder &finder, const Block &block, const Section &section, const Command &command)
@@ -62,8 +68,8 @@ void look_at_count(Finder &finder, const Block &block, const Section &section, c
     add(finder,
         {HintKind::cut_span,
          name_of_command(command) + " is cut off after " + std::to_string(command.count) + " of its " + counted(wanted, "event"),
-         "the block has " + counted(section.count, "event") + ", " + std::to_string(command.first) +
-             " of them before this; its last value is " + decimal_text(static_cast<double>(command.last_value)),
+         "the block has " + counted(section.count, "event") + ", " + std::to_string(command.first) + " of them before this" +
+             last_value_of(command),
          command.span_place, index_of(finder, block), std::move(edits)});
 }
 

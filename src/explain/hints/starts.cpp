@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <iterator>
 #include <tuple>
 
 namespace orlo::explain {
@@ -41,15 +43,52 @@ Time time_of(const Block &block, float beat)
     return {begin.second + share * (end.second - begin.second), begin.start + share * (end.start - begin.start)};
 }
 
-// whether a start was reckoned by the composer
-bool is_reckoned(const Finder &finder, const Place &start)
+// the equation, or the time, that gave a start; null where it is written as a number
+const Call *reckoning_of(const Finder &finder, const Place &start)
 {
     for (Place place = start; place.call != NONE;) { // to the outermost call
         const Call &call = finder.piece.source.calls()[static_cast<std::size_t>(place.call)];
         if (call.kind == CallKind::equation || call.kind == CallKind::time)
-            return true;
+            return &call;
         place = call.place;
     }
+    return nullptr;
+}
+
+// The tempo of an equation that makes a beat of seconds, "~[SECONDS * TEMPO / 60]"; 0 for any other one.
+double tempo_of_equation(std::string_view text)
+{
+    std::string packed;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(packed), [](char c) { return c != ' ' && c != '\t'; });
+    constexpr std::string_view END   = "/60]";
+    const std::size_t          times = packed.find('*');
+    if (!packed.starts_with("~[") || !packed.ends_with(END) || times == std::string::npos ||
+        packed.find_first_of("+-*/%", 2) != times)
+        return 0.0;
+    const std::string tempo = packed.substr(times + 1, packed.size() - END.size() - times - 1);
+    return tempo.empty() || tempo.find_first_not_of("0123456789.") != std::string::npos ? 0.0 : std::strtod(tempo.c_str(), nullptr);
+}
+
+// A start that was reckoned from seconds lies elsewhere where the tempo at that beat is another one. Whether it is where it should
+// be
+bool look_at_reckoning(Finder &finder, const Block &block, const Call &call)
+{
+    const double tempo    = call.kind == CallKind::equation ? tempo_of_equation(text_at(finder, call.place)) : 0.0;
+    const double meant    = tempo > 0.0 ? tempo_time(call.value, tempo) : static_cast<double>(block.seconds);
+    const double distance = static_cast<double>(block.seconds) - meant;
+    if (!(std::fabs(distance) > HEARD))
+        return true;
+    const std::string beat   = decimal_text(static_cast<double>(block.start));
+    const std::string actual = decimal_text(static_cast<double>(block.tempo));
+    add(finder, {HintKind::late_block,
+                 name_of(finder, block) + " starts " + decimal_text(std::fabs(distance)) + " s " +
+                     (distance < 0.0 ? "before" : "after") + " the time that its start is reckoned from",
+                 "the equation gives beat " + beat + ", and there the tempo is " + actual + ": " + beat + " * 60 / " + actual +
+                     " = " + decimal_text(static_cast<double>(block.seconds)) + " s; at tempo " + decimal_text(tempo) +
+                     " it would be " + decimal_text(meant) + " s",
+                 call.place,
+                 index_of(finder, block),
+                 {}});
     return false;
 }
 
@@ -122,8 +161,10 @@ std::string reason_of(const Finder &finder, const Block &block, const Reference 
 // whether it is where it is to be expected
 bool look_at_start(Finder &finder, const Block &block, const std::vector<const Block *> &references)
 {
-    if (block.start <= 0.0F || is_reckoned(finder, block.header.start))
+    if (block.start <= 0.0F)
         return true;
+    if (const Call *call = reckoning_of(finder, block.header.start))
+        return look_at_reckoning(finder, block, *call);
     const Reference reference = reference_of(references, block);
     const double    distance  = static_cast<double>(block.seconds) - reference.time;
     if (!std::isfinite(distance) || is_heard_at(block, reference.time) || follows(references, block))

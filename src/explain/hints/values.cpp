@@ -21,7 +21,7 @@ constexpr float         LONG      = 20.0F;  // seconds
 constexpr float         VERY_LONG = 100.0F; // seconds
 constexpr float         USUAL     = 10.0F;  // above the first of a range
 constexpr std::uint64_t MELODY    = 4;      // events; fewer may be a drone
-constexpr double        SHORTEST  = 0.2;    // of an interval, that a note is meant to last
+constexpr double        SHORTEST  = 0.15;   // of an interval, that a note is meant to last
 constexpr double        LONGEST   = 3.0;
 
 bool is_nothing(const Coded &coded) { return coded.value == BEATS || coded.value == SECONDS; }
